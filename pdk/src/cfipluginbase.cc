@@ -1,0 +1,634 @@
+#include "cfipluginbase.h"
+
+#include <cstdio>
+#include <cwctype>
+
+#include "cfiprivatedatamanager.h"
+#include "cfisessionmanager.h"
+#include "cfimutexwrapper.h"
+#include "cfitracelogfunction.h"
+
+namespace qorin_pdk_4_4 {
+
+// Every default opens the function trace named after its qualified name.
+#define PLUGIN_BASE_TRACE(op) CFiTraceLogFunction traceFunction(m_traceLog, "qorin_pdk_4_4::CFiPluginBase::" op)
+
+namespace {
+
+bool g_shuttingDown = false;
+
+}  // namespace
+
+CFiPluginBase::CFiPluginBase() : m_messageIndexOffset(6000), m_delayedInitDone(false) {}
+
+CFiPluginBase::~CFiPluginBase() = default;
+
+int CFiPluginBase::delayedInit()
+{
+    return 0;
+}
+
+CFiConfigParamInfoList &CFiPluginBase::globalConfigInfoList(int mode, bool group)
+{
+    int index = mode == 1 ? 1 : 0;
+    return group ? m_groupParamLists[index] : m_nodeParamLists[index];
+}
+
+int CFiPluginBase::init()
+{
+    PLUGIN_BASE_TRACE("init");
+    return 0;
+}
+
+void CFiPluginBase::fini()
+{
+    PLUGIN_BASE_TRACE("fini");
+}
+
+int CFiPluginBase::claim(qorin_objid *, qorin_objid ***, int *)
+{
+    PLUGIN_BASE_TRACE("claim");
+    return 0;
+}
+
+int CFiPluginBase::supportsFiType(qrn_domain *node, char *)
+{
+    PLUGIN_BASE_TRACE("supportsFiType");
+    if (node != nullptr && node->capability != nullptr) {
+        *node->capability = 0;
+    }
+    return 0;
+}
+
+int CFiPluginBase::deportTree(qrn_domain *, qrn_domain *, qrn_accessnode *)
+{
+    PLUGIN_BASE_TRACE("deportTree");
+    return 0;
+}
+
+int CFiPluginBase::importTreeNode(qrn_domain *, qorin_objid **, qorin_objid **, int, qorin_objid **)
+{
+    PLUGIN_BASE_TRACE("importTreeNode");
+    return 0;
+}
+
+int CFiPluginBase::initNode(qrn_domain *, qrn_domain **, int, qorin_objid *)
+{
+    PLUGIN_BASE_TRACE("initNode");
+    return 0;
+}
+
+int CFiPluginBase::config(qrn_domain *, int, char *, qrn_confspec *)
+{
+    PLUGIN_BASE_TRACE("config");
+    // No node has private data to hold its parameters yet.
+    return 3;
+}
+
+int CFiPluginBase::initAltNode(qrn_domain *, qrn_domain *, qrn_domain *, bool)
+{
+    PLUGIN_BASE_TRACE("initAltNode");
+    return 0;
+}
+
+int CFiPluginBase::reAccessTmpObj(qrn_domain *, qorin_objid *, char *, qrn_domain *, char *, qrn_intent)
+{
+    PLUGIN_BASE_TRACE("reAccessTmpObj");
+    return 0;
+}
+
+int CFiPluginBase::reAccessAltNode(qrn_domain *, qorin_objid *, qorin_objid *, char *, qorin_objid **,
+                                   qorin_objid **, int, qrn_intent)
+{
+    PLUGIN_BASE_TRACE("reAccessAltNode");
+    return 0;
+}
+
+void CFiPluginBase::deInitNode(qrn_domain *node)
+{
+    PLUGIN_BASE_TRACE("deInitNode");
+    if (node == nullptr) {
+        return;
+    }
+    qrn_method_entry *entry = node->methods;
+    while (entry != nullptr) {
+        qrn_method_entry *next = entry->next;
+        if (entry->quiesce != nullptr) {
+            free(entry->quiesce->quiesceType);
+            delete entry->quiesce;
+        }
+        if (entry->split != nullptr) {
+            free(entry->split->method);
+            delete entry->split;
+        }
+        delete entry;
+        entry = next;
+    }
+    node->methods = nullptr;
+}
+
+int CFiPluginBase::dispose(qrn_domain *, qrn_domain *, qrn_splitnode *, qrn_disposition)
+{
+    PLUGIN_BASE_TRACE("dispose");
+    return 0;
+}
+
+int CFiPluginBase::online(qrn_domain *, qrn_domain *, int, qrn_disposition)
+{
+    PLUGIN_BASE_TRACE("online");
+    return 0;
+}
+
+int CFiPluginBase::subobjList(qrn_domain *, qorin_objid ***, int *)
+{
+    PLUGIN_BASE_TRACE("subobjList");
+    return 0;
+}
+
+int CFiPluginBase::errMsg(int code, const wchar_t **text)
+{
+    PLUGIN_BASE_TRACE("errMsg");
+    int32_t number = code > m_messageIndexOffset ? code - m_messageIndexOffset : code;
+    std::string provider;
+    for (wchar_t c : m_providerName) {
+        provider.push_back(static_cast<char>(towupper(c)));
+    }
+    char suffix[32];
+    snprintf(suffix, sizeof suffix, "%04d", number);
+    std::string key = "MSG_ERROR_" + provider + "_" + suffix;
+    if (!m_catalogManager.isNull()) {
+        m_catalogManager->getLocalizedMessage(key.c_str(), "native", const_cast<wchar_t **>(text));
+    }
+    return 0;
+}
+
+int CFiPluginBase::buildAltTree(qrn_domain *, char *, qorin_objid **, qorin_objid **, int, qorin_objid **)
+{
+    PLUGIN_BASE_TRACE("buildAltTree");
+    return 0;
+}
+
+int CFiPluginBase::quiesce(qrn_quiescenode **, int, char *)
+{
+    PLUGIN_BASE_TRACE("quiesce");
+    return 0;
+}
+
+void CFiPluginBase::unquiesce(qrn_quiescenode **, int)
+{
+    PLUGIN_BASE_TRACE("unquiesce");
+}
+
+int CFiPluginBase::make(char *, qrn_splitnode **, int, qorin_objid ***, int *)
+{
+    PLUGIN_BASE_TRACE("make");
+    return 4;
+}
+
+int CFiPluginBase::makeSnapshots(CFiSessionPtr &)
+{
+    PLUGIN_BASE_TRACE("makeSnapshots");
+    return 4;
+}
+
+int CFiPluginBase::prepare(char *, qrn_splitnode **, int, int)
+{
+    PLUGIN_BASE_TRACE("prepare");
+    return 4;
+}
+
+int CFiPluginBase::prepareSnapshots(CFiSessionPtr &)
+{
+    PLUGIN_BASE_TRACE("prepareSnapshots");
+    return 0;
+}
+
+int CFiPluginBase::select(char *, qrn_splitnode **, int)
+{
+    PLUGIN_BASE_TRACE("select");
+    return 4;
+}
+
+int CFiPluginBase::selectSnapshots(CFiSessionPtr &)
+{
+    PLUGIN_BASE_TRACE("selectSnapshots");
+    return 0;
+}
+
+int CFiPluginBase::isReady(char *, qrn_splitnode **, int)
+{
+    PLUGIN_BASE_TRACE("isReady");
+    return 0;
+}
+
+int CFiPluginBase::cacheDisable(qrn_domain *, int)
+{
+    PLUGIN_BASE_TRACE("cacheDisable");
+    return 0;
+}
+
+void CFiPluginBase::cacheEnable(qrn_domain *, int)
+{
+    PLUGIN_BASE_TRACE("cacheEnable");
+}
+
+void CFiPluginBase::cacheFlush(qrn_domain *, int)
+{
+    PLUGIN_BASE_TRACE("cacheFlush");
+}
+
+qrn_interpose CFiPluginBase::interpose(qrn_domain *, qorin_objid **, qorin_objid ***, int *)
+{
+    PLUGIN_BASE_TRACE("interpose");
+    return 0;
+}
+
+int CFiPluginBase::getAttr(qrn_domain *, qrn_domain *, qrn_splitnode *, qrn_attributes *)
+{
+    PLUGIN_BASE_TRACE("getAttr");
+    return 0;
+}
+
+int CFiPluginBase::getProviderInfo(qrn_provider_list **)
+{
+    PLUGIN_BASE_TRACE("getProviderInfo");
+    return 0;
+}
+
+int CFiPluginBase::enumerateNodes(qrn_node_list **out, int *, int, wchar_t *)
+{
+    PLUGIN_BASE_TRACE("enumerateNodes");
+    if (out == nullptr) {
+        return 3;
+    }
+    *out = nullptr;
+    return 0;
+}
+
+int CFiPluginBase::enumerateAssociations(qrn_assoc_list **out)
+{
+    PLUGIN_BASE_TRACE("enumerateAssociations");
+    if (out == nullptr) {
+        return 3;
+    }
+    *out = nullptr;
+    return 0;
+}
+
+int CFiPluginBase::enumerateGroupNodes(qrn_group_node_list **out)
+{
+    PLUGIN_BASE_TRACE("enumerateGroupNodes");
+    if (out == nullptr) {
+        return 3;
+    }
+    *out = nullptr;
+    return 0;
+}
+
+int CFiPluginBase::enumerateFims(qrn_fim_list **out)
+{
+    PLUGIN_BASE_TRACE("enumerateFims");
+    if (out != nullptr) {
+        *out = nullptr;
+    }
+    return 0;
+}
+
+int CFiPluginBase::isValidNodeAssociation(qrn_assoc *, int *)
+{
+    PLUGIN_BASE_TRACE("isValidNodeAssociation");
+    return 4;
+}
+
+int CFiPluginBase::getAssociatedNodes(qrn_node *, qrn_node_list **out)
+{
+    PLUGIN_BASE_TRACE("getAssociatedNodes");
+    if (out == nullptr) {
+        return 3;
+    }
+    *out = nullptr;
+    return 0;
+}
+
+int CFiPluginBase::checkNodeExistence(qrn_domain *, int *)
+{
+    PLUGIN_BASE_TRACE("checkNodeExistence");
+    return 4;
+}
+
+int32_t CFiPluginBase::objctl(std::wstring, CFiObjctlArgs &)
+{
+    PLUGIN_BASE_TRACE("objctl");
+    return 0;
+}
+
+int CFiPluginBase::processProviderState(qrn_domain *, qrn_blob *blob, qrn_op_providerstate op)
+{
+    PLUGIN_BASE_TRACE("processProviderState");
+    if (op == QRN_PROVIDERSTATE_READ && blob != nullptr) {
+        blob->length = 0;
+        blob->data = nullptr;
+    }
+    return 0;
+}
+
+int CFiPluginBase::getLastError(qrn_msg_info **out)
+{
+    PLUGIN_BASE_TRACE("getLastError");
+    if (out != nullptr) {
+        *out = m_errorManager.isNull() ? nullptr : const_cast<qrn_msg_info *>(m_errorManager->getLastError());
+    }
+    return 0;
+}
+
+int CFiPluginBase::delLastError(qrn_msg_info **info)
+{
+    PLUGIN_BASE_TRACE("delLastError");
+    if (!m_errorManager.isNull()) {
+        m_errorManager->deleteLastError(info);
+    }
+    return 0;
+}
+
+int CFiPluginBase::getLocaleMessage(int *, qrn_msg_info *info, const char *language, wchar_t **out)
+{
+    PLUGIN_BASE_TRACE("getLocaleMessage");
+    (void)info;
+    (void)language;
+    (void)out;
+    return 0;
+}
+
+int CFiPluginBase::delLocaleMessage(wchar_t **text)
+{
+    PLUGIN_BASE_TRACE("delLocaleMessage");
+    if (!m_catalogManager.isNull()) {
+        m_catalogManager->deleteLocalizedMessage(text);
+    }
+    return 0;
+}
+
+int CFiPluginBase::enableAccess(qrn_node_subobj_list *list, int32_t, int, int)
+{
+    PLUGIN_BASE_TRACE("enableAccess");
+    if (list == nullptr) {
+        return 3;
+    }
+    for (; list != nullptr; list = list->next) {
+        if (list->node != nullptr) {
+            list->node->flags &= ~static_cast<uint32_t>(QRN_NODE_ACCESS_DISABLED);
+        }
+    }
+    return 0;
+}
+
+int CFiPluginBase::disableAccess(qrn_node_subobj_list *list, int32_t)
+{
+    PLUGIN_BASE_TRACE("disableAccess");
+    if (list == nullptr) {
+        return 3;
+    }
+    for (; list != nullptr; list = list->next) {
+        if (list->node != nullptr) {
+            list->node->flags |= QRN_NODE_ACCESS_DISABLED;
+        }
+    }
+    return 0;
+}
+
+int CFiPluginBase::restore(qorin_objid **, qorin_objid **, int32_t, wchar_t *, wchar_t *, int32_t, int32_t *)
+{
+    PLUGIN_BASE_TRACE("restore");
+    return 4;
+}
+
+int CFiPluginBase::resync(qorin_objid **, qorin_objid **, int32_t, wchar_t *, wchar_t *, int32_t, int32_t *)
+{
+    PLUGIN_BASE_TRACE("resync");
+    return 0;
+}
+
+int CFiPluginBase::getStatus(qorin_objid **, qorin_objid **, int32_t count, wchar_t *, int32_t, int32_t *status)
+{
+    PLUGIN_BASE_TRACE("getStatus");
+    if (count != 0 && status != nullptr) {
+        for (int32_t i = 0; i < count; ++i) {
+            status[i] = 8;
+        }
+    }
+    return 0;
+}
+
+int CFiPluginBase::prePrepare(qrn_domain *)
+{
+    PLUGIN_BASE_TRACE("prePrepare");
+    return 0;
+}
+
+int CFiPluginBase::queryValidSecondaries(wchar_t *, qorin_objid ***, int32_t *count)
+{
+    PLUGIN_BASE_TRACE("queryValidSecondaries");
+    if (count != nullptr) {
+        *count = 0;
+    }
+    return 0;
+}
+
+int CFiPluginBase::resourceStatus(qorin_objid *, int32_t, int32_t *, qrn_msg_info **)
+{
+    PLUGIN_BASE_TRACE("resourceStatus");
+    return 0;
+}
+
+int CFiPluginBase::revisitPluginNodes(qrn_pgn_node_list *)
+{
+    PLUGIN_BASE_TRACE("revisitPluginNodes");
+    return 0;
+}
+
+int CFiPluginBase::verifyQSCombos(qrn_splitnode **, int)
+{
+    PLUGIN_BASE_TRACE("verifyQSCombos");
+    return 0;
+}
+
+int CFiPluginBase::setImportOptions(qrn_splitnode **, int, qrn_host_infn *, int, void *)
+{
+    PLUGIN_BASE_TRACE("setImportOptions");
+    return 0;
+}
+
+int CFiPluginBase::startBuildAltTree(qrn_domain *, qorin_objid **, void *)
+{
+    PLUGIN_BASE_TRACE("startBuildAltTree");
+    return 0;
+}
+
+int CFiPluginBase::translateResourceNames(wchar_t **, int, wchar_t **)
+{
+    PLUGIN_BASE_TRACE("translateResourceNames");
+    return 0;
+}
+
+int CFiPluginBase::enumerateEnclosures(qrn_enclosure_node_list **, int *, wchar_t *)
+{
+    PLUGIN_BASE_TRACE("enumerateEnclosures");
+    return 0;
+}
+
+int CFiPluginBase::importResource(wchar_t **, wchar_t *, wchar_t *, wchar_t *, int, wchar_t **, wchar_t *)
+{
+    PLUGIN_BASE_TRACE("importResource");
+    return 0;
+}
+
+int CFiPluginBase::format(wchar_t **, int, wchar_t *, wchar_t *, wchar_t *, int, wchar_t ***, int *)
+{
+    PLUGIN_BASE_TRACE("format");
+    return 0;
+}
+
+int CFiPluginBase::enumerateHostNodes(qrn_host_node_list **, int *, wchar_t *)
+{
+    PLUGIN_BASE_TRACE("enumerateHostNodes");
+    return 0;
+}
+
+int CFiPluginBase::onlineResource(wchar_t **, int, wchar_t *, wchar_t *, wchar_t *, wchar_t *, int, wchar_t ***,
+                                  int *)
+{
+    PLUGIN_BASE_TRACE("onlineResource");
+    return 0;
+}
+
+int CFiPluginBase::deportResource(wchar_t *, wchar_t *, wchar_t *, wchar_t *, int)
+{
+    PLUGIN_BASE_TRACE("deportResource");
+    return 0;
+}
+
+int CFiPluginBase::isParentPgn(wchar_t *, int *, int)
+{
+    PLUGIN_BASE_TRACE("isParentPgn");
+    return 0;
+}
+
+int CFiPluginBase::unformat(wchar_t **, int, int)
+{
+    PLUGIN_BASE_TRACE("unformat");
+    return 0;
+}
+
+int CFiPluginBase::preDeportResource(wchar_t *, int, wchar_t *)
+{
+    PLUGIN_BASE_TRACE("preDeportResource");
+    return 0;
+}
+
+int CFiPluginBase::refreshTree(qrn_domain *, int, int, qrn_resource *, int, int *, void *, int)
+{
+    PLUGIN_BASE_TRACE("refreshTree");
+    return 0;
+}
+
+int CFiPluginBase::getBackupset(qrn_domain *, int, wchar_t **, int, qrn_bkupset *)
+{
+    PLUGIN_BASE_TRACE("getBackupset");
+    return 0;
+}
+
+int CFiPluginBase::getAppStatus(qrn_domain *, int, void *)
+{
+    PLUGIN_BASE_TRACE("getAppStatus");
+    return 0;
+}
+
+int CFiPluginBase::setOpStatus(qrn_domain *, int)
+{
+    PLUGIN_BASE_TRACE("setOpStatus");
+    return 0;
+}
+
+int CFiPluginBase::setCompStatus(qrn_domain *, int, wchar_t *, int)
+{
+    PLUGIN_BASE_TRACE("setCompStatus");
+    return 0;
+}
+
+int CFiPluginBase::setRestorepaths(qrn_domain *, wchar_t *, int)
+{
+    PLUGIN_BASE_TRACE("setRestorepaths");
+    return 0;
+}
+
+void CFiPluginBase::setProviderName(const std::wstring &name)
+{
+    m_providerName = name;
+}
+
+std::wstring CFiPluginBase::getProviderName() const
+{
+    return m_providerName;
+}
+
+void CFiPluginBase::setMessageIndexOffset(int32_t offset)
+{
+    m_messageIndexOffset = offset;
+}
+
+void CFiPluginBase::registerErrorManager(const CFiErrorManagerPtr &manager)
+{
+    m_errorManager = manager;
+}
+
+void CFiPluginBase::registerCatalogManager(const CFiCatalogManagerPtr &manager)
+{
+    m_catalogManager = manager;
+}
+
+void CFiPluginBase::registerPrivateDataManager(const CFiPrivateDataManagerPtr &manager)
+{
+    m_privateDataManager = manager;
+}
+
+void CFiPluginBase::registerSessionManager(const CFiSessionManagerPtr &manager)
+{
+    m_sessionManager = manager;
+}
+
+ACE_Recursive_Thread_Mutex *CFiPluginBase::getMutex()
+{
+    return &m_mutex;
+}
+
+int CFiPluginBase::invokeDelayedInit()
+{
+    CFiMutexWrapper lock(&m_mutex, true);
+    if (m_delayedInitDone) {
+        return 0;
+    }
+    // Set before the call: a failed delayed initialisation is not retried.
+    m_delayedInitDone = true;
+    return delayedInit();
+}
+
+bool CFiPluginBase::isShuttingDown(bool set)
+{
+    if (set) {
+        g_shuttingDown = true;
+    }
+    return g_shuttingDown;
+}
+
+void CFiPluginBase::addDefaultConfigInfoParam(CFiConfigParamInfo &param, int mode, bool group)
+{
+    globalConfigInfoList(mode, group).add(param);
+}
+
+int CFiPluginBase::setOwnerIds(std::string, int32_t, int32_t)
+{
+    trace(3, "INFO: setOwnerIds done");
+    return 0;
+}
+
+}  // namespace qorin_pdk_4_4

@@ -1,0 +1,5 @@
+#include "hpeva_plugin.h"
+
+CHpEvaPlugin::CHpEvaPlugin() = default;
+
+CHpEvaPlugin::~CHpEvaPlugin() = default;
