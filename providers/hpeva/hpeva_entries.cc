@@ -8,6 +8,7 @@
 #include "cfimutexwrapper.h"
 #include "cfiobjctlargs.h"
 #include "cfitracelogfunction.h"
+#include "hpeva_single_node.h"
 #include "hpeva_singletons.h"
 #include "tamlin_entries.h"
 
@@ -45,17 +46,6 @@ CFiSessionPtr sessionFor(const char *sessionId)
     CFiSessionManagerPtr sessions;
     getSessionManagerSingleton(sessions, false);
     return sessions.isNull() ? CFiSessionPtr() : sessions->getSession(sessionId);
-}
-
-// With no list, a count of 0 and one node given, the call works on a list of that one
-// node: the entry's own argument slot.
-template <class Node>
-void singleNodeForm(Node *&one, Node **&list, int32_t &count)
-{
-    if (list == nullptr && count == 0 && one != nullptr) {
-        list = &one;
-        count = 1;
-    }
 }
 
 }  // namespace

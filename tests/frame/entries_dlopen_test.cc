@@ -1,0 +1,168 @@
+// The entry table as a host meets it: loaded with dlopen, every entry resolved by name,
+// and the guards that answer before any operation runs.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "host_context.h"
+#include "provider_fixture.h"
+#include "qorinutil.h"
+
+namespace {
+
+class Entries : public ::testing::Test {
+protected:
+    static void SetUpTestSuite()
+    {
+        uint16_t version[4] = {0, 0, 0, 0};
+        ASSERT_TRUE(provider().isOpen());
+        ASSERT_EQ(provider()->init(nullptr, version), 0) << "a null host pointer works";
+    }
+    static void TearDownTestSuite() { provider()->fini(); }
+
+    const ProviderLibrary &lib() { return provider(); }
+};
+
+qrn_domain blankNode()
+{
+    qrn_domain node;
+    memset(&node, 0, sizeof node);
+    return node;
+}
+
+}  // namespace
+
+TEST_F(Entries, AllSeventyResolve)
+{
+    EXPECT_EQ(ProviderLibrary::entryCount(), 70u);
+    EXPECT_TRUE(provider().missing().empty());
+}
+
+TEST_F(Entries, ClaimWithAnyNullArgumentIsNotClaimed)
+{
+    qorin_objid *id = qorin_get_objid(L"<tamlin>UDID##HP##HSV##A##B", 64, 3);
+    qorin_objid **subordinates = nullptr;
+    int32_t count = 0;
+    EXPECT_EQ(lib()->claim(nullptr, &subordinates, &count), 0);
+    EXPECT_EQ(lib()->claim(id, nullptr, &count), 0);
+    EXPECT_EQ(lib()->claim(id, &subordinates, nullptr), 0);
+    free(id);
+}
+
+TEST_F(Entries, NullOutParametersGiveThree)
+{
+    EXPECT_EQ(lib()->get_provider_info(nullptr), 3);
+    EXPECT_EQ(lib()->enumerate_nodes(nullptr, nullptr, 0, nullptr), 3);
+    qrn_domain node = blankNode();
+    qorin_objid **ids = nullptr;
+    int32_t count = 0;
+    EXPECT_EQ(lib()->subobj_list(nullptr, &ids, &count), 3);
+    EXPECT_EQ(lib()->subobj_list(&node, nullptr, &count), 3);
+    EXPECT_EQ(lib()->subobj_list(&node, &ids, nullptr), 3);
+    qrn_confspec spec = {1, 1, nullptr};
+    EXPECT_EQ(lib()->config(nullptr, 1, nullptr, &spec), 3);
+    EXPECT_EQ(lib()->config(&node, 1, nullptr, nullptr), 3);
+    wchar_t *names[] = {nullptr};
+    wchar_t *out[] = {nullptr};
+    EXPECT_EQ(lib()->translate_resource_names(nullptr, 0, out), 3);
+    EXPECT_EQ(lib()->translate_resource_names(names, 0, nullptr), 3);
+}
+
+TEST_F(Entries, ProviderInfoStartsFromAnEmptyList)
+{
+    qrn_provider_list *list = reinterpret_cast<qrn_provider_list *>(0x1);
+    lib()->get_provider_info(&list);
+    // Whatever the operation answers, the host never sees its own stale pointer back.
+    EXPECT_NE(list, reinterpret_cast<qrn_provider_list *>(0x1));
+}
+
+TEST_F(Entries, GetStatusWritesEightForEachElement)
+{
+    int32_t status[3] = {0, 0, 0};
+    EXPECT_EQ(lib()->get_status(nullptr, nullptr, 3, nullptr, 0, status), 0);
+    EXPECT_EQ(status[0], 8);
+    EXPECT_EQ(status[1], 8);
+    EXPECT_EQ(status[2], 8);
+}
+
+TEST_F(Entries, ErrmsgReducesCodesAboveTheOffsetToTheSameKey)
+{
+    const wchar_t *reduced = nullptr;
+    const wchar_t *plain = nullptr;
+    ASSERT_EQ(lib()->errmsg(6012, &reduced), 0);
+    ASSERT_NE(reduced, nullptr);
+    std::wstring first = reduced;
+    ASSERT_EQ(lib()->errmsg(12, &plain), 0);
+    ASSERT_NE(plain, nullptr);
+    EXPECT_EQ(first, std::wstring(plain));
+    EXPECT_NE(first.find(L"MSG_ERROR_TAMLIN_0012"), std::wstring::npos);
+    lib()->del_locale_message(const_cast<wchar_t **>(&plain));
+}
+
+TEST_F(Entries, ObjctlKeepsTheOperationResultInStatus)
+{
+    wchar_t *outXml = nullptr;
+    int32_t status = -1;
+    EXPECT_EQ(lib()->objctl(L"noop", L"<OBJCTL_ARG_LIST> <OBJCTL_INPUT arg=a value=1 type=int /> </OBJCTL_ARG_LIST>",
+                            &outXml, &status),
+              0);
+    EXPECT_EQ(status, 0);
+    ASSERT_NE(outXml, nullptr);
+    EXPECT_STREQ(outXml, L"<OBJCTL_ARG_LIST> </OBJCTL_ARG_LIST> ");
+    free(outXml);
+}
+
+TEST_F(Entries, SelectTakesTheSessionPathAndNeedsASessionId)
+{
+    qrn_domain node = blankNode();
+    qorin_objid *id = qorin_get_objid(L"UDID##HP##HSV##C##D", 80, 3);
+    node.id = id;
+    char method[] = "HPEVA_VSnap";
+    qrn_splitnode split = {method, &node, nullptr};
+    char session[] = "entries-test";
+    // The single-node form: no list, count 0, one node.
+    EXPECT_EQ(lib()->select(&split, session, nullptr, 0), 0);
+    EXPECT_EQ(lib()->select(&split, nullptr, nullptr, 0), 3);
+    free(id);
+}
+
+TEST_F(Entries, ManyHostThreadsAtOnce)
+{
+    std::atomic<int> failures{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 8; ++t) {
+        threads.emplace_back([&] {
+            for (int i = 0; i < 200; ++i) {
+                qrn_msg_info *info = reinterpret_cast<qrn_msg_info *>(0x1);
+                if (lib()->get_last_error(&info) != 0 || info != nullptr) {
+                    ++failures;
+                }
+                int32_t status[2] = {0, 0};
+                if (lib()->get_status(nullptr, nullptr, 2, nullptr, 0, status) != 0 || status[1] != 8) {
+                    ++failures;
+                }
+                qrn_fim_list *fims = nullptr;
+                lib()->enumerate_fims(&fims);
+            }
+        });
+    }
+    for (auto &t : threads) {
+        t.join();
+    }
+    EXPECT_EQ(failures, 0);
+}
+
+TEST(HostContextRecord, LanguageReachesTheProvider)
+{
+    std::vector<std::wstring> seen;
+    HostContext host("de", [&](const std::wstring &h, const std::wstring &d, int) { seen.push_back(h + d); });
+    ASSERT_NE(host.get()->language, nullptr);
+    EXPECT_STREQ(host.get()->language->name, "de");
+    HostContext none("", HostContext::Sink());
+    EXPECT_EQ(none.get()->language, nullptr) << "no language leaves the pointer null";
+}

@@ -1,0 +1,108 @@
+// The process-wide objects behind the entry table: one of each, rebuilt after fini,
+// except the sessions, which live as long as the library.
+#include <gtest/gtest.h>
+
+#include <set>
+#include <thread>
+#include <vector>
+
+#include "hpeva_singletons.h"
+#include "tamlin_entries.h"
+
+using namespace qorin_pdk_4_4;
+
+TEST(Singletons, ConcurrentFirstAccessCreatesOneObject)
+{
+    std::vector<std::thread> threads;
+    std::vector<void *> plugins(16), logs(16), sessions(16);
+    for (int i = 0; i < 16; ++i) {
+        threads.emplace_back([&, i] {
+            CFiPluginPtr p;
+            getPluginSingleton(p, false);
+            CFiTraceLogPtr log;
+            getTraceLogSingleton(log, false);
+            CFiSessionManagerPtr sm;
+            getSessionManagerSingleton(sm, false);
+            plugins[i] = p.get();
+            logs[i] = log.get();
+            sessions[i] = sm.get();
+        });
+    }
+    for (auto &t : threads) {
+        t.join();
+    }
+    EXPECT_EQ(std::set<void *>(plugins.begin(), plugins.end()).size(), 1u);
+    EXPECT_EQ(std::set<void *>(logs.begin(), logs.end()).size(), 1u);
+    EXPECT_EQ(std::set<void *>(sessions.begin(), sessions.end()).size(), 1u);
+    EXPECT_NE(plugins[0], nullptr);
+}
+
+TEST(Singletons, DestroyEmptiesTheSlotAndTheNextAccessBuildsAnew)
+{
+    CFiErrorManagerPtr first;
+    getErrorManagerSingleton(first, false);
+    ASSERT_FALSE(first.isNull());
+    CFiErrorManagerPtr afterDestroy;
+    getErrorManagerSingleton(afterDestroy, true);
+    EXPECT_TRUE(afterDestroy.isNull());
+    EXPECT_EQ(first->refCount(), 1) << "only this test still holds the old object";
+    CFiErrorManagerPtr second;
+    getErrorManagerSingleton(second, false);
+    EXPECT_NE(first.get(), second.get());
+}
+
+TEST(Singletons, FiniThenInitGivesFreshObjectsWhileSessionsSurvive)
+{
+    uint16_t version[4] = {0, 0, 0, 0};
+    ASSERT_EQ(tamlin_fi_pgn_init(nullptr, version), 0);
+    EXPECT_EQ(version[0], 7);
+
+    CFiPluginPtr plugin;
+    CFiCatalogManagerPtr catalogs;
+    CFiTraceLogPtr log;
+    CFiErrorManagerPtr errors;
+    CFiPrivateDataManagerPtr privateData;
+    CFiSessionManagerPtr sessions;
+    getPluginSingleton(plugin, false);
+    getCatalogManagerSingleton(catalogs, false);
+    getTraceLogSingleton(log, false);
+    getErrorManagerSingleton(errors, false);
+    getPrivateDataManagerSingleton(privateData, false);
+    getSessionManagerSingleton(sessions, false);
+    CFiSessionPtr session = sessions->getSession("backup-42");
+    EXPECT_EQ(plugin->getProviderName(), L"tamlin");
+
+    tamlin_fi_pgn_fini();
+    // fini dropped the process's reference: the plug-in lives on only through this test.
+    EXPECT_EQ(plugin->refCount(), 1);
+
+    ASSERT_EQ(tamlin_fi_pgn_init(nullptr, version), 0);
+    CFiPluginPtr plugin2;
+    CFiCatalogManagerPtr catalogs2;
+    CFiTraceLogPtr log2;
+    CFiErrorManagerPtr errors2;
+    CFiPrivateDataManagerPtr privateData2;
+    CFiSessionManagerPtr sessions2;
+    getPluginSingleton(plugin2, false);
+    getCatalogManagerSingleton(catalogs2, false);
+    getTraceLogSingleton(log2, false);
+    getErrorManagerSingleton(errors2, false);
+    getPrivateDataManagerSingleton(privateData2, false);
+    getSessionManagerSingleton(sessions2, false);
+    EXPECT_NE(plugin2.get(), plugin.get());
+    EXPECT_NE(catalogs2.get(), catalogs.get());
+    EXPECT_NE(log2.get(), log.get());
+    EXPECT_NE(errors2.get(), errors.get());
+    EXPECT_NE(privateData2.get(), privateData.get());
+    EXPECT_EQ(sessions2.get(), sessions.get());
+    EXPECT_EQ(sessions2->getSession("backup-42").get(), session.get());
+    EXPECT_EQ(plugin2->getProviderName(), L"tamlin");
+    tamlin_fi_pgn_fini();
+}
+
+TEST(Singletons, InitWithoutVersionBlockTouchesNothing)
+{
+    int32_t before = CFiRefCount::liveObjects();
+    EXPECT_EQ(tamlin_fi_pgn_init(nullptr, nullptr), 7);
+    EXPECT_EQ(CFiRefCount::liveObjects(), before);
+}
