@@ -268,20 +268,155 @@ unsigned char const *parseSet(unsigned char const *fmt, bool table[256])
 // va_list can't portably be passed by pointer when it is a parameter; keep a copy here.
 struct Args {
     va_list ap;
-    void *pointer()
-    {
-        void *p = va_arg(ap, void *);
-        return p;
-    }
+    void *pointer() { return va_arg(ap, void *); }
     int size() { return va_arg(ap, int); }
 };
+
+// One conversion as written between '%' and its letter.
+struct Spec {
+    int letter = 0;
+    bool suppress = false;
+    size_t width = 0; // 0: none given
+    Mod mod = Mod::None;
+};
+
+// Reads flags, width and modifiers, in any order, up to the conversion letter.
+unsigned char const *parseSpec(unsigned char const *fmt, Spec &spec)
+{
+    int prev = 0;
+    for (;;) {
+        int const c = *fmt++;
+        if (c == '*') {
+            spec.suppress = true;
+        } else if (c >= '0' && c <= '9') {
+            if (spec.width < kWidthCap) spec.width = spec.width * 10 + size_t(c - '0');
+        } else if (c == 'h') {
+            spec.mod = prev == 'h' && spec.mod == Mod::H ? Mod::HH : Mod::H;
+        } else if (c == 'l') {
+            spec.mod = prev == 'l' && spec.mod == Mod::L ? Mod::LL : Mod::L;
+        } else if (c == 'L') {
+            spec.mod = Mod::BigL;
+        } else if (c == 'q' || c == 'z' || c == 't' || c == 'j') {
+            spec.mod = Mod::Long64;
+        } else if (c == 'I' && fmt[0] == '6' && fmt[1] == '4') {
+            spec.mod = Mod::Long64;
+            fmt += 2;
+        } else {
+            spec.letter = c;
+            return fmt;
+        }
+        prev = c;
+    }
+}
+
+constexpr int kGoOn = INT_MIN;
+
+// Runs one conversion other than %% and %n. Gives kGoOn, or the scan's result when it ends here.
+// fmt is advanced past a %[ set.
+int convert(Reader &r, Spec spec, unsigned char const *&fmt, Args &args, int &assigned)
+{
+    int const c = spec.letter;
+    int base = 10;
+    bool isSigned = true;
+    bool isFloat = false;
+    bool isPointer = false;
+    switch (c) {
+    case 'c': case 's': case '[': case 'd': break;
+    case 'i': base = 0; break;
+    case 'u': isSigned = false; break;
+    case 'o': isSigned = false; base = 8; break;
+    case 'x': case 'X': isSigned = false; base = 16; break;
+    case 'p': isSigned = false; base = 16; isPointer = true; break;
+    case 'e': case 'E': case 'f': case 'g': case 'G': isFloat = true; break;
+    case 'O': isSigned = false; base = 8; [[fallthrough]];
+    default:
+        // D, O and any upper-case letter read as with 'l': at least 32 bits.
+        if (isUpper(c) && (spec.mod == Mod::H || spec.mod == Mod::HH)) spec.mod = Mod::L;
+        break;
+    }
+
+    if (c != 'c' && c != '[') r.skipSpace();
+    if (r.peek() < 0) return assigned ? assigned : -1;
+
+    if (c == 'c') {
+        // One character is read and stored, whatever the width.
+        int const in = r.peek();
+        r.next();
+        if (!spec.suppress) {
+            char *dst = static_cast<char *>(args.pointer());
+            args.size();
+            *dst = char(in);
+            ++assigned;
+        }
+        return kGoOn;
+    }
+
+    if (c == 's' || c == '[') {
+        bool set[256];
+        if (c == '[') fmt = parseSet(fmt, set);
+        char *dst = nullptr;
+        int size = 0;
+        if (!spec.suppress) {
+            dst = static_cast<char *>(args.pointer());
+            size = args.size();
+        }
+        // Characters that may be stored before the terminator.
+        size_t const room = size > 0 ? size_t(size) - 1 : 0;
+        size_t left = spec.width ? spec.width : SIZE_MAX;
+        size_t read = 0;
+        for (; left > 0; --left) {
+            int const in = r.peek();
+            if (in < 0) break;
+            if (c == 's' ? isSpace(in) : !set[in]) break;
+            // The field is read to its end; what doesn't fit is dropped.
+            if (read < room) dst[read] = char(in);
+            ++read;
+            r.next();
+        }
+        if (read == 0) return assigned;
+        if (dst) {
+            // A size below 1 has no room even for the terminator.
+            if (size > 0) dst[read < room ? read : room] = '\0';
+            ++assigned;
+        }
+        return kGoOn;
+    }
+
+    size_t const width = spec.width == 0 || spec.width > kNumberField ? kNumberField : spec.width;
+    char buf[kNumberField + 1];
+    if (isFloat) {
+        if (!readFloatField(r, width, buf)) return assigned;
+        if (!spec.suppress) {
+            void *dst = args.pointer();
+            args.size();
+            double const value = parseDouble(buf);
+            if (floatIsDouble(spec.mod)) {
+                std::memcpy(dst, &value, sizeof value);
+            } else {
+                float const f = float(value);
+                std::memcpy(dst, &f, sizeof f);
+            }
+            ++assigned;
+        }
+        return kGoOn;
+    }
+
+    if (!readIntegerField(r, width, base, buf)) return assigned;
+    if (!spec.suppress) {
+        void *dst = args.pointer();
+        args.size();
+        uint64_t const value = isSigned ? uint64_t(V_strtoimax(buf, nullptr, base))
+                                        : V_strtoumax(buf, nullptr, base);
+        storeInteger(dst, value, isPointer ? 8 : integerBytes(spec.mod));
+        ++assigned;
+    }
+    return kGoOn;
+}
 
 int scan(V_input *input, unsigned char const *fmt, Args &args)
 {
     Reader r(input);
     int assigned = 0;
-    auto inputFailure = [&assigned] { return assigned ? assigned : -1; };
-
     for (;;) {
         int c = *fmt++;
         if (c == '\0') return assigned;
@@ -289,149 +424,30 @@ int scan(V_input *input, unsigned char const *fmt, Args &args)
             r.skipSpace();
             continue;
         }
-        if (c != '%') {
-        literal:
-            int const in = r.peek();
-            if (in < 0) return inputFailure();
-            if (in != c) return assigned;
-            r.next();
-            continue;
-        }
-
-        bool suppress = false;
-        size_t width = 0;
-        Mod mod = Mod::None;
-        int prev = 0;
-        for (;;) {
-            c = *fmt++;
-            if (c == '*') {
-                suppress = true;
-            } else if (c >= '0' && c <= '9') {
-                if (width < kWidthCap) width = width * 10 + size_t(c - '0');
-            } else if (c == 'h') {
-                mod = prev == 'h' && mod == Mod::H ? Mod::HH : Mod::H;
-            } else if (c == 'l') {
-                mod = prev == 'l' && mod == Mod::L ? Mod::LL : Mod::L;
-            } else if (c == 'L') {
-                mod = Mod::BigL;
-            } else if (c == 'q' || c == 'z' || c == 't' || c == 'j') {
-                mod = Mod::Long64;
-            } else if (c == 'I' && fmt[0] == '6' && fmt[1] == '4') {
-                mod = Mod::Long64;
-                fmt += 2;
-            } else {
-                break;
-            }
-            prev = c;
-        }
-
-        if (c == '\0') return -1;
-        if (c == '%') goto literal;
-
-        if (c == 'n') {
-            if (!suppress) {
-                void *dst = args.pointer();
-                args.size();
-                storeInteger(dst, r.consumed(), integerBytes(mod));
-            }
-            continue;
-        }
-
-        int base = 10;
-        bool isSigned = true;
-        bool isFloat = false;
-        bool isPointer = false;
-        switch (c) {
-        case 'c': case 's': case '[': break;
-        case 'd': break;
-        case 'i': base = 0; break;
-        case 'u': isSigned = false; break;
-        case 'o': isSigned = false; base = 8; break;
-        case 'x': case 'X': isSigned = false; base = 16; break;
-        case 'p': isSigned = false; base = 16; isPointer = true; break;
-        case 'e': case 'E': case 'f': case 'g': case 'G': isFloat = true; break;
-        case 'O': isSigned = false; base = 8; [[fallthrough]];
-        default:
-            // D, O and any upper-case letter read as with 'l': at least 32 bits.
-            if (isUpper(c) && (mod == Mod::H || mod == Mod::HH)) mod = Mod::L;
-            break;
-        }
-
-        if (c != 'c' && c != '[') r.skipSpace();
-        if (r.peek() < 0) return inputFailure();
-
-        if (c == 'c') {
-            // One character is read and stored, whatever the width.
-            int const in = r.peek();
-            r.next();
-            if (!suppress) {
-                char *dst = static_cast<char *>(args.pointer());
-                args.size();
-                *dst = char(in);
-                ++assigned;
-            }
-            continue;
-        }
-
-        if (c == 's' || c == '[') {
-            bool set[256];
-            if (c == '[') fmt = parseSet(fmt, set);
-            char *dst = nullptr;
-            int size = 0;
-            if (!suppress) {
-                dst = static_cast<char *>(args.pointer());
-                size = args.size();
-            }
-            // Characters that may be stored before the terminator.
-            size_t const room = size > 0 ? size_t(size) - 1 : 0;
-            size_t left = width ? width : SIZE_MAX;
-            size_t read = 0;
-            for (; left > 0; --left) {
-                int const in = r.peek();
-                if (in < 0) break;
-                if (c == 's' ? isSpace(in) : !set[in]) break;
-                // The field is read to its end; what doesn't fit is dropped.
-                if (read < room) dst[read] = char(in);
-                ++read;
-                r.next();
-            }
-            if (read == 0) return assigned;
-            if (dst) {
-                // A size below 1 has no room even for the terminator.
-                if (size > 0) dst[read < room ? read : room] = '\0';
-                ++assigned;
-            }
-            continue;
-        }
-
-        size_t const fieldWidth = width == 0 || width > kNumberField ? kNumberField : width;
-        char buf[kNumberField + 1];
-        if (isFloat) {
-            if (!readFloatField(r, fieldWidth, buf)) return assigned;
-            if (!suppress) {
-                void *dst = args.pointer();
-                args.size();
-                double const value = parseDouble(buf);
-                if (floatIsDouble(mod)) {
-                    std::memcpy(dst, &value, sizeof value);
-                } else {
-                    float const f = float(value);
-                    std::memcpy(dst, &f, sizeof f);
+        if (c == '%') {
+            Spec spec;
+            fmt = parseSpec(fmt, spec);
+            c = spec.letter;
+            if (c == '\0') return -1;
+            if (c == 'n') {
+                if (!spec.suppress) {
+                    void *dst = args.pointer();
+                    args.size();
+                    storeInteger(dst, r.consumed(), integerBytes(spec.mod));
                 }
-                ++assigned;
+                continue;
             }
-            continue;
+            if (c != '%') {
+                int const result = convert(r, spec, fmt, args, assigned);
+                if (result != kGoOn) return result;
+                continue;
+            }
         }
-
-        if (!readIntegerField(r, fieldWidth, base, buf)) return assigned;
-        if (!suppress) {
-            void *dst = args.pointer();
-            args.size();
-            uint64_t const value = isSigned ? uint64_t(V_strtoimax(buf, nullptr, base))
-                                            : V_strtoumax(buf, nullptr, base);
-            storeInteger(dst, value, isPointer ? 8 : integerBytes(mod));
-            ++assigned;
-        }
+        // A literal character, %% included: no white space is skipped before it.
+        int const in = r.peek();
+        if (in < 0) return assigned ? assigned : -1;
+        if (in != c) return assigned;
+        r.next();
     }
 }
 
