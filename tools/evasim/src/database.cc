@@ -1,0 +1,100 @@
+#include "database.h"
+
+#include <sqlite3.h>
+
+#include <stdexcept>
+
+namespace evasim {
+
+namespace {
+
+// Writers wait this long for each other; an SSSU run that holds the state is short, but a
+// fault can keep it silent for a while.
+constexpr int kBusyTimeoutMs = 15 * 60 * 1000;
+
+char const *const kSchema = R"SQL(
+CREATE TABLE IF NOT EXISTS settings(key TEXT PRIMARY KEY, value TEXT NOT NULL);
+CREATE TABLE IF NOT EXISTS servers(id INTEGER PRIMARY KEY, host TEXT NOT NULL, user TEXT NOT NULL,
+    password TEXT NOT NULL, reachable INTEGER NOT NULL);
+CREATE TABLE IF NOT EXISTS managed(id INTEGER PRIMARY KEY, server INTEGER NOT NULL, cell INTEGER NOT NULL);
+CREATE TABLE IF NOT EXISTS cells(id INTEGER PRIMARY KEY, name TEXT NOT NULL, wwn TEXT NOT NULL,
+    firmware TEXT NOT NULL, total INTEGER NOT NULL, serial INTEGER NOT NULL);
+CREATE TABLE IF NOT EXISTS diskgroups(id INTEGER PRIMARY KEY, cell INTEGER NOT NULL, name TEXT NOT NULL);
+CREATE TABLE IF NOT EXISTS vdisks(id INTEGER PRIMARY KEY, cell INTEGER NOT NULL, folder TEXT NOT NULL,
+    family TEXT NOT NULL, leaf TEXT NOT NULL, container INTEGER NOT NULL, wwlunid TEXT NOT NULL,
+    objectid TEXT NOT NULL, blocks INTEGER NOT NULL, redundancy TEXT NOT NULL, allocation TEXT NOT NULL,
+    diskgroup INTEGER NOT NULL, parent INTEGER NOT NULL, origin TEXT NOT NULL, copy_source INTEGER NOT NULL,
+    copy_reads INTEGER NOT NULL, copy_kind TEXT NOT NULL, writecache TEXT NOT NULL, comments TEXT NOT NULL,
+    created INTEGER NOT NULL, modified INTEGER NOT NULL);
+CREATE TABLE IF NOT EXISTS hosts(id INTEGER PRIMARY KEY, cell INTEGER NOT NULL, path TEXT NOT NULL,
+    ports TEXT NOT NULL, os TEXT NOT NULL, objectid TEXT NOT NULL);
+CREATE TABLE IF NOT EXISTS luns(id INTEGER PRIMARY KEY, vdisk INTEGER NOT NULL, host INTEGER NOT NULL,
+    lun INTEGER NOT NULL);
+CREATE TABLE IF NOT EXISTS drgroups(id INTEGER PRIMARY KEY, name TEXT NOT NULL, source_cell INTEGER NOT NULL,
+    dest_cell INTEGER NOT NULL, writemode TEXT NOT NULL, operationalstate TEXT NOT NULL,
+    membercondition TEXT NOT NULL, linkstate TEXT NOT NULL, suspended INTEGER NOT NULL);
+CREATE TABLE IF NOT EXISTS drmembers(id INTEGER PRIMARY KEY, drgroup INTEGER NOT NULL,
+    source_disk INTEGER NOT NULL, dest_disk INTEGER NOT NULL);
+CREATE TABLE IF NOT EXISTS faults(id INTEGER PRIMARY KEY, kind TEXT NOT NULL, remaining INTEGER NOT NULL,
+    server TEXT NOT NULL, seconds REAL NOT NULL, line INTEGER NOT NULL, pattern TEXT NOT NULL,
+    text TEXT NOT NULL, status INTEGER NOT NULL);
+)SQL";
+
+} // namespace
+
+Database::Database(std::string const &path, bool create)
+{
+    int const flags = SQLITE_OPEN_READWRITE | (create ? SQLITE_OPEN_CREATE : 0) | SQLITE_OPEN_FULLMUTEX;
+    if (sqlite3_open_v2(path.c_str(), &m_db, flags, nullptr) != SQLITE_OK) {
+        std::string const why = m_db ? sqlite3_errmsg(m_db) : "out of memory";
+        sqlite3_close(m_db);
+        m_db = nullptr;
+        throw std::runtime_error("cannot open the state file " + path + ": " + why);
+    }
+    sqlite3_busy_timeout(m_db, kBusyTimeoutMs);
+    exec("PRAGMA journal_mode=WAL");
+    exec("PRAGMA synchronous=NORMAL");
+    createSchema();
+}
+
+Database::~Database()
+{
+    if (m_inTransaction) sqlite3_exec(m_db, "ROLLBACK", nullptr, nullptr, nullptr);
+    sqlite3_close(m_db);
+}
+
+void Database::exec(std::string const &sql)
+{
+    char *error = nullptr;
+    if (sqlite3_exec(m_db, sql.c_str(), nullptr, nullptr, &error) != SQLITE_OK) {
+        std::string const why = error ? error : "unknown error";
+        sqlite3_free(error);
+        throw std::runtime_error("state database: " + why);
+    }
+}
+
+void Database::begin()
+{
+    exec("BEGIN IMMEDIATE");
+    m_inTransaction = true;
+}
+
+void Database::commit()
+{
+    exec("COMMIT");
+    m_inTransaction = false;
+}
+
+void Database::rollback()
+{
+    if (!m_inTransaction) return;
+    m_inTransaction = false;
+    exec("ROLLBACK");
+}
+
+void Database::createSchema()
+{
+    exec(kSchema);
+}
+
+} // namespace evasim

@@ -1,0 +1,85 @@
+#include "fault_store.h"
+
+#include "database.h"
+#include "statement.h"
+
+namespace evasim {
+
+namespace {
+
+Fault readFault(Statement &s)
+{
+    Fault f;
+    f.id = s.integer(0);
+    f.kind = s.text(1);
+    f.remaining = s.integer(2);
+    f.server = s.text(3);
+    f.seconds = s.real(4);
+    f.line = s.integer(5);
+    f.pattern = s.text(6);
+    f.text = s.text(7);
+    f.status = s.integer(8);
+    return f;
+}
+
+} // namespace
+
+std::vector<std::string> const &FaultStore::kinds()
+{
+    static std::vector<std::string> const list{"https", "silence", "ignore-signals", "exit-after", "no-output",
+                                               "malformed-xml", "error", "banner", "delay"};
+    return list;
+}
+
+void FaultStore::add(Database &db, Fault const &f)
+{
+    Statement s(db.handle(), "INSERT INTO faults(kind, remaining, server, seconds, line, pattern, text, status) "
+                             "VALUES(?, ?, ?, ?, ?, ?, ?, ?)");
+    s.bind(1, f.kind).bind(2, f.remaining).bind(3, f.server).bind(4, f.seconds).bind(5, f.line);
+    s.bind(6, f.pattern).bind(7, f.text).bind(8, f.status);
+    s.run();
+}
+
+std::vector<Fault> FaultStore::list(Database &db)
+{
+    std::vector<Fault> out;
+    Statement s(db.handle(), "SELECT id, kind, remaining, server, seconds, line, pattern, text, status "
+                             "FROM faults WHERE remaining > 0 ORDER BY id");
+    while (s.step()) out.push_back(readFault(s));
+    return out;
+}
+
+void FaultStore::clear(Database &db)
+{
+    db.exec("DELETE FROM faults");
+}
+
+std::vector<Fault> FaultStore::takeRunFaults(Database &db)
+{
+    std::vector<Fault> taken;
+    for (Fault const &f : list(db)) {
+        if (!f.perRun()) continue;
+        taken.push_back(f);
+    }
+    std::vector<Fault> used = taken;
+    for (Fault &f : used) --f.remaining;
+    saveUses(db, used);
+    return taken;
+}
+
+void FaultStore::saveUses(Database &db, std::vector<Fault> const &faults)
+{
+    Statement update(db.handle(), "UPDATE faults SET remaining = ? WHERE id = ?");
+    Statement remove(db.handle(), "DELETE FROM faults WHERE id = ?");
+    for (Fault const &f : faults) {
+        if (f.remaining > 0) {
+            update.bind(1, f.remaining).bind(2, f.id);
+            update.run();
+        } else {
+            remove.bind(1, f.id);
+            remove.run();
+        }
+    }
+}
+
+} // namespace evasim

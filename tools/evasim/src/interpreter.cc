@@ -1,0 +1,506 @@
+#include "interpreter.h"
+
+#include "array_ops.h"
+#include "object_describer.h"
+#include "output.h"
+#include "settings.h"
+#include "text_object_writer.h"
+#include "text_util.h"
+#include "tokenizer.h"
+#include "world.h"
+#include "xml_object_writer.h"
+
+#include <memory>
+
+namespace evasim {
+
+namespace {
+
+char const *const kNoManager = "Command not valid until a manager is selected (SELECT MANAGER)";
+char const *const kNoSystem = "Command not valid until a system is selected (SELECT SYSTEM)";
+char const *const kHttps = "Error opening https connection";
+
+// The tail keywords of an LS command, and where the name before them starts and ends.
+struct ListRequest {
+    bool full = false;
+    bool xml = false;
+    std::string name;
+    size_t badColumn = std::string::npos;
+};
+
+ListRequest parseList(std::string const &line, std::vector<Token> const &t)
+{
+    ListRequest r;
+    size_t end = t.size();
+    while (end > 2 && (t[end - 1].is("XML") || t[end - 1].is("FULL"))) {
+        if (t[end - 1].is("XML")) r.xml = true;
+        else r.full = true;
+        --end;
+    }
+    if (end > 2) {
+        if (end == 3 && t[2].kind == Token::Quoted) {
+            r.name = t[2].text;
+        } else {
+            for (size_t i = 2; i < end; ++i)
+                if (t[i].kind != Token::Word) {
+                    r.badColumn = t[i].column;
+                    return r;
+                }
+            // An unquoted name runs to the keywords behind it, blanks and all.
+            size_t const stop = end < t.size() ? t[end].column : line.size();
+            r.name = trim(line.substr(t[2].column, stop - t[2].column));
+        }
+    }
+    return r;
+}
+
+} // namespace
+
+Interpreter::Interpreter(Output &out, World *world, Settings const &settings, std::vector<Fault> &faults,
+                         double delay)
+    : m_out(out), m_world(world), m_settings(settings), m_faults(faults), m_delay(delay)
+{
+}
+
+std::string Interpreter::prompt() const
+{
+    return (m_cell ? m_cellName : std::string("NoSystemSelected")) + "> ";
+}
+
+int Interpreter::run(std::vector<std::string> const &lines)
+{
+    for (std::string raw : lines) {
+        while (!raw.empty() && (raw.back() == '\r' || raw.back() == '\n')) raw.pop_back();
+        if (trim(raw).empty()) continue;
+        if (m_delay > 0) m_out.pause(m_delay);
+        std::string const body = trim(raw);
+        Result r;
+        if (istartsWith(body, "select manager ") || istartsWith(body, "select manager\t")) {
+            r = loginLine(body);
+        } else {
+            m_out.line(prompt() + raw);
+            if (istartsWith(body, "exit") && trim(body.substr(4)).empty()) return 0;
+            r = execute(raw);
+        }
+        if (r == Result::Stop) return 0;
+        if (r == Result::Error && m_exitOnError) return 1;
+    }
+    return 0;
+}
+
+Interpreter::Result Interpreter::loginLine(std::string const &line)
+{
+    // "select manager <host> user=<user> password=<password>": the password runs to the end of
+    // the line and may hold blanks, so the line is cut by its keywords, not by words.
+    std::string const rest = trim(line.substr(14));
+    std::string const lowered = lower(rest);
+    size_t const userAt = lowered.find(" user=");
+    size_t const passwordAt = lowered.find(" password=");
+    bool ok = m_world && userAt != std::string::npos && passwordAt != std::string::npos && userAt < passwordAt;
+    ServerRec *server = nullptr;
+    if (ok) {
+        std::string const host = trim(rest.substr(0, userAt));
+        std::string const user = rest.substr(userAt + 6, passwordAt - userAt - 6);
+        std::string const password = rest.substr(passwordAt + 10);
+        server = m_world->serverByHost(host);
+        ok = server && server->reachable && server->user == user && server->password == password;
+        for (Fault &f : m_faults) {
+            if (f.kind != "https" || f.remaining <= 0) continue;
+            if (!f.server.empty() && !iequals(f.server, host)) continue;
+            --f.remaining;
+            ok = false;
+            break;
+        }
+    }
+    if (!ok) {
+        m_out.line(kHttps);
+        return Result::Stop;
+    }
+    m_server = server->id;
+    m_cell = 0;
+    m_cellName.clear();
+    return Result::Ok;
+}
+
+Interpreter::Result Interpreter::error(std::string const &message)
+{
+    m_out.line("");
+    m_out.line("Error: " + message);
+    return Result::Error;
+}
+
+Interpreter::Result Interpreter::syntaxError(std::string const &line, size_t column)
+{
+    m_out.line("");
+    m_out.line(std::string(prompt().size() + column, ' ') + "^");
+    m_out.line("Error: Syntax error at or near here");
+    return Result::Error;
+}
+
+bool Interpreter::needManager()
+{
+    if (m_server) return true;
+    error(kNoManager);
+    return false;
+}
+
+bool Interpreter::needSystem()
+{
+    if (!needManager()) return false;
+    if (m_cell) return true;
+    error(kNoSystem);
+    return false;
+}
+
+bool Interpreter::takeFault(char const *kind, std::string const &line, Fault *taken)
+{
+    for (Fault &f : m_faults) {
+        if (f.kind != kind || f.remaining <= 0) continue;
+        if (f.kind == "error" && !icontains(line, f.pattern)) continue;
+        --f.remaining;
+        if (taken) *taken = f;
+        return true;
+    }
+    return false;
+}
+
+Interpreter::Result Interpreter::quirk(char const *setting, std::string const &message)
+{
+    if (!m_settings.flag(setting)) {
+        m_out.line("");
+        return Result::Ok;
+    }
+    // The real tool reports these successes as errors, and stops on them like on any other.
+    return error(message);
+}
+
+void Interpreter::nameList(std::string const &header, std::vector<std::string> const &names)
+{
+    m_out.line("");
+    m_out.line(header);
+    for (std::string const &n : names) m_out.line(n);
+}
+
+Interpreter::Result Interpreter::execute(std::string const &line)
+{
+    std::vector<Token> t;
+    size_t bad = 0;
+    if (!Tokenizer::split(line, t, bad)) return syntaxError(line, bad);
+    if (t.empty()) return Result::Ok;
+    Fault injected;
+    if (takeFault("error", line, &injected)) return error(injected.text);
+
+    Token const &verb = t[0];
+    if (verb.is("SET")) return setCommand(line, t);
+    if (verb.is("SELECT")) return selectCommand(line, t);
+    if (verb.is("LS")) return lsCommand(line, t);
+    if (verb.is("FIND")) return findCommand(line, t);
+    if (verb.is("ADD")) return addCommand(line, t);
+    if (verb.is("DELETE")) return deleteCommand(line, t);
+    if (verb.is("REFRESH") || verb.is("REDISCOVER")) {
+        if (t.size() > 1) return syntaxError(line, t[1].column);
+        if (!needManager()) return Result::Error;
+        m_out.line("");
+        return Result::Ok;
+    }
+    return syntaxError(line, verb.column);
+}
+
+Interpreter::Result Interpreter::setCommand(std::string const &line, std::vector<Token> const &t)
+{
+    if (t.size() < 2) return syntaxError(line, line.size());
+    if (t[1].is("OPTION") || t[1].is("OPTIONS")) {
+        if (t.size() < 3) return syntaxError(line, line.size());
+        bool exitOnError = m_exitOnError;
+        long long delay = m_commandDelay, width = m_displayWidth;
+        for (size_t i = 2; i < t.size(); ++i) {
+            Token const &o = t[i];
+            long long n = 0;
+            if (o.is("NOCOMMAND_DELAY")) {
+                delay = 0;
+            } else if (o.isKey("COMMAND_DELAY") && parseInt(o.value, n) && n >= 0) {
+                delay = n;
+            } else if (o.isKey("DISPLAY_WIDTH") && parseInt(o.value, n) && n >= 20 && n <= 65535) {
+                width = n;
+            } else if (o.isKey("ON_ERROR") && iequals(o.value, "CONTINUE")) {
+                exitOnError = false;
+            } else if (o.isKey("ON_ERROR") && (iequals(o.value, "EXIT_ON_ERROR") || iequals(o.value, "HALT_ON_ERROR"))) {
+                exitOnError = true;
+            } else {
+                return syntaxError(line, o.column);
+            }
+        }
+        m_exitOnError = exitOnError;
+        m_commandDelay = delay;
+        m_displayWidth = width;
+        m_out.line("");
+        return Result::Ok;
+    }
+    if (t[1].is("VDISK")) {
+        if (t.size() < 4 || !t[2].isName()) return syntaxError(line, t.size() < 3 ? line.size() : t[2].column);
+        ArrayOps::VdiskChange change;
+        for (size_t i = 3; i < t.size(); ++i) {
+            Token const &o = t[i];
+            if (o.is("CHANGE_INTO_CONTAINER")) change.container = true;
+            else if (o.isKey("NAME")) change.hasName = true, change.name = o.value;
+            else if (o.isKey("WORLD_WIDE_LUN_NAME")) change.hasWwlunid = true, change.wwlunid = o.value;
+            else if (o.isKey("WRITECACHE")) change.hasWritecache = true, change.writecache = o.value;
+            else if (o.isKey("COMMENT") || o.isKey("COMMENTS")) change.hasComment = true, change.comment = o.value;
+            else return syntaxError(line, o.column);
+        }
+        if (!needSystem()) return Result::Error;
+        std::string const refused = ArrayOps(*m_world, m_settings).setVdisk(m_cell, t[2].text, change);
+        if (!refused.empty()) return error(refused);
+        m_out.line("");
+        return Result::Ok;
+    }
+    if (t[1].is("DR_GROUP")) {
+        if (t.size() != 4 || !t[2].isName()) return syntaxError(line, t.size() < 3 ? line.size() : t[t.size() < 4 ? 2 : 3].column);
+        bool suspend = false;
+        if (t[3].is("SUSPEND")) suspend = true;
+        else if (!t[3].is("NOSUSPEND")) return syntaxError(line, t[3].column);
+        if (!needSystem()) return Result::Error;
+        std::string const refused = ArrayOps(*m_world, m_settings).setDrGroup(m_cell, t[2].text, suspend);
+        if (!refused.empty()) return error(refused);
+        m_out.line("");
+        return Result::Ok;
+    }
+    return syntaxError(line, t[1].column);
+}
+
+Interpreter::Result Interpreter::selectCommand(std::string const &line, std::vector<Token> const &t)
+{
+    if (t.size() < 2 || !(t[1].is("CELL") || t[1].is("SYSTEM"))) return syntaxError(line, t.size() < 2 ? line.size() : t[1].column);
+    if (t.size() < 3) return syntaxError(line, line.size());
+    std::string name;
+    if (t.size() == 3 && t[2].kind == Token::Quoted) name = t[2].text;
+    else {
+        for (size_t i = 2; i < t.size(); ++i)
+            if (t[i].kind != Token::Word) return syntaxError(line, t[i].column);
+        name = trim(line.substr(t[2].column));
+    }
+    if (!needManager()) return Result::Error;
+    CellRec *c = m_world->cellByName(name);
+    if (!c || !m_world->manages(m_server, c->id)) return error(name + " not found");
+    m_cell = c->id;
+    m_cellName = c->name;
+    m_out.line("");
+    return Result::Ok;
+}
+
+Interpreter::Result Interpreter::lsCommand(std::string const &line, std::vector<Token> const &t)
+{
+    if (t.size() < 2) return syntaxError(line, line.size());
+    Token const &what = t[1];
+    bool const cells = what.is("CELL") || what.is("SYSTEM");
+    if (!cells && !what.is("VDISK") && !what.is("HOST") && !what.is("DR_GROUP") && !what.is("DISK_GROUP"))
+        return syntaxError(line, what.column);
+    ListRequest const req = parseList(line, t);
+    if (req.badColumn != std::string::npos) return syntaxError(line, req.badColumn);
+    if (cells ? !needManager() : !needSystem()) return Result::Error;
+
+    bool const objects = req.full || !req.name.empty() || req.xml;
+    bool const malformed = req.xml && takeFault("malformed-xml", line);
+    std::unique_ptr<ObjectWriter> writer;
+    if (req.xml) writer = std::make_unique<XmlObjectWriter>(m_out, m_settings.flag("info_lines"), malformed);
+    else writer = std::make_unique<TextObjectWriter>(m_out);
+
+    if (cells) {
+        std::vector<CellRec const *> list;
+        for (CellRec const *c : m_world->cellsOf(m_server))
+            if (req.name.empty() || iequals(c->name, req.name)) list.push_back(c);
+        if (!req.name.empty() && list.empty()) return error(req.name + " not found");
+        if (!objects) {
+            std::vector<std::string> names;
+            for (CellRec const *c : list) names.push_back(c->name);
+            nameList("Systems available on this Manager:", names);
+            return Result::Ok;
+        }
+        ObjectDescriber describe(*m_world);
+        m_out.line("");
+        for (CellRec const *c : list) describe.cell(*writer, *c);
+        return Result::Ok;
+    }
+
+    if (what.is("VDISK")) {
+        std::vector<VdiskRec const *> list;
+        if (!req.name.empty()) {
+            bool ambiguous = false;
+            VdiskRec *d = m_world->resolveVdisk(m_cell, req.name, ambiguous);
+            if (!d) return error(ambiguous ? req.name + " is ambiguous; give the full path" : req.name + " not found");
+            list.push_back(d);
+        } else {
+            for (VdiskRec *d : m_world->vdisksOf(m_cell)) list.push_back(d);
+        }
+        if (!objects) {
+            std::vector<std::string> names;
+            names.reserve(list.size());
+            for (VdiskRec const *d : list) names.push_back(d->path());
+            nameList("Vdisks available on this Cell:", names);
+            return Result::Ok;
+        }
+        ArrayOps(*m_world, m_settings).observeCopies(list);
+        ObjectDescriber describe(*m_world);
+        m_out.line("");
+        for (VdiskRec const *d : list) describe.vdisk(*writer, *d);
+        return Result::Ok;
+    }
+
+    if (what.is("HOST")) {
+        std::vector<HostRec const *> list;
+        if (!req.name.empty()) {
+            bool ambiguous = false;
+            HostRec *h = m_world->resolveHost(m_cell, req.name, ambiguous);
+            if (!h) return error(ambiguous ? req.name + " is ambiguous; give the full path" : req.name + " not found");
+            list.push_back(h);
+        } else {
+            for (HostRec *h : m_world->hostsOf(m_cell)) list.push_back(h);
+        }
+        if (!objects) {
+            std::vector<std::string> names;
+            for (HostRec const *h : list) names.push_back(h->path);
+            nameList("Hosts available on this Cell:", names);
+            return Result::Ok;
+        }
+        ObjectDescriber describe(*m_world);
+        m_out.line("");
+        for (HostRec const *h : list) describe.host(*writer, *h);
+        return Result::Ok;
+    }
+
+    if (what.is("DR_GROUP")) {
+        std::vector<DrGroupRec const *> list;
+        if (!req.name.empty()) {
+            DrGroupRec *g = m_world->resolveDrGroup(m_cell, req.name);
+            if (!g) return error(req.name + " not found");
+            list.push_back(g);
+        } else {
+            for (auto const &[id, g] : m_world->drgroups.rows)
+                if (g.sourceCell == m_cell || g.destCell == m_cell) list.push_back(&g);
+        }
+        if (!objects) {
+            std::vector<std::string> names;
+            for (DrGroupRec const *g : list) names.push_back(g->path());
+            nameList("DR groups available on this Cell:", names);
+            return Result::Ok;
+        }
+        ObjectDescriber describe(*m_world);
+        m_out.line("");
+        for (DrGroupRec const *g : list) describe.drGroup(*writer, *g, m_cell);
+        return Result::Ok;
+    }
+
+    std::vector<DiskGroupRec const *> list;
+    for (auto const &[id, g] : m_world->diskgroups.rows)
+        if (g.cell == m_cell && (req.name.empty() || iequals(g.name, req.name) || iequals("\\Disk Groups\\" + g.name, req.name)))
+            list.push_back(&g);
+    if (!req.name.empty() && list.empty()) return error(req.name + " not found");
+    if (!objects) {
+        std::vector<std::string> names;
+        for (DiskGroupRec const *g : list) names.push_back("\\Disk Groups\\" + g->name);
+        nameList("Disk groups available on this Cell:", names);
+        return Result::Ok;
+    }
+    ObjectDescriber describe(*m_world);
+    m_out.line("");
+    for (DiskGroupRec const *g : list) describe.diskGroup(*writer, *g);
+    return Result::Ok;
+}
+
+Interpreter::Result Interpreter::findCommand(std::string const &line, std::vector<Token> const &t)
+{
+    if (t.size() < 3 || !t[1].is("VDISK")) return syntaxError(line, t.size() < 2 ? line.size() : t[1].column);
+    if (!t[2].isKey("LUNWWID")) return syntaxError(line, t[2].column);
+    bool xml = false;
+    for (size_t i = 3; i < t.size(); ++i) {
+        if (t[i].is("XML")) xml = true;
+        else return syntaxError(line, t[i].column);
+    }
+    if (!needSystem()) return Result::Error;
+    std::string wanted;
+    if (!normaliseWwn(t[2].value, 8, wanted, false)) return error(t[2].value + " not found");
+    VdiskRec const *found = nullptr;
+    for (auto const &[id, d] : m_world->vdisks.rows)
+        if (d.cell == m_cell && iequals(d.wwlunid, wanted)) found = &d;
+    if (!found) return error(t[2].value + " not found");
+    bool const malformed = xml && takeFault("malformed-xml", line);
+    std::unique_ptr<ObjectWriter> writer;
+    if (xml) writer = std::make_unique<XmlObjectWriter>(m_out, m_settings.flag("info_lines"), malformed);
+    else writer = std::make_unique<TextObjectWriter>(m_out);
+    ArrayOps(*m_world, m_settings).observeCopies({found});
+    ObjectDescriber describe(*m_world);
+    m_out.line("");
+    describe.vdisk(*writer, *found);
+    return Result::Ok;
+}
+
+Interpreter::Result Interpreter::addCommand(std::string const &line, std::vector<Token> const &t)
+{
+    if (t.size() < 2) return syntaxError(line, line.size());
+    Token const &what = t[1];
+    if (what.is("LUN")) {
+        long long lun = 0;
+        if (t.size() < 3 || t[2].kind != Token::Word || !parseInt(t[2].text, lun))
+            return syntaxError(line, t.size() < 3 ? line.size() : t[2].column);
+        std::string host, disk;
+        bool hasHost = false, hasDisk = false;
+        for (size_t i = 3; i < t.size(); ++i) {
+            if (t[i].isKey("HOST")) host = t[i].value, hasHost = true;
+            else if (t[i].isKey("VDISK")) disk = t[i].value, hasDisk = true;
+            else return syntaxError(line, t[i].column);
+        }
+        if (!hasHost || !hasDisk) return syntaxError(line, line.size());
+        if (!needSystem()) return Result::Error;
+        std::string const refused = ArrayOps(*m_world, m_settings).addLun(m_cell, lun, host, disk);
+        if (!refused.empty()) return error(refused);
+        return quirk("quirk_present_failed",
+                     "Error the call to present the virtual disk has failed. [Logical disk Presented]");
+    }
+
+    if (!what.is("VDISK") && !what.is("SNAPSHOT") && !what.is("COPY")) return syntaxError(line, what.column);
+    if (t.size() < 3 || !t[2].isName()) return syntaxError(line, t.size() < 3 ? line.size() : t[2].column);
+    std::string const name = t[2].text;
+    std::string source, container, redundancy, allocation, wwlunid, diskGroup, size;
+    bool hasSource = false, hasSize = false;
+    for (size_t i = 3; i < t.size(); ++i) {
+        Token const &o = t[i];
+        if (o.isKey("VDISK") && !what.is("VDISK")) source = o.value, hasSource = true;
+        else if (o.isKey("CONTAINER") && what.is("COPY")) container = o.value;
+        else if (o.isKey("REDUNDANCY")) redundancy = o.value;
+        else if (o.isKey("ALLOCATION_POLICY") && what.is("SNAPSHOT")) allocation = o.value;
+        else if (o.isKey("WORLD_WIDE_LUN_NAME") && !what.is("COPY")) wwlunid = o.value;
+        else if (o.isKey("DISK_GROUP") && !what.is("SNAPSHOT")) diskGroup = o.value;
+        else if (o.isKey("SIZE") && what.is("VDISK")) size = o.value, hasSize = true;
+        else return syntaxError(line, o.column);
+    }
+    if (what.is("VDISK") ? !hasSize : !hasSource) return syntaxError(line, line.size());
+    if (!needSystem()) return Result::Error;
+    ArrayOps ops(*m_world, m_settings);
+    std::string refused;
+    if (what.is("VDISK")) {
+        uint64_t bytes = 0;
+        if (!parseSize(size, bytes)) return error("Invalid size " + size);
+        refused = ops.addVdisk(m_cell, name, bytes, redundancy, diskGroup, wwlunid);
+    } else if (what.is("SNAPSHOT")) {
+        refused = ops.addSnapshot(m_cell, name, source, allocation, redundancy, wwlunid);
+    } else {
+        refused = ops.addCopy(m_cell, name, source, container, redundancy);
+    }
+    if (!refused.empty()) return error(refused);
+    m_out.line("");
+    return Result::Ok;
+}
+
+Interpreter::Result Interpreter::deleteCommand(std::string const &line, std::vector<Token> const &t)
+{
+    if (t.size() < 2 || !(t[1].is("VDISK") || t[1].is("LUN")))
+        return syntaxError(line, t.size() < 2 ? line.size() : t[1].column);
+    if (t.size() != 3 || !t[2].isName()) return syntaxError(line, t.size() < 3 ? line.size() : t[3].column);
+    if (!needSystem()) return Result::Error;
+    ArrayOps ops(*m_world, m_settings);
+    std::string const refused = t[1].is("VDISK") ? ops.deleteVdisk(m_cell, t[2].text) : ops.deleteLun(m_cell, t[2].text);
+    if (!refused.empty()) return error(refused);
+    return quirk("quirk_deletion_completed", "Deletion completed");
+}
+
+} // namespace evasim

@@ -1,0 +1,39 @@
+// SSSU's standard output: lines separated by line feeds, the last one without; with the faults
+// that cut it short or make it pause.
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace evasim {
+
+class Output {
+public:
+    explicit Output(int fd);
+    ~Output();
+
+    void line(std::string const &text);
+    void flush();
+    // Sleeps (after flushing what is written) for 'seconds'.
+    void pause(double seconds);
+
+    // After output line 'after' has gone out whole, be silent for 'seconds'.
+    void silenceAfter(long long after, double seconds);
+    // After output line 'after', run 'last' (which saves the state) and end the process.
+    void exitAfter(long long after, int status, std::function<void()> last);
+
+    long long lines() const { return m_lines; }
+
+private:
+    int m_fd;
+    std::string m_buffer;
+    long long m_lines = 0;
+    bool m_separatorOwed = false; // the line feed that ends the last line not yet written
+    long long m_silenceAfter = 0;
+    double m_silenceSeconds = 0;
+    long long m_exitAfter = 0;
+    int m_exitStatus = 0;
+    std::function<void()> m_last;
+};
+
+} // namespace evasim

@@ -1,0 +1,25 @@
+// Reads a scenario file (format in tools/evasim/README.md) into an empty world and the settings.
+#pragma once
+
+#include <istream>
+#include <string>
+
+namespace evasim {
+
+class Settings;
+class World;
+
+class ScenarioLoader {
+public:
+    ScenarioLoader(World &world, Settings &settings);
+    // Gives an error text "<name>:<line>: <what is wrong>", empty on success. Stops at the first error.
+    std::string load(std::istream &in, std::string const &name);
+
+private:
+    std::string line(std::string const &text);
+
+    World &m_world;
+    Settings &m_settings;
+};
+
+} // namespace evasim

@@ -1,0 +1,20 @@
+// One run of the simulated SSSU: the banner, the script, the state saved in one transaction,
+// and the armed faults of this run.
+#pragma once
+
+#include <string>
+
+namespace evasim {
+
+class SssuRun {
+public:
+    SssuRun(std::string database, std::string script);
+    // Gives the process's exit status.
+    int run();
+
+private:
+    std::string m_database;
+    std::string m_script;
+};
+
+} // namespace evasim
