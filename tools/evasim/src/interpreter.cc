@@ -38,8 +38,9 @@ ListRequest parseList(std::string const &line, std::vector<Token> const &t)
         --end;
     }
     if (end > 2) {
-        if (end == 3 && t[2].kind == Token::Quoted) {
+        if (t[2].kind == Token::Quoted) {
             r.name = t[2].text;
+            if (end > 3) r.badColumn = t[3].column;
         } else {
             for (size_t i = 2; i < end; ++i)
                 if (t[i].kind != Token::Word) {
