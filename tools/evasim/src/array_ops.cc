@@ -196,9 +196,10 @@ std::string ArrayOps::addCopy(int64_t cell, std::string const &name, std::string
         target->container = false;
         target->family = name;
         target->origin = "snapclone";
-        target->copySource = src->id;
-        target->copyKind = "restore";
+        // With no reads to show it running, the copy is done at once.
         target->copyReads = m_settings.restoreReads();
+        target->copySource = target->copyReads > 0 ? src->id : 0;
+        target->copyKind = target->copyReads > 0 ? "restore" : "";
         target->modified = now();
         m_world.vdisks.touch(target->id);
         if (created) *created = target->id;
@@ -221,9 +222,9 @@ std::string ArrayOps::addCopy(int64_t cell, std::string const &name, std::string
     d.redundancy = red.empty() ? src->redundancy : red;
     d.origin = "snapclone";
     d.writecache = src->writecache;
-    d.copySource = src->id;
-    d.copyKind = "snapclone";
     d.copyReads = m_settings.snapcloneReads();
+    d.copySource = d.copyReads > 0 ? src->id : 0;
+    d.copyKind = d.copyReads > 0 ? "snapclone" : "";
     std::string const space = reserveSpace(cell, d);
     if (!space.empty()) return space;
     CellRec *c = m_world.cells.find(cell);

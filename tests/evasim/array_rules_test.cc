@@ -1,0 +1,274 @@
+// The array's rules behind each command: snapshots, snapclones, containers and restore copies,
+// presentations, deletes, renames, DR groups and space.
+#include "evasim_harness.h"
+
+#include <gtest/gtest.h>
+
+using evasim_test::Harness;
+using evasim_test::Outcome;
+
+namespace {
+
+// The text of the first <tag> element of an output.
+std::string element(std::string const &out, std::string const &tag)
+{
+    size_t const open = out.find("<" + tag + ">");
+    if (open == std::string::npos) return "(missing)";
+    size_t const start = open + tag.size() + 2;
+    return out.substr(start, out.find("</" + tag + ">", start) - start);
+}
+
+class ArrayRules : public ::testing::Test {
+protected:
+    void SetUp() override { h.init(); }
+
+    // Runs the commands and expects success.
+    Outcome ok(std::vector<std::string> const &commands, std::string const &cell = "EVA01")
+    {
+        Outcome r = h.sssu(commands, cell);
+        EXPECT_EQ(r.status, 0) << r.out;
+        EXPECT_EQ(r.out.find("Error: "), std::string::npos) << r.out;
+        return r;
+    }
+    // Runs one command and gives the error line it ends with.
+    std::string refused(std::string const &command, std::string const &cell = "EVA01")
+    {
+        Outcome const r = h.sssu({command}, cell);
+        EXPECT_EQ(r.status, 1) << r.out;
+        return r.lines().back();
+    }
+    std::string sharing(std::string const &path)
+    {
+        return element(h.sssu({"LS VDISK \"" + path + "\" XML"}).out, "sharingrelationship");
+    }
+    double usedGb(std::string const &cell)
+    {
+        for (auto const &row : h.table("cells"))
+            if (row.at("name") == cell) return std::stod(row.at("used"));
+        return -1;
+    }
+
+    Harness h;
+};
+
+TEST_F(ArrayRules, TextListingsGiveTheMarkerThenOneFullPathALine)
+{
+    Outcome const r = ok({"LS VDISK", "LS HOST"});
+    EXPECT_TRUE(r.has("EVA01> LS VDISK\n\nVdisks available on this Cell:\n"
+                      "\\Virtual Disks\\d1\\ACTIVE\n\\Virtual Disks\\f\\d2\\ACTIVE\n\\Virtual Disks\\f\\d3\\ACTIVE\n"
+                      "\\Virtual Disks\\f\\d3\\d3_vsnap000\nEVA01> LS HOST\n"));
+    EXPECT_TRUE(r.has("\nHosts available on this Cell:\n\\Hosts\\h1\n\\Hosts\\lab\\h2\nEVA01> exit"));
+}
+
+TEST_F(ArrayRules, HostTextListingNamesEachPresentedDiskAfterVirtualDisk)
+{
+    Outcome const r = ok({"LS HOST \\Hosts\\h1"});
+    EXPECT_TRUE(r.has("\\Hosts\\h1 information:"));
+    EXPECT_TRUE(r.has(" Virtual_disk : \\Virtual Disks\\d1\\ACTIVE\n"));
+}
+
+TEST_F(ArrayRules, SnapshotsLieInTheFamilyAndASnapshotOfASnapshotIsRefused)
+{
+    double const before = usedGb("EVA01");
+    ok({"ADD SNAPSHOT \"d1_vsnap000\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\" ALLOCATION_POLICY=DEMAND  REDUNDANCY=Vraid0 "});
+    auto const vsnap = h.disk("\\Virtual Disks\\d1\\d1_vsnap000");
+    ASSERT_FALSE(vsnap.empty());
+    EXPECT_EQ(vsnap.at("type"), "vsnap");
+    EXPECT_EQ(vsnap.at("parent"), "\\Virtual Disks\\d1\\ACTIVE");
+    EXPECT_DOUBLE_EQ(usedGb("EVA01"), before) << "a vsnap takes space on demand only";
+
+    ok({"ADD SNAPSHOT \"d1_snap000\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\" ALLOCATION_POLICY=FULLY  REDUNDANCY=Vraid0 "});
+    EXPECT_DOUBLE_EQ(usedGb("EVA01"), before + 10) << "a full snapshot in vraid0 takes its size";
+    Outcome const parent = ok({"LS VDISK \"\\Virtual Disks\\d1\\ACTIVE\" XML"});
+    EXPECT_EQ(element(parent.out, "childvdiskname"), "\\Virtual Disks\\d1\\d1_snap000");
+    EXPECT_EQ(element(parent.out, "sharingrelationship"), "parent");
+
+    EXPECT_EQ(refused("ADD SNAPSHOT \"x\" VDISK=\"\\Virtual Disks\\d1\\d1_vsnap000\" ALLOCATION_POLICY=DEMAND "),
+              "Error: Cannot create a snapshot of a snapshot (\\Virtual Disks\\d1\\d1_vsnap000)");
+    EXPECT_EQ(refused("ADD SNAPSHOT \"d1_vsnap000\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\""),
+              "Error: \\Virtual Disks\\d1\\d1_vsnap000 already exists");
+    EXPECT_EQ(refused("ADD SNAPSHOT \"x\" VDISK=\"\\Virtual Disks\\nosuch\\ACTIVE\""),
+              "Error: \\Virtual Disks\\nosuch\\ACTIVE not found");
+}
+
+TEST_F(ArrayRules, SnapcloneIsAFamilyBesideTheSourceAndRunsForTheConfiguredReads)
+{
+    ASSERT_EQ(h.evasim({"set", "snapclone_reads=2"}).status, 0);
+    ok({"ADD COPY \"d2_clone000\" VDISK=\"\\Virtual Disks\\f\\d2\\ACTIVE\""});
+    std::string const clone = "\\Virtual Disks\\f\\d2_clone000\\ACTIVE";
+    EXPECT_EQ(h.disk(clone).at("type"), "snapclone");
+    EXPECT_EQ(sharing(clone), "snapclone_in_progress");
+    EXPECT_EQ(sharing(clone), "snapclone_in_progress");
+    EXPECT_EQ(sharing(clone), "none");
+    EXPECT_EQ(sharing(clone), "none");
+    Outcome const source = ok({"LS VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\" XML"});
+    EXPECT_EQ(element(source.out, "childvdiskname"), "n/a") << "a finished clone is no child";
+
+    EXPECT_EQ(refused("ADD COPY \"c\" VDISK=\"\\Virtual Disks\\f\\d3\\ACTIVE\""),
+              "Error: Cannot create a snapclone of a Vdisk that has snapshots (\\Virtual Disks\\f\\d3\\ACTIVE)");
+    EXPECT_EQ(refused("ADD COPY \"c\" VDISK=\"\\Virtual Disks\\f\\d3\\d3_vsnap000\""),
+              "Error: Cannot create a copy of a snapshot (\\Virtual Disks\\f\\d3\\d3_vsnap000)");
+    EXPECT_EQ(refused("ADD COPY \"d3\" VDISK=\"\\Virtual Disks\\f\\d2\\ACTIVE\""),
+              "Error: \\Virtual Disks\\f\\d3 already exists");
+}
+
+TEST_F(ArrayRules, DeleteRefusesPresentedDisksDisksWithSnapshotsAndDrMembers)
+{
+    EXPECT_EQ(refused("DELETE VDISK \"\\Virtual Disks\\d1\\ACTIVE\""),
+              "Error: Cannot delete Vdisks when LUNs are still present.");
+    EXPECT_EQ(refused("DELETE VDISK \"\\Virtual Disks\\f\\d3\\ACTIVE\""),
+              "Error: Cannot delete Vdisks when snapshots are still present.");
+    EXPECT_EQ(refused("DELETE VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\""),
+              "Error: Cannot delete a Vdisk that is a member of a DR group.");
+    double const before = usedGb("EVA01");
+    ok({"DELETE VDISK \"\\Virtual Disks\\f\\d3\\d3_vsnap000\"", "DELETE VDISK \"\\Virtual Disks\\f\\d3\\ACTIVE\""});
+    EXPECT_TRUE(h.disk("\\Virtual Disks\\f\\d3\\ACTIVE").empty());
+    EXPECT_DOUBLE_EQ(usedGb("EVA01"), before - 10) << "the space comes back";
+
+    ok({"DELETE LUN \"\\Hosts\\h1\\1\"", "DELETE VDISK \"\\Virtual Disks\\d1\\ACTIVE\""});
+    EXPECT_TRUE(h.disk("\\Virtual Disks\\d1\\ACTIVE").empty());
+}
+
+TEST_F(ArrayRules, DeletionQuirkReportsSuccessAsAnErrorThatStopsTheScript)
+{
+    ASSERT_EQ(h.evasim({"set", "quirk_deletion_completed=on"}).status, 0);
+    Outcome const r = h.sssu({"DELETE LUN \"\\Hosts\\h1\\1\"", "LS HOST"});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.lines().back(), "Error: Deletion completed");
+    EXPECT_EQ(h.disk("\\Virtual Disks\\d1\\ACTIVE").at("presentations"), "") << "the delete took effect";
+}
+
+TEST_F(ArrayRules, AddLunTakesTheProvidersTemplateAndKeepsLunsUniquePerHost)
+{
+    ok({"ADD LUN 5 HOST=\"\\Hosts\\h1\"  VDISK=\"\\Virtual Disks\\f\\d3\\ACTIVE\" "});
+    EXPECT_EQ(h.disk("\\Virtual Disks\\f\\d3\\ACTIVE").at("presentations"), "\\Hosts\\h1:5");
+    EXPECT_EQ(refused("ADD LUN 5 HOST=\"\\Hosts\\h1\"  VDISK=\"\\Virtual Disks\\f\\d2\\ACTIVE\" "),
+              "Error: LUN 5 is already in use on host \\Hosts\\h1");
+    EXPECT_EQ(refused("ADD LUN 7 HOST=\"\\Hosts\\h1\"  VDISK=\"\\Virtual Disks\\f\\d3\\ACTIVE\" "),
+              "Error: \\Virtual Disks\\f\\d3\\ACTIVE is already presented to \\Hosts\\h1 as LUN 5");
+    EXPECT_EQ(refused("ADD LUN 1 HOST=\"\\Hosts\\nosuch\"  VDISK=\"\\Virtual Disks\\f\\d2\\ACTIVE\" "),
+              "Error: \\Hosts\\nosuch not found");
+    EXPECT_EQ(refused("ADD LUN 256 HOST=\"\\Hosts\\h1\"  VDISK=\"\\Virtual Disks\\f\\d2\\ACTIVE\" "),
+              "Error: Invalid LUN 256; LUNs are 1 to 255, 0 lets the array choose");
+
+    // LUN 0: the lowest free number of that host; 1 and 5 are taken on h1.
+    ok({"ADD LUN 0 HOST=\"\\Hosts\\h1\"  VDISK=\"\\Virtual Disks\\f\\d2\\ACTIVE\" ",
+        "ADD LUN 0 HOST=\"\\Hosts\\lab\\h2\"  VDISK=\"\\Virtual Disks\\f\\d2\\ACTIVE\" "});
+    EXPECT_EQ(h.disk("\\Virtual Disks\\f\\d2\\ACTIVE").at("presentations"), "\\Hosts\\h1:2,\\Hosts\\lab\\h2:1");
+
+    ok({"DELETE LUN \"\\Hosts\\h1\\2\"", "DELETE LUN \"\\Hosts\\lab\\h2\\1\""});
+    EXPECT_EQ(h.disk("\\Virtual Disks\\f\\d2\\ACTIVE").at("presentations"), "");
+    EXPECT_EQ(refused("DELETE LUN \"\\Hosts\\h1\\9\""), "Error: \\Hosts\\h1\\9 not found");
+}
+
+TEST_F(ArrayRules, PresentQuirkReportsTheToleratedErrorAfterASuccessfulAddLun)
+{
+    ASSERT_EQ(h.evasim({"set", "quirk_present_failed=on"}).status, 0);
+    Outcome const r = h.sssu({"ADD LUN 3 HOST=\"\\Hosts\\h1\"  VDISK=\"\\Virtual Disks\\f\\d3\\ACTIVE\" "});
+    EXPECT_EQ(r.lines().back(),
+              "Error: Error the call to present the virtual disk has failed. [Logical disk Presented]");
+    EXPECT_EQ(h.disk("\\Virtual Disks\\f\\d3\\ACTIVE").at("presentations"), "\\Hosts\\h1:3");
+}
+
+// The script that a restore sends, with the secondary a finished snapclone of the primary.
+TEST_F(ArrayRules, RestoreTurnsThePrimaryIntoAContainerAndCopiesTheCloneIntoIt)
+{
+    ASSERT_EQ(h.evasim({"set", "snapclone_reads=0", "restore_reads=2"}).status, 0);
+    ok({"ADD COPY \"d1_clone000\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\""});
+    std::string const primary = "\\Virtual Disks\\d1\\ACTIVE";
+    std::string const secondary = "\\Virtual Disks\\d1_clone000\\ACTIVE";
+    std::string const wwn = h.disk(primary).at("wwlunid");
+    EXPECT_EQ(refused("SET VDISK \"d1\" CHANGE_INTO_CONTAINER"),
+              "Error: Cannot change a presented Vdisk into a container (" + primary + ")");
+    ok({"DELETE LUN \"\\Hosts\\h1\\1\""});
+    ok({"SET OPTION COMMAND_DELAY=5", "REFRESH", "SET VDISK \"d1\" CHANGE_INTO_CONTAINER",
+        "SET VDISK \"d1_clone000\" writecache=writethrough", "REDISCOVER", "REFRESH",
+        "ADD COPY \"d1\" VDISK=\"d1_clone000\" CONTAINER=\"d1\"", "SET VDISK \"d1_clone000\" writecache=writeback",
+        "ADD LUN 1 HOST=\"\\Hosts\\h1\"  VDISK=\"d1\" "});
+    auto const restored = h.disk(primary);
+    EXPECT_EQ(restored.at("type"), "snapclone");
+    EXPECT_EQ(restored.at("wwlunid"), wwn) << "the primary keeps its identity";
+    EXPECT_EQ(restored.at("presentations"), "\\Hosts\\h1:1");
+    EXPECT_EQ(h.disk(secondary).at("writecache"), "writeback");
+    EXPECT_EQ(sharing(secondary), "parent");
+    EXPECT_EQ(sharing(secondary), "parent");
+    EXPECT_EQ(sharing(secondary), "none");
+    EXPECT_EQ(sharing(primary), "none");
+}
+
+TEST_F(ArrayRules, ContainersAreListedAsSuchAndOnlyACopyOfTheirSizeFillsThem)
+{
+    ok({"SET VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\" writecache=writethrough"});
+    ok({"ADD VDISK \"\\Virtual Disks\\box\" SIZE=20GB REDUNDANCY=vraid0", "SET VDISK \"box\" CHANGE_INTO_CONTAINER"});
+    Outcome const r = ok({"LS VDISK \"box\" XML"});
+    EXPECT_EQ(element(r.out, "objecttype"), "container");
+    EXPECT_EQ(refused("ADD COPY \"box\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\" CONTAINER=\"box\""),
+              "Error: The capacity of container \\Virtual Disks\\box\\ACTIVE does not match the source Vdisk");
+    EXPECT_EQ(refused("ADD COPY \"x\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\" CONTAINER=\"d1\""),
+              "Error: \\Virtual Disks\\d1\\ACTIVE is not a container");
+    EXPECT_EQ(refused("ADD LUN 9 HOST=\"\\Hosts\\h1\"  VDISK=\"box\" "),
+              "Error: Cannot present a container (\\Virtual Disks\\box\\ACTIVE)");
+}
+
+// The renames of a swap-based restore: world wide names over a temporary one, then names.
+TEST_F(ArrayRules, WorldWideNamesAndFamilyNamesCanBeTraded)
+{
+    ok({"SET VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\" writecache=writeback"});
+    std::string const p = "\\Virtual Disks\\f\\d3\\ACTIVE";
+    std::string const s = "\\Virtual Disks\\d1\\ACTIVE";
+    std::string const pw = h.disk(p).at("wwlunid");
+    std::string const sw = h.disk(s).at("wwlunid");
+    EXPECT_EQ(refused("SET VDISK \"" + p + "\" WORLD_WIDE_LUN_NAME=" + sw),
+              "Error: World wide LUN name " + sw + " is already in use");
+    std::string const temp = pw.substr(0, pw.size() - 4) + "1111";
+    ok({"SET VDISK \"" + p + "\" WORLD_WIDE_LUN_NAME=" + temp, "SET VDISK \"" + s + "\" WORLD_WIDE_LUN_NAME=" + pw,
+        "SET VDISK \"" + p + "\" WORLD_WIDE_LUN_NAME=" + sw, "SET VDISK \"" + p + "\" NAME=\"d3_RESTORING\""});
+    EXPECT_EQ(h.disk(s).at("wwlunid"), pw);
+    auto const moved = h.disk("\\Virtual Disks\\f\\d3_RESTORING\\ACTIVE");
+    ASSERT_FALSE(moved.empty());
+    EXPECT_EQ(moved.at("wwlunid"), sw);
+    EXPECT_FALSE(h.disk("\\Virtual Disks\\f\\d3_RESTORING\\d3_vsnap000").empty()) << "snapshots move with the family";
+    EXPECT_EQ(refused("SET VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\" NAME=\"d3_RESTORING\""),
+              "Error: \\Virtual Disks\\f\\d3_RESTORING already exists");
+}
+
+TEST_F(ArrayRules, DrGroupSuspendShowsOnBothCellsAndDisksNameTheirPartners)
+{
+    ok({"SET DR_GROUP \"\\Data Replication\\DRG1\" SUSPEND"});
+    Outcome const there = ok({"LS DR_GROUP \"\\Data Replication\\DRG1\" XML"}, "EVA02");
+    EXPECT_EQ(element(there.out, "suspendstate"), "suspended");
+    EXPECT_EQ(element(there.out, "drmmode"), "destination");
+    EXPECT_EQ(element(there.out, "scellname"), "EVA01");
+    ok({"SET DR_GROUP \"DRG1\" NOSUSPEND"}, "EVA02");
+    Outcome const here = ok({"LS DR_GROUP \"\\Data Replication\\DRG1\" XML"});
+    EXPECT_EQ(element(here.out, "suspendstate"), "notsuspended");
+    EXPECT_EQ(element(here.out, "drmmode"), "source");
+
+    Outcome const disk = ok({"LS VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\" XML"});
+    EXPECT_EQ(element(disk.out, "drmgroupname"), "\\Data Replication\\DRG1");
+    EXPECT_EQ(element(disk.out, "remotevirtualdiskname"), "\\Virtual Disks\\r\\d2\\ACTIVE");
+    EXPECT_EQ(refused("SET DR_GROUP \"nosuch\" SUSPEND"), "Error: nosuch not found");
+}
+
+TEST_F(ArrayRules, FindVdiskMatchesTheLunIdInAnyCase)
+{
+    Outcome const r = ok({"REFRESH", "FIND VDISK LUNWWID=6005-08b4-0001-0000-0000-0000-0001-0000 XML"});
+    EXPECT_EQ(element(r.out, "objectname"), "\\Virtual Disks\\d1\\ACTIVE");
+    Outcome const upper = ok({"FIND VDISK LUNWWID=6005-08B4-0001-0000-0000-0000-0001-0000 XML"});
+    EXPECT_EQ(element(upper.out, "objectname"), "\\Virtual Disks\\d1\\ACTIVE");
+    EXPECT_EQ(refused("FIND VDISK LUNWWID=6005-08b4-0001-0000-0000-0000-0009-0000 XML"),
+              "Error: 6005-08b4-0001-0000-0000-0000-0009-0000 not found");
+}
+
+TEST_F(ArrayRules, SpaceShrinksWithNewDisksAndATooLargeDiskIsRefused)
+{
+    double const before = usedGb("EVA01");
+    ok({"ADD VDISK \"\\Virtual Disks\\new\\big\" SIZE=100GB REDUNDANCY=vraid1"});
+    EXPECT_DOUBLE_EQ(usedGb("EVA01"), before + 200) << "vraid1 takes twice the size";
+    std::string const error = refused("ADD VDISK \"huge\" SIZE=2048GB REDUNDANCY=vraid0");
+    EXPECT_EQ(error.rfind("Error: Not enough free space in the disk group", 0), 0u) << error;
+    EXPECT_EQ(refused("ADD VDISK \"\\Virtual Disks\\new\\big\" SIZE=1GB"),
+              "Error: \\Virtual Disks\\new\\big already exists");
+}
+
+} // namespace
