@@ -8,10 +8,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <sstream>
+#include <thread>
 
 extern char **environ;
 
@@ -61,8 +63,10 @@ std::string Harness::scenario(std::string const &name)
     return std::string(source ? source : ".") + "/tools/evasim/scenarios/" + name;
 }
 
-Outcome Harness::evasim(std::vector<std::string> const &args) const
+Outcome Harness::evasim(std::vector<std::string> const &args, std::function<void(pid_t)> const &meanwhile) const
 {
+    auto const start = std::chrono::steady_clock::now();
+    auto elapsed = [&]() { return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(); };
     std::vector<std::string> env;
     for (char **e = environ; *e; ++e)
         if (std::strncmp(*e, "EVASIM_HOME=", 12) != 0) env.push_back(*e);
@@ -97,6 +101,8 @@ Outcome Harness::evasim(std::vector<std::string> const &args) const
         ::close(errPipe[0]);
         throw std::runtime_error("cannot start " + bin);
     }
+    std::thread helper;
+    if (meanwhile) helper = std::thread(meanwhile, pid);
     pollfd fds[2] = {{outPipe[0], POLLIN, 0}, {errPipe[0], POLLIN, 0}};
     int open = 2;
     char buf[65536];
@@ -111,11 +117,16 @@ Outcome Harness::evasim(std::vector<std::string> const &args) const
                 --open;
             } else {
                 (i == 0 ? run.out : run.err).append(buf, static_cast<size_t>(n));
+                if (i == 0)
+                    for (ssize_t k = 0; k < n; ++k)
+                        if (buf[k] == '\n') run.lineTimes.push_back(elapsed());
             }
         }
     }
     int status = 0;
     ::waitpid(pid, &status, 0);
+    if (helper.joinable()) helper.join();
+    run.seconds = elapsed();
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     return run;
 }

@@ -2,6 +2,9 @@
 // directory of its own, and takes its output apart for the checks.
 #pragma once
 
+#include <sys/types.h>
+
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -11,6 +14,8 @@ namespace evasim_test {
 struct Outcome {
     int status = -1;       // exit status, or 128 + signal
     std::string out, err;  // standard output and error as written
+    std::vector<double> lineTimes; // seconds from the start to each line feed of the output
+    double seconds = 0;            // the whole run
     std::vector<std::string> lines() const; // out split at line feeds
     bool has(std::string const &text) const { return out.find(text) != std::string::npos; }
 };
@@ -26,8 +31,9 @@ public:
     static std::string scenario(std::string const &name); // path of tools/evasim/scenarios/<name>
     std::string const &home() const { return m_home; }
 
-    // evasim with these arguments, EVASIM_HOME set to this harness's directory.
-    Outcome evasim(std::vector<std::string> const &args) const;
+    // evasim with these arguments, EVASIM_HOME set to this harness's directory. 'meanwhile' runs
+    // on a thread of its own with the child's process id while the child runs.
+    Outcome evasim(std::vector<std::string> const &args, std::function<void(pid_t)> const &meanwhile = {}) const;
     // `evasim init --scenario small.scn` (or the given one); fails the test if it fails.
     void init(std::string const &scenarioName = "small.scn") const;
     // Writes a script file and gives its path.
