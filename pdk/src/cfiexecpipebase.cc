@@ -1,0 +1,106 @@
+#include "cfiexecpipebase.h"
+
+#include "cfitracelogfunction.h"
+
+namespace qorin_pdk_4_4 {
+
+CFiExecPipeBase::CFiExecPipeBase(int closeAfterExec)
+    : m_abort(0), m_lastError(std::string(), QRN_EXEC_PIPE_SUCCESS), m_closeAfterExec(closeAfterExec != 0)
+{
+}
+
+CFiExecPipeBase::CFiExecPipeBase(std::vector<std::string> arguments, int closeAfterExec)
+    : m_abort(0),
+      m_arguments(std::move(arguments)),
+      m_lastError(std::string(), QRN_EXEC_PIPE_SUCCESS),
+      m_closeAfterExec(closeAfterExec != 0)
+{
+}
+
+CFiExecPipeBase::~CFiExecPipeBase() = default;
+
+int CFiExecPipeBase::IsAbortRequested()
+{
+    return m_abort.load();
+}
+
+int CFiExecPipeBase::IsChildContext()
+{
+    return 0;
+}
+
+int CFiExecPipeBase::ExecCommandInChildContext(std::string, std::vector<std::string> &)
+{
+    return 0;
+}
+
+void CFiExecPipeBase::Abort()
+{
+    m_abort.store(1);
+}
+
+void CFiExecPipeBase::Init() {}
+
+EFiExecPipe CFiExecPipeBase::getLastError()
+{
+    return m_lastError;
+}
+
+int CFiExecPipeBase::Exec(std::string command, std::vector<std::string> &output, std::string extra, uint32_t seconds,
+                          std::string directory, std::string user, std::string password)
+{
+    CFiTraceLogFunction function(m_traceLog, "qorin_pdk_4_4::CFiExecPipeBase::Exec");
+    int result = ExecMain(command, output, extra, seconds, directory, user, password);
+    if (m_closeAfterExec) {
+        int closed = Close(10);
+        if (closed != 0) {
+            trace(2, "Close of the process returned %d", closed);
+        }
+    }
+    return result;
+}
+
+int CFiExecPipeBase::ExecMain(std::string command, std::vector<std::string> &output, std::string extra,
+                              uint32_t seconds, std::string directory, std::string user, std::string password)
+{
+    CFiTraceLogFunction function(m_traceLog, "qorin_pdk_4_4::CFiExecPipeBase::ExecMain");
+    std::vector<char> line(LINE_PIECE_SIZE + 1);
+    m_user = user;
+    m_password = password;
+    m_extra = extra;
+
+    if (IsChildContext() != 0) {
+        return ExecCommandInChildContext(command, output);
+    }
+    int started = ExecPipe(command, directory);
+    if (started != 0) {
+        return started;
+    }
+    output.clear();
+
+    // Each read may wait this long; a longer wait than the type allows is no different from
+    // an endless one for the caller.
+    int32_t wait = seconds > static_cast<uint32_t>(INT32_MAX) ? INT32_MAX : static_cast<int32_t>(seconds);
+    for (;;) {
+        line[0] = '\0';
+        if (IsAbortRequested() != 0) {
+            break;
+        }
+        int timedOut = 0;
+        int got = ReadLine(line.data(), LINE_PIECE_SIZE, &timedOut, wait);
+        if (timedOut == 1) {
+            // The child is still alive; Close, from Exec or the destructor, brings it down.
+            m_lastError = EFiExecPipe(command, QRN_EXEC_PIPE_READ_TIMEOUT);
+            trace(1, "Process has timmedout (%d sec)", static_cast<int>(wait));
+            return QRN_EXEC_PIPE_READ_TIMEOUT;
+        }
+        if (got == 1) {
+            output.emplace_back(line.data());
+        } else if (got == 0) {
+            break;
+        }
+    }
+    return Close(10);
+}
+
+}  // namespace qorin_pdk_4_4

@@ -1,0 +1,88 @@
+// Shared pieces of the exec pipe tests: the child's command line and a trace log whose
+// lines the test can read back.
+#ifndef EXECPIPE_SUPPORT_H
+#define EXECPIPE_SUPPORT_H
+
+#include <cstdlib>
+#include <filesystem>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "cfierrorhandlerbase.h"
+#include "cfierrormanager.h"
+#include "cfitracelog.h"
+
+// The command line that runs the test child in a mode, quoted as the SSSU layer quotes.
+inline std::string childCommand(const std::string &arguments)
+{
+    return std::string("\"") + EXECPIPE_CHILD + "\" " + arguments;
+}
+
+// Collects every trace line that reaches the error manager's handlers.
+class TraceLines : public qorin_pdk_4_4::CFiErrorHandlerBase {
+public:
+    int handleText(char *text, qrn_eseverity severity) override
+    {
+        std::lock_guard<std::mutex> guard(m_lock);
+        m_lines.emplace_back(text, severity);
+        return 0;
+    }
+    int handleMessage(qorin_pdk_4_4::CFiMessagePtr) override { return 0; }
+
+    // Lines that hold the text, with their severity.
+    std::vector<std::pair<std::string, int>> holding(const std::string &text)
+    {
+        std::lock_guard<std::mutex> guard(m_lock);
+        std::vector<std::pair<std::string, int>> found;
+        for (const auto &line : m_lines) {
+            if (line.first.find(text) != std::string::npos) {
+                found.push_back(line);
+            }
+        }
+        return found;
+    }
+
+private:
+    std::mutex m_lock;
+    std::vector<std::pair<std::string, int>> m_lines;
+};
+
+// A trace log that writes into a directory of its own and hands every line to a TraceLines.
+class TracedTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        const char *tmp = getenv("TMPDIR");
+        std::string pattern = std::string(tmp != nullptr && *tmp != '\0' ? tmp : "/tmp") + "/execpipe_trace_XXXXXX";
+        std::vector<char> name(pattern.begin(), pattern.end());
+        name.push_back('\0');
+        ASSERT_NE(mkdtemp(name.data()), nullptr);
+        m_directory = name.data();
+
+        m_errors = qorin_pdk_4_4::CFiErrorManagerPtr(new qorin_pdk_4_4::CFiErrorManager);
+        m_errors->registerHandler(&m_lines);
+        m_log = qorin_pdk_4_4::CFiTraceLogPtr(new qorin_pdk_4_4::CFiTraceLog);
+        m_log->registerErrorManager(m_errors);
+        std::wstring directory(m_directory.begin(), m_directory.end());
+        m_log->initialize(L"tamlin", directory.c_str(), L"execpipe", 1, false);
+        ASSERT_TRUE(m_log->isInitialized());
+    }
+    void TearDown() override
+    {
+        m_log = qorin_pdk_4_4::CFiTraceLogPtr();
+        m_errors = qorin_pdk_4_4::CFiErrorManagerPtr();
+        std::error_code ignored;
+        std::filesystem::remove_all(m_directory, ignored);
+    }
+
+    std::string m_directory;
+    TraceLines m_lines;
+    qorin_pdk_4_4::CFiErrorManagerPtr m_errors;
+    qorin_pdk_4_4::CFiTraceLogPtr m_log;
+};
+
+#endif
