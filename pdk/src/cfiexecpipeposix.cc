@@ -671,8 +671,8 @@ CFiExecPipePosix::FillResult CFiExecPipePosix::fill(int32_t seconds)
         }
         if (got < 0) {
             m_lastSystemError = errno;
-            trace(1, "CFiExecPipePosix::ReadLine ERROR: poll failed, Error Code: %d, Reason: %s", errno,
-                  systemText(errno).c_str());
+            trace(1, "CFiExecPipePosix::ReadLine ERROR: poll failed, Error Code: %d, Reason: %s", m_lastSystemError,
+                  systemText(m_lastSystemError).c_str());
             return FILL_END;
         }
         if (ready[0].revents != 0) {
@@ -688,8 +688,8 @@ CFiExecPipePosix::FillResult CFiExecPipePosix::fill(int32_t seconds)
                 continue;
             }
             m_lastSystemError = errno;
-            trace(1, "CFiExecPipePosix::ReadLine ERROR: read failed, Error Code: %d, Reason: %s", errno,
-                  systemText(errno).c_str());
+            trace(1, "CFiExecPipePosix::ReadLine ERROR: read failed, Error Code: %d, Reason: %s", m_lastSystemError,
+                  systemText(m_lastSystemError).c_str());
             return FILL_END;
         }
         if (count == 2 && ready[1].revents != 0) {
