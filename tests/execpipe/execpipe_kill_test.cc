@@ -66,10 +66,11 @@ TEST_F(ExecPipeKill, SilenceBeyondTheTimeoutGives5AndTheChildIsBroughtDown)
     pipe.setTraceLog(m_log);
     pipe.setCloseWait(1);
     Lines output;
-    EXPECT_EQ(pipe.Exec(childCommand("silent 60"), output, "", 1, "", "", ""), QRN_EXEC_PIPE_READ_TIMEOUT);
+    // Two seconds leave the child time to start and say its first line.
+    EXPECT_EQ(pipe.Exec(childCommand("silent 60"), output, "", 2, "", "", ""), QRN_EXEC_PIPE_READ_TIMEOUT);
     EXPECT_EQ(output, Lines{"started"}) << "lines before the silence stay";
 
-    auto timedOut = m_lines.holding("Process has timmedout (1 sec)");
+    auto timedOut = m_lines.holding("Process has timmedout (2 sec)");
     ASSERT_EQ(timedOut.size(), 1u);
     EXPECT_EQ(timedOut[0].second, 3) << "traced at level 1";
     // Close then found the child alive and ended it at the first stage.
@@ -88,7 +89,7 @@ TEST_F(ExecPipeKill, ChildIgnoringSigintAndSigtermEndsWith1067)
     pipe.setTraceLog(m_log);
     pipe.setCloseWait(1);
     Lines output;
-    EXPECT_EQ(pipe.Exec(childCommand("ignore"), output, "", 1, "", "", ""), QRN_EXEC_PIPE_READ_TIMEOUT);
+    EXPECT_EQ(pipe.Exec(childCommand("ignore"), output, "", 2, "", "", ""), QRN_EXEC_PIPE_READ_TIMEOUT);
     EXPECT_EQ(output, Lines{"ignoring"});
     EXPECT_EQ(pipe.getLastError().getCode(), QRN_EXEC_PIPE_CMD_FAILED);
     EXPECT_EQ(pipe.getLastError().getStatus(), QRN_EXEC_PIPE_FORCED_EXIT_STATUS);
