@@ -1,0 +1,304 @@
+// Result lists as the host receives them: built through libqorinutil, handed over when the
+// factory's scope ends, in the order of add.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "cfienclosurenodelistfactory.h"
+#include "cfifimlistfactory.h"
+#include "cfihostnodelistfactory.h"
+#include "cfinodelistfactory.h"
+#include "cfiproviderinfolistfactory.h"
+
+using namespace qorin_pdk_4_4;
+
+namespace {
+
+// What a host does with a list it got: every text and record is malloc'ed.
+void freeTexts(wchar_t **texts)
+{
+    for (size_t i = 0; texts != nullptr && texts[i] != nullptr; ++i) {
+        free(texts[i]);
+    }
+    free(texts);
+}
+
+void freeList(qrn_provider_list *list)
+{
+    while (list != nullptr) {
+        qrn_provider_list *next = list->next;
+        free(list->provider);
+        freeTexts(list->claimPatterns);
+        free(list);
+        list = next;
+    }
+}
+
+void freeList(qrn_fim_list *list)
+{
+    while (list != nullptr) {
+        qrn_fim_list *next = list->next;
+        free(list->name);
+        free(list->description);
+        free(list->version);
+        free(list->extra);
+        free(list->provider);
+        free(list);
+        list = next;
+    }
+}
+
+void freeList(qrn_node_list *list)
+{
+    while (list != nullptr) {
+        qrn_node_list *next = list->next;
+        free(list->displayName);
+        free(list->id);
+        free(list->provider);
+        free(list);
+        list = next;
+    }
+}
+
+void freeList(qrn_host_node_list *list)
+{
+    while (list != nullptr) {
+        qrn_host_node_list *next = list->next;
+        free(list->hostName);
+        freeTexts(list->ports);
+        free(list->enclosureId);
+        free(list);
+        list = next;
+    }
+}
+
+void freeList(qrn_enclosure_node_list *list)
+{
+    while (list != nullptr) {
+        qrn_enclosure_node_list *next = list->next;
+        free(list->name);
+        free(list->provider);
+        free(list->enclosureId);
+        free(list->vendor);
+        free(list->product);
+        free(list);
+        list = next;
+    }
+}
+
+template <class Record>
+std::vector<Record *> elements(Record *list)
+{
+    std::vector<Record *> out;
+    for (; list != nullptr; list = list->next) {
+        out.push_back(list);
+    }
+    return out;
+}
+
+}  // namespace
+
+TEST(ListFactory, NothingAddedLeavesAnEmptyListAndTheCountAlone)
+{
+    auto *out = reinterpret_cast<qrn_node_list *>(0x1);
+    int32_t count = 5;
+    { CFiNodeListFactory factory(&out, &count); }
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(count, 5);
+}
+
+TEST(ListFactory, TheListArrivesWhenTheScopeEndsInOrderOfAdd)
+{
+    qrn_node_list *out = nullptr;
+    int32_t count = 0;
+    {
+        CFiNodeListFactory factory(&out, &count);
+        for (const char *name : {"first", "second", "third"}) {
+            CFiNode node(L"tamlin", name, "UDID##HP##HSV##X", 1, 2, 3, 4);
+            factory.add(node);
+        }
+        EXPECT_EQ(out, nullptr) << "nothing is handed over before the scope ends";
+        EXPECT_EQ(count, 3) << "the count grows at each add";
+    }
+    auto nodes = elements(out);
+    ASSERT_EQ(nodes.size(), 3u);
+    EXPECT_STREQ(nodes[0]->displayName, L"first");
+    EXPECT_STREQ(nodes[1]->displayName, L"second");
+    EXPECT_STREQ(nodes[2]->displayName, L"third");
+    freeList(out);
+}
+
+TEST(ListFactory, WithoutACountStillAppends)
+{
+    qrn_host_node_list *out = nullptr;
+    {
+        CFiHostNodeListFactory factory(&out, nullptr);
+        CFiHostNode a(L"a", L"E1");
+        CFiHostNode b(L"b", L"E1");
+        factory.add(a);
+        factory.add(b);
+    }
+    EXPECT_EQ(elements(out).size(), 2u);
+    freeList(out);
+}
+
+TEST(ListFactory, TwoFactoriesOnOneOutPointerTheLaterDestructorWins)
+{
+    qrn_enclosure_node_list *out = nullptr;
+    qrn_enclosure_node_list *lost = nullptr;
+    {
+        CFiEnclosureNodeListFactory outer(&out, nullptr);
+        CFiEnclosureNode one(L"one", L"tamlin", L"id1", L"HP", L"HSV", 1, 2, 3);
+        outer.add(one);
+        {
+            CFiEnclosureNodeListFactory inner(&out, nullptr);
+            CFiEnclosureNode two(L"two", L"tamlin", L"id2", L"HP", L"HSV", 1, 2, 3);
+            inner.add(two);
+        }
+        lost = out;
+    }
+    ASSERT_NE(out, nullptr);
+    EXPECT_STREQ(out->name, L"one");
+    EXPECT_EQ(out->next, nullptr);
+    freeList(out);
+    freeList(lost);
+}
+
+TEST(ListFactory, NoOutPointerBuildsNothing)
+{
+    int32_t count = 0;
+    {
+        CFiNodeListFactory factory(nullptr, &count);
+        CFiNode node(L"tamlin", "d", "u", 0, 0, 0, 0);
+        factory.add(node);
+    }
+    EXPECT_EQ(count, 0) << "records nobody receives would only leak";
+}
+
+TEST(ListItems, ProviderInfoCarriesVersionWordsAndPatterns)
+{
+    qrn_provider_list *out = nullptr;
+    {
+        CFiProviderInfoListFactory factory(L"tamlin", &out);
+        CFiProviderInfo info(1, 2);
+        info.addClaimPattern("UDID##HP##HSV##");
+        info.addClaimPattern("SECOND");
+        factory.add(info);
+    }
+    ASSERT_NE(out, nullptr);
+    EXPECT_STREQ(out->provider, L"tamlin");
+    EXPECT_EQ(out->word1, 1u);
+    EXPECT_EQ(out->word2, 2u);
+    EXPECT_EQ(out->version[0], 7);
+    EXPECT_EQ(out->version[1] | out->version[2] | out->version[3], 0);
+    ASSERT_NE(out->claimPatterns, nullptr);
+    EXPECT_STREQ(out->claimPatterns[0], L"UDID##HP##HSV##");
+    EXPECT_STREQ(out->claimPatterns[1], L"SECOND");
+    EXPECT_EQ(out->claimPatterns[2], nullptr);
+    freeList(out);
+}
+
+TEST(ListItems, FimWordsAndTextsSurviveACopyOfTheItem)
+{
+    qrn_fim_list *out = nullptr;
+    {
+        CFiFimListFactory factory(L"tamlin", &out);
+        std::vector<CFiFim> fims;
+        {
+            CFiFim original(L"HPEVA_Snapclone", 1, 0, 1, 1, 0, 5, L"HPEVA_Snapclone", L"4.1");
+            fims.push_back(original);
+        }
+        fims.emplace_back(nullptr, 9, 9, 9, 9, 9, 9, nullptr, nullptr);
+        for (CFiFim &fim : fims) {
+            factory.add(fim);
+        }
+    }
+    auto list = elements(out);
+    ASSERT_EQ(list.size(), 2u);
+    EXPECT_STREQ(list[0]->name, L"HPEVA_Snapclone");
+    EXPECT_EQ(std::vector<uint32_t>(list[0]->words, list[0]->words + 6), (std::vector<uint32_t>{1, 0, 1, 1, 0, 5}));
+    EXPECT_STREQ(list[0]->description, L"HPEVA_Snapclone");
+    EXPECT_STREQ(list[0]->version, L"4.1");
+    EXPECT_STREQ(list[0]->extra, L"");
+    EXPECT_STREQ(list[0]->provider, L"tamlin");
+    EXPECT_STREQ(list[1]->name, L"") << "a null text is empty";
+    EXPECT_STREQ(list[1]->description, L"");
+    freeList(out);
+}
+
+TEST(ListItems, NodeGetsAnIdentifierOfItsUdidAndWidenedTexts)
+{
+    qrn_node_list *out = nullptr;
+    {
+        CFiNodeListFactory factory(&out, nullptr);
+        CFiNode node(L"tamlin", "\\Virtual Disks\\d\xC3\xBC\\ACTIVE", "UDID##HP##HSV##5000##6000", 1ULL << 33, 7, 8,
+                     9);
+        factory.add(node);
+        CFiNode empty(nullptr, nullptr, nullptr, 0, 0, 0, 0);
+        factory.add(empty);
+    }
+    auto nodes = elements(out);
+    ASSERT_EQ(nodes.size(), 2u);
+    EXPECT_STREQ(nodes[0]->displayName, L"\\Virtual Disks\\d\u00FC\\ACTIVE");
+    ASSERT_NE(nodes[0]->id, nullptr);
+    EXPECT_STREQ(nodes[0]->id->text, L"UDID##HP##HSV##5000##6000");
+    EXPECT_EQ(nodes[0]->id->size, (wcslen(L"UDID##HP##HSV##5000##6000") + 1) * sizeof(wchar_t));
+    EXPECT_EQ(nodes[0]->id->flags, 3u);
+    EXPECT_EQ(nodes[0]->size, 1ULL << 33);
+    EXPECT_EQ(nodes[0]->word1, 7u);
+    EXPECT_EQ(nodes[0]->word2, 8u);
+    EXPECT_EQ(nodes[0]->word3, 9u);
+    EXPECT_STREQ(nodes[0]->provider, L"tamlin");
+    EXPECT_STREQ(nodes[1]->displayName, L"");
+    ASSERT_NE(nodes[1]->id, nullptr);
+    EXPECT_STREQ(nodes[1]->id->text, L"");
+    freeList(out);
+}
+
+TEST(ListItems, HostPortsLoseDashesAndColonsKeepTheirOrder)
+{
+    qrn_host_node_list *out = nullptr;
+    int32_t count = 0;
+    {
+        CFiHostNodeListFactory factory(&out, &count);
+        CFiHostNode host(L"host1", L"5000-1FE1");
+        wchar_t *const *ports = host.addPorts({"5000-1FE1:0015-8A30", "::-a-b:c"});
+        ASSERT_NE(ports, nullptr);
+        EXPECT_STREQ(ports[0], L"50001FE100158A30");
+        EXPECT_STREQ(ports[1], L"abc");
+        EXPECT_EQ(ports[2], nullptr);
+        host.addPorts({"1:2"});
+        EXPECT_EQ(host.getPortCount(), 3u);
+        factory.add(host);
+    }
+    ASSERT_NE(out, nullptr);
+    EXPECT_STREQ(out->hostName, L"host1");
+    EXPECT_EQ(out->portCount, 3u);
+    EXPECT_STREQ(out->ports[2], L"12");
+    EXPECT_EQ(out->ports[3], nullptr);
+    EXPECT_STREQ(out->enclosureId, L"5000-1FE1");
+    EXPECT_EQ(count, 1);
+    freeList(out);
+}
+
+TEST(ListItems, EnclosureFieldsInPlace)
+{
+    qrn_enclosure_node_list *out = nullptr;
+    {
+        CFiEnclosureNodeListFactory factory(&out, nullptr);
+        CFiEnclosureNode cell(L"cell", L"tamlin", L"5000", L"HP", L"HSV300", 1ULL << 40, 1ULL << 41, 0xFFFFFFFFu);
+        factory.add(cell);
+    }
+    ASSERT_NE(out, nullptr);
+    EXPECT_STREQ(out->name, L"cell");
+    EXPECT_STREQ(out->provider, L"tamlin");
+    EXPECT_STREQ(out->enclosureId, L"5000");
+    EXPECT_STREQ(out->vendor, L"HP");
+    EXPECT_STREQ(out->product, L"HSV300");
+    EXPECT_EQ(out->available, 1ULL << 40);
+    EXPECT_EQ(out->total, 1ULL << 41);
+    EXPECT_EQ(out->lastWord, 0xFFFFFFFFu);
+    freeList(out);
+}
