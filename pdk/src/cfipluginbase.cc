@@ -1,9 +1,8 @@
 #include "cfipluginbase.h"
 
-#include <cstdio>
-#include <cwctype>
-
+#include "cfierror.h"
 #include "cfiprivatedatamanager.h"
+#include "cfistringtool.h"
 #include "cfisessionmanager.h"
 #include "cfimutexwrapper.h"
 #include "cfitracelogfunction.h"
@@ -148,14 +147,8 @@ int CFiPluginBase::subobjList(qrn_domain *, qorin_objid ***, int *)
 int CFiPluginBase::errMsg(int code, const wchar_t **text)
 {
     PLUGIN_BASE_TRACE("errMsg");
-    int32_t number = code > m_messageIndexOffset ? code - m_messageIndexOffset : code;
-    std::string provider;
-    for (wchar_t c : m_providerName) {
-        provider.push_back(static_cast<char>(towupper(c)));
-    }
-    char suffix[32];
-    snprintf(suffix, sizeof suffix, "%04d", number);
-    std::string key = "MSG_ERROR_" + provider + "_" + suffix;
+    CFiError error(code, std::wstring(), L"pdk/src/cfipluginbase", __LINE__, L"errMsg");
+    std::string key = error.getMessageKey(CFiStringTool::wstr2str(m_providerName), m_messageIndexOffset);
     if (!m_catalogManager.isNull()) {
         m_catalogManager->getLocalizedMessage(key.c_str(), "native", const_cast<wchar_t **>(text));
     }

@@ -15,6 +15,7 @@
 
 #include "cfierrormanager.h"
 #include "cfistringtool.h"
+#include "vstring.h"
 
 namespace qorin_pdk_4_4 {
 
@@ -186,7 +187,7 @@ void CFiTraceLog::vtrace(int level, const char *format, va_list args)
     for (;;) {
         va_list copy;
         va_copy(copy, args);
-        int n = vsnprintf(text, size, format, copy);
+        int n = V_vsnprintf(text, size, format, copy);
         va_end(copy);
         if (n < 0) {
             free(text);

@@ -1,0 +1,214 @@
+// The catch ladder around every provider operation: which exception gives which message,
+// result and trace line, and what passes through. Also the plug-in's error entries.
+#include <gtest/gtest.h>
+
+#include <stdlib.h>
+
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "cfierror.h"
+#include "cfierrormanager.h"
+#include "cfiicumessage.h"
+#include "cfistringtool.h"
+#include "cfitracelog.h"
+#include "efiexecpipe.h"
+#include "hpeva_guard.h"
+#include "hpeva_plugin.h"
+
+using namespace qorin_pdk_4_4;
+
+namespace {
+
+const char kSite[] = "providers/hpeva/test_site";
+
+struct Pushed {
+    std::string key;
+    qrn_eseverity severity;
+    std::string file;
+    int line;
+    std::vector<std::string> args;  // each as text, to compare at a glance
+};
+
+class Recorder : public CFiErrorHandlerBase {
+public:
+    int handleText(char *text, qrn_eseverity) override
+    {
+        lines.push_back(text);
+        return 0;
+    }
+    int handleMessage(CFiMessagePtr message) override
+    {
+        Pushed p{message->getMessageKey(), message->getSeverity(), message->getFile(), message->getLine(), {}};
+        CFiIcuMessage back(message->serialize());
+        int32_t count = 0;
+        UErrorCode status = U_ZERO_ERROR;
+        const icu::Formattable *args = back.getArguments().getArray(count, status);
+        for (int32_t i = 0; args != nullptr && i < count; ++i) {
+            p.args.push_back(args[i].getType() == icu::Formattable::kString
+                                 ? CFiStringTool::ustr2str(args[i].getString())
+                                 : std::to_string(args[i].getLong()));
+        }
+        messages.push_back(p);
+        return 0;
+    }
+    bool traced(const std::string &fragment) const
+    {
+        for (const std::string &line : lines) {
+            if (line.find(fragment) != std::string::npos) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    std::vector<std::string> lines;
+    std::vector<Pushed> messages;
+};
+
+class Ladder : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        char pattern[] = "/tmp/tamlin-ladder-XXXXXX";
+        ASSERT_NE(mkdtemp(pattern), nullptr);
+        m_dir = pattern;
+        errors = CFiErrorManagerPtr(new CFiErrorManager);
+        errors->registerHandler(&recorder);
+        log = CFiTraceLogPtr(new CFiTraceLog);
+        log->initialize(L"tamlin", CFiStringTool::str2tstr(m_dir), L"trace", 6, false);
+        ASSERT_TRUE(log->isInitialized());
+        log->registerErrorManager(errors);
+    }
+    void TearDown() override
+    {
+        log->registerErrorManager(CFiErrorManagerPtr());
+        std::string command = "rm -rf " + m_dir;
+        ASSERT_EQ(system(command.c_str()), 0);
+    }
+
+    template <class Body>
+    int run(Body &&body, bool initialisation = false)
+    {
+        return CHpEvaGuard(errors, log, "select", kSite, 77, initialisation).run(body);
+    }
+
+    CFiErrorManagerPtr errors;
+    CFiTraceLogPtr log;
+    Recorder recorder;
+    std::string m_dir;
+};
+
+const char kUnhandled[] = "select(): Unhandled execption encountered, exiting the function";
+
+}  // namespace
+
+TEST_F(Ladder, ABodyThatReturnsIsLeftAlone)
+{
+    EXPECT_EQ(run([] { return 4; }), 4);
+    EXPECT_EQ(run([] {}), 0) << "a body without a result counts as success";
+    EXPECT_TRUE(recorder.messages.empty());
+    EXPECT_FALSE(recorder.traced("Unhandled"));
+}
+
+TEST_F(Ladder, EachRowPushesItsKeyAndArgumentsAndGivesSix)
+{
+    struct Row {
+        std::function<void()> raise;
+        std::string key;
+        std::vector<std::string> args;
+    };
+    const std::vector<Row> rows = {
+        {[] { throw EFiExecPipe("sssu FILE /tmp/omx_fi1", QRN_EXEC_PIPE_READ_TIMEOUT); },
+         "MSG_ERROR_UNHANDLED_EXEC_PIPE_EXCEPTION",
+         {"QRN_EXEC_PIPE_READ_TIMEOUT", "sssu FILE /tmp/omx_fi1", kSite, "77"}},
+        {[] { throw CFiError(5, L"no \u00FC path", L"pdk/src/x", 3, L"openIt"); },
+         "MSG_ERROR_UNHANDLED_FIERROR_EXCEPTION",
+         {"no \xC3\xBC path", "openIt", kSite, "77"}},
+        {[] { throw std::runtime_error("boom"); },
+         "MSG_ERROR_UNHANDLED_RUNTIME_EXCEPTION",
+         {"std::runtime_error", "boom", kSite, "77"}},
+        {[] { throw std::range_error("derived"); },
+         "MSG_ERROR_UNHANDLED_RUNTIME_EXCEPTION",
+         {"std::runtime_error", "derived", kSite, "77"}},
+        {[] { throw -17; }, "MSG_ERROR_UNHANDLED_INT_EXCEPTION", {"-17", kSite, "77"}},
+    };
+    for (const Row &row : rows) {
+        recorder.messages.clear();
+        recorder.lines.clear();
+        EXPECT_EQ(run([&] {
+                      row.raise();
+                      return 0;
+                  }),
+                  6)
+            << row.key;
+        ASSERT_EQ(recorder.messages.size(), 1u) << row.key;
+        const Pushed &p = recorder.messages[0];
+        EXPECT_EQ(p.key, row.key);
+        EXPECT_EQ(p.severity, 3);
+        EXPECT_EQ(p.args, row.args) << row.key;
+        EXPECT_EQ(p.file, kSite);
+        EXPECT_EQ(p.line, 77);
+        EXPECT_TRUE(recorder.traced(kUnhandled)) << row.key;
+    }
+}
+
+TEST_F(Ladder, InitialisationEndsInItsOwnMessageAndThirty)
+{
+    EXPECT_EQ(run([]() -> int { throw CFiError(1, L"t", L"f", 1, L"init"); }, true), 30);
+    ASSERT_EQ(recorder.messages.size(), 2u);
+    EXPECT_EQ(recorder.messages[0].key, "MSG_ERROR_UNHANDLED_FIERROR_EXCEPTION");
+    EXPECT_EQ(recorder.messages[1].key, "MSG_ERROR_INITIALIZATION_FAILED");
+    EXPECT_EQ(recorder.messages[1].severity, 2);
+    EXPECT_TRUE(recorder.messages[1].args.empty());
+    EXPECT_FALSE(recorder.traced("Unhandled"));
+    // The slot keeps the last one, and its key reaches the host.
+    EXPECT_EQ(CFiIcuMessage(errors->getLastError()).getMessageKey(), "MSG_ERROR_INITIALIZATION_FAILED");
+}
+
+TEST_F(Ladder, OtherExceptionsPassThroughUntouched)
+{
+    EXPECT_THROW(run([]() -> int { throw std::logic_error("not on the ladder"); }), std::logic_error);
+    EXPECT_THROW(run([]() -> int { throw "text"; }), const char *);
+    EXPECT_THROW(run([]() -> int { throw 1L; }), long) << "only int is on the ladder";
+    EXPECT_TRUE(recorder.messages.empty());
+    EXPECT_FALSE(recorder.traced("Unhandled"));
+}
+
+TEST(LadderWithoutServices, StillGivesItsResult)
+{
+    CHpEvaGuard guard(CFiErrorManagerPtr(), CFiTraceLogPtr(), "enumerateFims", kSite, 1);
+    EXPECT_EQ(guard.run([]() -> int { throw 3; }), 6);
+    CHpEvaGuard init(CFiErrorManagerPtr(), CFiTraceLogPtr(), "init", kSite, 1, true);
+    EXPECT_EQ(init.run([]() -> int { throw std::runtime_error("x"); }), 30);
+}
+
+TEST(PluginErrors, APushedMessageIsReadOnItsThreadOnlyUntilDeleted)
+{
+    CFiSmartPtr<CHpEvaPlugin> plugin(new CHpEvaPlugin);
+    CFiErrorManagerPtr errors(new CFiErrorManager);
+    plugin->registerErrorManager(errors);
+
+    icu::Formattable path(icu::UnicodeString("/opt/HP/SSSU/sssu"));
+    CHpEvaGuard::pushError(errors, "MSG_ERROR_CLI_NOT_FOUND", {path, icu::Formattable(static_cast<int32_t>(2))}, 2,
+                           kSite, 5);
+    qrn_msg_info *info = nullptr;
+    EXPECT_EQ(plugin->getLastError(&info), 0);
+    ASSERT_NE(info, nullptr);
+    EXPECT_EQ(std::string(info->text, info->length),
+              "<SERIALIZED_MESSAGE MSGID=MSG_ERROR_CLI_NOT_FOUND SEVERITY=2>\n"
+              "\t<ARGVALUE INDEX=0 TYPE=3>/opt/HP/SSSU/sssu</ARGVALUE>\n"
+              "\t<ARGVALUE INDEX=1 TYPE=2>2</ARGVALUE>\n"
+              "</SERIALIZED_MESSAGE>\n");
+
+    qrn_msg_info *elsewhere = reinterpret_cast<qrn_msg_info *>(0x1);
+    std::thread([&] { plugin->getLastError(&elsewhere); }).join();
+    EXPECT_EQ(elsewhere, nullptr);
+
+    EXPECT_EQ(plugin->delLastError(&info), 0);
+    qrn_msg_info *after = reinterpret_cast<qrn_msg_info *>(0x1);
+    plugin->getLastError(&after);
+    EXPECT_EQ(after, nullptr);
+}
