@@ -12,6 +12,7 @@
 #include "host_context.h"
 #include "provider_fixture.h"
 #include "qorinutil.h"
+#include "result_lists.h"
 
 namespace {
 
@@ -79,6 +80,7 @@ TEST_F(Entries, ProviderInfoStartsFromAnEmptyList)
     lib()->get_provider_info(&list);
     // Whatever the operation answers, the host never sees its own stale pointer back.
     EXPECT_NE(list, reinterpret_cast<qrn_provider_list *>(0x1));
+    result_lists::freeList(list);
 }
 
 TEST_F(Entries, GetStatusWritesEightForEachElement)
@@ -148,6 +150,7 @@ TEST_F(Entries, ManyHostThreadsAtOnce)
                 }
                 qrn_fim_list *fims = nullptr;
                 lib()->enumerate_fims(&fims);
+                result_lists::freeList(fims);
             }
         });
     }

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "provider_fixture.h"
+#include "result_lists.h"
 
 namespace {
 
@@ -58,6 +59,8 @@ extern "C" pid_t vfork(void)
 
 namespace {
 
+using result_lists::freeList;
+
 size_t threadCount()
 {
     size_t n = 0;
@@ -68,39 +71,6 @@ size_t threadCount()
         closedir(dir);
     }
     return n;
-}
-
-void freeTexts(wchar_t **texts)
-{
-    for (size_t i = 0; texts != nullptr && texts[i] != nullptr; ++i) {
-        free(texts[i]);
-    }
-    free(texts);
-}
-
-void freeList(qrn_provider_list *list)
-{
-    while (list != nullptr) {
-        qrn_provider_list *next = list->next;
-        free(list->provider);
-        freeTexts(list->claimPatterns);
-        free(list);
-        list = next;
-    }
-}
-
-void freeList(qrn_fim_list *list)
-{
-    while (list != nullptr) {
-        qrn_fim_list *next = list->next;
-        free(list->name);
-        free(list->description);
-        free(list->version);
-        free(list->extra);
-        free(list->provider);
-        free(list);
-        list = next;
-    }
 }
 
 class Identity : public ::testing::Test {

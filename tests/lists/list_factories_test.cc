@@ -2,7 +2,6 @@
 // factory's scope ends, in the order of add.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -11,94 +10,12 @@
 #include "cfihostnodelistfactory.h"
 #include "cfinodelistfactory.h"
 #include "cfiproviderinfolistfactory.h"
+#include "result_lists.h"
 
 using namespace qorin_pdk_4_4;
 
-namespace {
-
-// What a host does with a list it got: every text and record is malloc'ed.
-void freeTexts(wchar_t **texts)
-{
-    for (size_t i = 0; texts != nullptr && texts[i] != nullptr; ++i) {
-        free(texts[i]);
-    }
-    free(texts);
-}
-
-void freeList(qrn_provider_list *list)
-{
-    while (list != nullptr) {
-        qrn_provider_list *next = list->next;
-        free(list->provider);
-        freeTexts(list->claimPatterns);
-        free(list);
-        list = next;
-    }
-}
-
-void freeList(qrn_fim_list *list)
-{
-    while (list != nullptr) {
-        qrn_fim_list *next = list->next;
-        free(list->name);
-        free(list->description);
-        free(list->version);
-        free(list->extra);
-        free(list->provider);
-        free(list);
-        list = next;
-    }
-}
-
-void freeList(qrn_node_list *list)
-{
-    while (list != nullptr) {
-        qrn_node_list *next = list->next;
-        free(list->displayName);
-        free(list->id);
-        free(list->provider);
-        free(list);
-        list = next;
-    }
-}
-
-void freeList(qrn_host_node_list *list)
-{
-    while (list != nullptr) {
-        qrn_host_node_list *next = list->next;
-        free(list->hostName);
-        freeTexts(list->ports);
-        free(list->enclosureId);
-        free(list);
-        list = next;
-    }
-}
-
-void freeList(qrn_enclosure_node_list *list)
-{
-    while (list != nullptr) {
-        qrn_enclosure_node_list *next = list->next;
-        free(list->name);
-        free(list->provider);
-        free(list->enclosureId);
-        free(list->vendor);
-        free(list->product);
-        free(list);
-        list = next;
-    }
-}
-
-template <class Record>
-std::vector<Record *> elements(Record *list)
-{
-    std::vector<Record *> out;
-    for (; list != nullptr; list = list->next) {
-        out.push_back(list);
-    }
-    return out;
-}
-
-}  // namespace
+using result_lists::elements;
+using result_lists::freeList;
 
 TEST(ListFactory, NothingAddedLeavesAnEmptyListAndTheCountAlone)
 {
