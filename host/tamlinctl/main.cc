@@ -7,91 +7,33 @@
 #include <string>
 #include <vector>
 
-#include "host_context.h"
+#include <unistd.h>
+
+#include "cli_options.h"
+#include "commands.h"
 #include "provider_library.h"
+#include "provider_session.h"
 
 namespace {
 
-const int kExitOk = 0;
-const int kExitFailed = 1;
-const int kExitUsage = 2;
-const int kExitLoad = 3;
-
-struct Options {
-    std::string provider;
-    std::string language;
-    std::vector<std::string> args;
-};
-
 struct Command {
-    const char *summary;
-    const char *help;
-    std::function<int(Options &)> run;
+    std::string summary;
+    std::string help;
+    std::function<int(CliOptions &)> run;
 };
 
-void printMainHelp(const std::map<std::string, Command> &commands)
-{
-    printf("Usage: tamlinctl [--provider PATH] [--lang LANG] <command> [arguments]\n"
-           "\n"
-           "A command-line host for the Tamlin snapshot provider: it loads the provider\n"
-           "library as a backup framework does and calls its entries.\n"
-           "\n"
-           "Commands:\n");
-    for (const auto &kv : commands) {
-        printf("  %-12s %s\n", kv.first.c_str(), kv.second.summary);
-    }
-    printf("\n"
-           "Options:\n"
-           "  --provider PATH  provider library to load (default: %s)\n"
-           "  --lang LANG      host language for the provider's messages, such as \"de\"\n"
-           "  -h, --help       this text; `tamlinctl <command> --help` describes a command\n"
-           "\n"
-           "Exit status: 0 success, 1 an entry of the provider failed, 2 bad usage,\n"
-           "3 the provider could not be loaded.\n",
-           ProviderLibrary::defaultPath().c_str());
-}
-
-// Loads the provider; on failure says why and which entries are missing.
-bool load(ProviderLibrary &library, const Options &options)
-{
-    if (library.open(options.provider)) {
-        return true;
-    }
-    fprintf(stderr, "tamlinctl: %s\n", library.error().c_str());
-    for (const std::string &name : library.missing()) {
-        fprintf(stderr, "tamlinctl: missing entry %s\n", name.c_str());
-    }
-    return false;
-}
-
-int runCheck(Options &options)
-{
-    if (!options.args.empty()) {
-        fprintf(stderr, "tamlinctl check: unexpected argument '%s'\n", options.args.front().c_str());
-        return kExitUsage;
-    }
-    ProviderLibrary library;
-    if (!load(library, options)) {
-        return kExitLoad;
-    }
-    printf("provider   %s\n", options.provider.c_str());
-    printf("entries    %zu of %zu resolved\n", ProviderLibrary::entryCount(), ProviderLibrary::entryCount());
-
-    HostContext host(options.language, HostContext::printToStderr());
-    uint16_t version[4] = {0, 0, 0, 0};
-    int32_t result = library->init(host.get(), version);
-    printf("interface  %u.%u.%u.%u\n", version[0], version[1], version[2], version[3]);
-    printf("init       %s (%d)\n", result == 0 ? "ok" : "failed", result);
-    library->fini();
-    printf("fini       done\n");
-    return result == 0 ? kExitOk : kExitFailed;
-}
+const char kFilterHelp[] =
+    "  --filter KEY=VALUE     a filter item of the provider (repeatable); keys:\n"
+    "                         provider_name, vendor_id, product_id, enclosure_id,\n"
+    "                         enclosure_name (all compared without regard to case)\n"
+    "  --enclosure-id WWN     short for --filter enclosure_id=WWN\n"
+    "  --enclosure-name NAME  short for --filter enclosure_name=NAME\n";
 
 std::map<std::string, Command> commands()
 {
     std::map<std::string, Command> all;
     all["check"] = {"load the provider, resolve its entries, initialise and finish it",
-                    "Usage: tamlinctl [--provider PATH] [--lang LANG] check\n"
+                    "Usage: tamlinctl [global options] check\n"
                     "\n"
                     "Loads the provider library with dlopen and resolves all of its entries by\n"
                     "name, naming any that is missing. Then calls init with a host context whose\n"
@@ -101,7 +43,81 @@ std::map<std::string, Command> commands()
                     "Exit status: 0 when init succeeded, 1 when it failed, 3 when the library\n"
                     "could not be loaded or lacks entries.\n",
                     runCheck};
+    all["info"] = {"show the provider, its interface version and its snapshot methods",
+                   "Usage: tamlinctl [global options] info\n"
+                   "\n"
+                   "Shows what the provider announces about itself: its name, interface version,\n"
+                   "the disk identities it claims, and its snapshot methods with their attribute\n"
+                   "words. Needs no array: it works even when initialisation fails, which it\n"
+                   "reports.\n",
+                   runInfo};
+    all["enclosures"] = {"list the storage arrays the provider reaches",
+                         std::string("Usage: tamlinctl [global options] enclosures [filter options]\n"
+                                     "\n"
+                                     "Lists the storage cells that the configured Command View servers reach,\n"
+                                     "with their world wide names and space.\n"
+                                     "\n"
+                                     "Filter options:\n") +
+                                 kFilterHelp,
+                         runEnclosures};
+    all["hosts"] = {"list the hosts the arrays know, with their ports",
+                    std::string("Usage: tamlinctl [global options] hosts [filter options]\n"
+                                "\n"
+                                "Lists the hosts known to each storage cell, one line per host and cell,\n"
+                                "with the host's port world wide names.\n"
+                                "\n"
+                                "Filter options:\n") +
+                        kFilterHelp,
+                    runHosts};
+    all["disks"] = {"list the virtual disks and their identities (UDIDs)",
+                    std::string("Usage: tamlinctl [global options] disks [filter options] [selection]\n"
+                                "\n"
+                                "Lists the virtual disks of the reachable cells, with the identity (UDID)\n"
+                                "a backup framework uses for each.\n"
+                                "\n"
+                                "Filter options:\n") +
+                        kFilterHelp +
+                        "  --udid UDID            only the disk of this identity\n"
+                        "  --prefix TEXT          only disks whose array path contains TEXT\n"
+                        "\n"
+                        "Selection:\n"
+                        "  --no-snapshots         leave out snapshots\n"
+                        "  --no-active            leave out active disks\n"
+                        "  --flags N              the provider's raw flag word (16 serve, 64 no snapshots,\n"
+                        "                         128 no active disks)\n",
+                    runDisks};
+    all["errmsg"] = {"show the text of result codes",
+                     "Usage: tamlinctl [global options] errmsg CODE...\n"
+                     "\n"
+                     "Shows the provider's text for each result code, in the host language given\n"
+                     "with --lang.\n",
+                     runErrmsg};
     return all;
+}
+
+void printMainHelp(const std::map<std::string, Command> &all)
+{
+    printf("Usage: tamlinctl [global options] <command> [arguments]\n"
+           "\n"
+           "A command-line host for the Tamlin snapshot provider: it loads the provider\n"
+           "library as a backup framework does and calls its entries.\n"
+           "\n"
+           "Commands:\n");
+    for (const auto &kv : all) {
+        printf("  %-12s %s\n", kv.first.c_str(), kv.second.summary.c_str());
+    }
+    printf("\n"
+           "Global options:\n"
+           "  --provider PATH  provider library to load (default: %s)\n"
+           "  --lang LANG      host language for the provider's messages, such as \"de\"\n"
+           "  --json           machine-readable output on standard output\n"
+           "  -v, --verbose    also show the provider's trace lines (-vv, -vvv for more)\n"
+           "  -h, --help       this text; `tamlinctl <command> --help` describes a command\n"
+           "\n"
+           "The provider's messages appear on standard error as it pushes them.\n"
+           "Exit status: 0 success, 1 an entry of the provider failed, 2 bad usage,\n"
+           "3 the provider could not be loaded.\n",
+           ProviderLibrary::defaultPath().c_str());
 }
 
 bool wantsHelp(const std::vector<std::string> &args)
@@ -119,7 +135,7 @@ bool wantsHelp(const std::vector<std::string> &args)
 int main(int argc, char **argv)
 {
     std::map<std::string, Command> all = commands();
-    Options options;
+    CliOptions options;
     options.provider = ProviderLibrary::defaultPath();
     std::string command;
     int i = 1;
@@ -127,43 +143,44 @@ int main(int argc, char **argv)
         std::string arg = argv[i];
         if (arg == "-h" || arg == "--help") {
             printMainHelp(all);
-            return kExitOk;
+            return ProviderSession::kExitOk;
         }
         if (arg == "--provider" || arg == "--lang") {
             if (i + 1 >= argc) {
                 fprintf(stderr, "tamlinctl: %s needs a value\n", arg.c_str());
-                return kExitUsage;
+                return ProviderSession::kExitUsage;
             }
             (arg == "--provider" ? options.provider : options.language) = argv[++i];
-            continue;
-        }
-        if (arg.rfind("--provider=", 0) == 0) {
+        } else if (arg.rfind("--provider=", 0) == 0) {
             options.provider = arg.substr(strlen("--provider="));
-            continue;
-        }
-        if (arg.rfind("--lang=", 0) == 0) {
+        } else if (arg.rfind("--lang=", 0) == 0) {
             options.language = arg.substr(strlen("--lang="));
-            continue;
-        }
-        if (!arg.empty() && arg[0] == '-') {
+        } else if (arg == "--json") {
+            options.json = true;
+        } else if (arg == "--verbose") {
+            ++options.verbosity;
+        } else if (arg.size() > 1 && arg[0] == '-' && arg.find_first_not_of('v', 1) == std::string::npos) {
+            options.verbosity += static_cast<int>(arg.size() - 1);
+        } else if (!arg.empty() && arg[0] == '-') {
             fprintf(stderr, "tamlinctl: unknown option '%s' (try --help)\n", arg.c_str());
-            return kExitUsage;
+            return ProviderSession::kExitUsage;
+        } else {
+            command = arg;
+            ++i;
+            break;
         }
-        command = arg;
-        ++i;
-        break;
     }
     for (; i < argc; ++i) {
         options.args.push_back(argv[i]);
     }
     if (command.empty()) {
         printMainHelp(all);
-        return kExitUsage;
+        return ProviderSession::kExitUsage;
     }
     if (command == "help") {
         if (options.args.empty()) {
             printMainHelp(all);
-            return kExitOk;
+            return ProviderSession::kExitOk;
         }
         command = options.args.front();
         options.args = {"--help"};
@@ -171,11 +188,23 @@ int main(int argc, char **argv)
     auto it = all.find(command);
     if (it == all.end()) {
         fprintf(stderr, "tamlinctl: unknown command '%s' (try --help)\n", command.c_str());
-        return kExitUsage;
+        return ProviderSession::kExitUsage;
     }
     if (wantsHelp(options.args)) {
-        fputs(it->second.help, stdout);
-        return kExitOk;
+        fputs(it->second.help.c_str(), stdout);
+        return ProviderSession::kExitOk;
     }
-    return it->second.run(options);
+    fflush(stdout);
+    int resultsFd = dup(STDOUT_FILENO);
+    FILE *results = resultsFd >= 0 ? fdopen(resultsFd, "w") : nullptr;
+    if (results != nullptr) {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        options.out = results;
+    }
+    int status = it->second.run(options);
+    fflush(stdout);
+    if (results != nullptr) {
+        fclose(results);
+    }
+    return status;
 }

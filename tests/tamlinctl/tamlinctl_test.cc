@@ -72,7 +72,59 @@ TEST(Tamlinctl, HelpEverywhere)
     EXPECT_NE(main.out.find("check"), std::string::npos);
     CtlRun command = tamlinctl("check --help");
     EXPECT_EQ(command.status, 0);
-    EXPECT_NE(command.out.find("Usage: tamlinctl [--provider PATH] [--lang LANG] check"), std::string::npos);
+    EXPECT_NE(command.out.find("Usage: tamlinctl [global options] check"), std::string::npos);
     CtlRun viaHelp = tamlinctl("help check");
     EXPECT_EQ(viaHelp.out, command.out);
+}
+
+TEST(Tamlinctl, InfoListsTheMethodsForPeopleAndForScripts)
+{
+    CtlRun table = tamlinctl("info");
+    EXPECT_EQ(table.status, 0) << table.out;
+    EXPECT_NE(table.out.find("Provider        tamlin"), std::string::npos) << table.out;
+    EXPECT_NE(table.out.find("HPEVA_DRGroup_Snapclone  0,0,1,1,0,0  4.1"), std::string::npos) << table.out;
+
+    // Results go to standard output alone, so a script can parse them whatever the
+    // provider prints on its own.
+    std::string command = std::string(getenv("TAMLINCTL")) + " --json info 2>/dev/null";
+    FILE *pipe = popen(command.c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    std::string json;
+    char buffer[4096];
+    size_t n;
+    while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
+        json.append(buffer, n);
+    }
+    pclose(pipe);
+    ASSERT_FALSE(json.empty());
+    EXPECT_EQ(json.front(), '{') << json;
+    EXPECT_EQ(json.substr(json.size() - 2), "}\n") << json;
+    EXPECT_NE(json.find("\"claim_patterns\":[\"UDID##HP##HSV##\"]"), std::string::npos) << json;
+}
+
+TEST(Tamlinctl, CommandArgumentsAreCheckedBeforeTheProviderIsLoaded)
+{
+    // A bad provider path would give 3: a 2 shows the arguments were refused first.
+    const std::string bad = "--provider /nonexistent/libtamlin.so ";
+    EXPECT_EQ(tamlinctl(bad + "errmsg").status, 2);
+    EXPECT_EQ(tamlinctl(bad + "errmsg six").status, 2);
+    EXPECT_EQ(tamlinctl(bad + "disks --flags 0x1g").status, 2);
+    EXPECT_EQ(tamlinctl(bad + "disks --filter enclosure_name").status, 2);
+    EXPECT_EQ(tamlinctl(bad + "disks --filter a=b,c=d").status, 2);
+    EXPECT_EQ(tamlinctl(bad + "hosts --enclosure-id").status, 2);
+    EXPECT_EQ(tamlinctl(bad + "enclosures --udid X").status, 2) << "udid is a disk filter only";
+    EXPECT_EQ(tamlinctl(bad + "disks --enclosure-name EVA1 --no-snapshots").status, 3);
+}
+
+TEST(Tamlinctl, ErrmsgGivesTheSameTextForACodeAndItsOffsetForm)
+{
+    CtlRun run = tamlinctl("errmsg 6006 6");
+    EXPECT_EQ(run.status, 0) << run.out;
+    size_t first = run.out.find("6006: ");
+    size_t second = run.out.find("\n6: ");
+    ASSERT_NE(first, std::string::npos) << run.out;
+    ASSERT_NE(second, std::string::npos) << run.out;
+    std::string a = run.out.substr(first + 6, run.out.find('\n', first) - first - 6);
+    std::string b = run.out.substr(second + 4, run.out.find('\n', second + 1) - second - 4);
+    EXPECT_EQ(a, b);
 }

@@ -1,0 +1,243 @@
+// enclosures, hosts and disks: what the arrays behind the provider hold.
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "commands.h"
+#include "json_writer.h"
+#include "provider_session.h"
+#include "result_lists.h"
+#include "table_printer.h"
+#include "text.h"
+
+namespace {
+
+const int32_t kServeFlag = 16;
+const int32_t kLeaveOutSnapshots = 64;
+const int32_t kLeaveOutActive = 128;
+
+std::string text(const wchar_t *value)
+{
+    return value != nullptr ? toUtf8(value) : std::string();
+}
+
+// Sizes for people: binary units with one decimal.
+std::string humanSize(uint64_t bytes)
+{
+    static const char *const units[] = {"B", "KiB", "MiB", "GiB", "TiB", "PiB"};
+    double value = static_cast<double>(bytes);
+    size_t unit = 0;
+    while (value >= 1024.0 && unit + 1 < sizeof units / sizeof units[0]) {
+        value /= 1024.0;
+        ++unit;
+    }
+    char buffer[32];
+    snprintf(buffer, sizeof buffer, unit == 0 ? "%.0f %s" : "%.1f %s", value, units[unit]);
+    return buffer;
+}
+
+// The provider's filter text from --filter KEY=VALUE items and the named shortcuts.
+bool buildFilter(CommandArgs &args, const char *command, const std::vector<std::pair<std::string, std::string>> &named,
+                 std::wstring &filter)
+{
+    std::vector<std::string> items = args.values("--filter");
+    for (const auto &option : named) {
+        for (const std::string &v : args.values(option.first)) {
+            items.push_back(option.second + "=" + v);
+        }
+    }
+    std::string joined;
+    for (const std::string &item : items) {
+        if (item.find('=') == std::string::npos || item[0] == '=') {
+            fprintf(stderr, "tamlinctl %s: a filter is KEY=VALUE, not '%s'\n", command, item.c_str());
+            return false;
+        }
+        if (item.find(',') != std::string::npos || item.find('\n') != std::string::npos) {
+            fprintf(stderr, "tamlinctl %s: a filter value cannot hold a comma or a line break: '%s'\n", command,
+                    item.c_str());
+            return false;
+        }
+        joined += (joined.empty() ? "" : ",") + item;
+    }
+    filter = fromUtf8(joined);
+    return true;
+}
+
+const std::vector<std::pair<std::string, std::string>> kEnclosureKeys = {
+    {"--enclosure-id", "enclosure_id"}, {"--enclosure-name", "enclosure_name"}};
+
+// Runs a list entry after a successful init; the filter is null when empty.
+template <class Record, class Entry>
+int listEntry(ProviderSession &session, const char *name, Entry entry, std::wstring &filter, Record *&list,
+              int32_t &count)
+{
+    if (session.initResult() != 0) {
+        return ProviderSession::kExitFailed;
+    }
+    session.beginCall();
+    int32_t result = entry(&list, &count, filter.empty() ? nullptr : &filter[0]);
+    if (result != 0) {
+        // What arrived before the failure is still the host's to release.
+        result_lists::freeList(list);
+        list = nullptr;
+        return session.failure(name, result);
+    }
+    return ProviderSession::kExitOk;
+}
+
+}  // namespace
+
+int runEnclosures(CliOptions &options)
+{
+    CommandArgs args("enclosures", options.args);
+    std::wstring filter;
+    if (!buildFilter(args, "enclosures", kEnclosureKeys, filter) || !args.finish()) {
+        return ProviderSession::kExitUsage;
+    }
+    ProviderSession session(options);
+    int status = session.start();
+    if (status != 0) {
+        return status;
+    }
+    qrn_enclosure_node_list *list = nullptr;
+    int32_t count = 0;
+    status = listEntry(session, "enumerate_enclosures", session.lib()->enumerate_enclosures, filter, list, count);
+    if (status != 0) {
+        return status;
+    }
+    if (options.json) {
+        JsonWriter json;
+        json.beginArray();
+        for (auto *e : result_lists::elements(list)) {
+            json.beginObject().key("name").value(text(e->name)).key("enclosure_id").value(text(e->enclosureId));
+            json.key("vendor").value(text(e->vendor)).key("product").value(text(e->product));
+            json.key("total_bytes").value(e->total).key("available_bytes").value(e->available).endObject();
+        }
+        fprintf(options.out, "%s\n", json.endArray().text().c_str());
+    } else {
+        TablePrinter table({"NAME", "ENCLOSURE ID", "VENDOR", "PRODUCT", "TOTAL", "AVAILABLE"});
+        table.alignRight(4);
+        table.alignRight(5);
+        for (auto *e : result_lists::elements(list)) {
+            table.addRow({text(e->name), text(e->enclosureId), text(e->vendor), text(e->product), humanSize(e->total),
+                          humanSize(e->available)});
+        }
+        table.print(options.out);
+        fprintf(options.out, "%zu enclosure%s\n", table.rows(), table.rows() == 1 ? "" : "s");
+    }
+    result_lists::freeList(list);
+    return ProviderSession::kExitOk;
+}
+
+int runHosts(CliOptions &options)
+{
+    CommandArgs args("hosts", options.args);
+    std::wstring filter;
+    if (!buildFilter(args, "hosts", kEnclosureKeys, filter) || !args.finish()) {
+        return ProviderSession::kExitUsage;
+    }
+    ProviderSession session(options);
+    int status = session.start();
+    if (status != 0) {
+        return status;
+    }
+    qrn_host_node_list *list = nullptr;
+    int32_t count = 0;
+    status = listEntry(session, "enumerate_host_nodes", session.lib()->enumerate_host_nodes, filter, list, count);
+    if (status != 0) {
+        return status;
+    }
+    if (options.json) {
+        JsonWriter json;
+        json.beginArray();
+        for (auto *h : result_lists::elements(list)) {
+            json.beginObject().key("host").value(text(h->hostName)).key("enclosure_id").value(text(h->enclosureId));
+            json.key("ports").beginArray();
+            for (uint32_t i = 0; h->ports != nullptr && h->ports[i] != nullptr; ++i) {
+                json.value(text(h->ports[i]));
+            }
+            json.endArray().endObject();
+        }
+        fprintf(options.out, "%s\n", json.endArray().text().c_str());
+    } else {
+        TablePrinter table({"HOST", "ENCLOSURE ID", "PORTS"});
+        for (auto *h : result_lists::elements(list)) {
+            std::string ports;
+            for (uint32_t i = 0; h->ports != nullptr && h->ports[i] != nullptr; ++i) {
+                ports += (i != 0 ? " " : "") + text(h->ports[i]);
+            }
+            table.addRow({text(h->hostName), text(h->enclosureId), ports.empty() ? "-" : ports});
+        }
+        table.print(options.out);
+        fprintf(options.out, "%zu host%s\n", table.rows(), table.rows() == 1 ? "" : "s");
+    }
+    result_lists::freeList(list);
+    return ProviderSession::kExitOk;
+}
+
+int runDisks(CliOptions &options)
+{
+    CommandArgs args("disks", options.args);
+    std::vector<std::pair<std::string, std::string>> keys = kEnclosureKeys;
+    keys.push_back({"--udid", "udid"});
+    keys.push_back({"--prefix", "node_prefix"});
+    std::wstring filter;
+    if (!buildFilter(args, "disks", keys, filter)) {
+        return ProviderSession::kExitUsage;
+    }
+    int32_t flags = 0;
+    if (args.flag("--no-snapshots")) {
+        flags |= kServeFlag | kLeaveOutSnapshots;
+    }
+    if (args.flag("--no-active")) {
+        flags |= kServeFlag | kLeaveOutActive;
+    }
+    std::string raw = args.value("--flags");
+    if (!raw.empty()) {
+        char *end = nullptr;
+        long value = strtol(raw.c_str(), &end, 0);
+        if (*end != '\0' || value < 0 || value > INT32_MAX) {
+            fprintf(stderr, "tamlinctl disks: --flags takes a number, not '%s'\n", raw.c_str());
+            return ProviderSession::kExitUsage;
+        }
+        flags |= static_cast<int32_t>(value);
+    }
+    if (!args.finish()) {
+        return ProviderSession::kExitUsage;
+    }
+    ProviderSession session(options);
+    int status = session.start();
+    if (status != 0) {
+        return status;
+    }
+    qrn_node_list *list = nullptr;
+    int32_t count = 0;
+    auto entry = [&](qrn_node_list **out, int32_t *n, wchar_t *f) {
+        return session.lib()->enumerate_nodes(out, n, flags, f);
+    };
+    status = listEntry(session, "enumerate_nodes", entry, filter, list, count);
+    if (status != 0) {
+        return status;
+    }
+    if (options.json) {
+        JsonWriter json;
+        json.beginArray();
+        for (auto *n : result_lists::elements(list)) {
+            json.beginObject().key("name").value(text(n->displayName));
+            json.key("udid").value(n->id != nullptr ? text(n->id->text) : std::string());
+            json.key("size_bytes").value(n->size).endObject();
+        }
+        fprintf(options.out, "%s\n", json.endArray().text().c_str());
+    } else {
+        TablePrinter table({"DISK", "SIZE", "UDID"});
+        table.alignRight(1);
+        for (auto *n : result_lists::elements(list)) {
+            table.addRow({text(n->displayName), humanSize(n->size), n->id != nullptr ? text(n->id->text) : ""});
+        }
+        table.print(options.out);
+        fprintf(options.out, "%zu disk%s\n", table.rows(), table.rows() == 1 ? "" : "s");
+    }
+    result_lists::freeList(list);
+    return ProviderSession::kExitOk;
+}

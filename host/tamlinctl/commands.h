@@ -1,0 +1,14 @@
+#ifndef COMMANDS_H
+#define COMMANDS_H
+
+#include "cli_options.h"
+
+// The commands of tamlinctl. Each returns the program's exit status.
+int runCheck(CliOptions &options);
+int runInfo(CliOptions &options);
+int runEnclosures(CliOptions &options);
+int runHosts(CliOptions &options);
+int runDisks(CliOptions &options);
+int runErrmsg(CliOptions &options);
+
+#endif
