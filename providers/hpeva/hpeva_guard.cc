@@ -6,6 +6,7 @@
 #include "cfiicumessage.h"
 #include "cfistringtool.h"
 #include "efiexecpipe.h"
+#include "hpeva_cliexception.h"
 
 using namespace qorin_pdk_4_4;
 
@@ -62,6 +63,8 @@ int CHpEvaGuard::ladder() const
     } catch (const EFiExecPipe &e) {
         pushError(m_errors, "MSG_ERROR_UNHANDLED_EXEC_PIPE_EXCEPTION",
                   {text(std::string(e.getCodeName())), text(e.getCommand()), file, line}, 3, m_file, m_line);
+    } catch (const CHpEvaCliException &e) {
+        return e.report();
     } catch (const CFiError &e) {
         pushError(m_errors, "MSG_ERROR_UNHANDLED_FIERROR_EXCEPTION",
                   {text(std::wstring(e.getText())), text(e.getFunction()), file, line}, 3, m_file, m_line);

@@ -1,0 +1,99 @@
+#include "hpeva_clitool.h"
+
+#include <ace/OS_NS_unistd.h>
+#include <ace/Time_Value.h>
+
+#include "cfiexecpipeposix.h"
+#include "cfisemaphoreguard.h"
+#include "cfisemaphoreposix.h"
+#include "cfistringtool.h"
+#include "cfitracelogfunction.h"
+#include "hpeva_clierrorprocessor.h"
+#include "hpeva_singletons.h"
+
+using namespace qorin_pdk_4_4;
+
+namespace {
+
+const char *const kConnectionFailed = "Error opening https connection";
+
+}  // namespace
+
+CHpEvaCliTool::CHpEvaCliTool() = default;
+
+CHpEvaCliTool::CHpEvaCliTool(const ACE_WString &directory, const ACE_WString &fileName)
+    : m_fileName(fileName), m_directory(directory)
+{
+}
+
+ACE_WString CHpEvaCliTool::getPath() const
+{
+    ACE_WString path(m_directory);
+    path += m_fileName;
+    return path;
+}
+
+void CHpEvaCliTool::execSSSU(const ACE_WString &arguments, std::vector<std::string> &lines, int timeout) const
+{
+    CFiTraceLogPtr log;
+    getTraceLogSingleton(log, false);
+    CFiTraceLogFunction function(log, "CHpEvaCliTool::execSSSU");
+
+    // Lives until the library unloads; the kernel drops the lock of a process that dies.
+    static CFiSemaphorePosix semaphore(SEMAPHORE_KEY);
+    log->trace(6, "execSSSU : Acquring lock .");
+    CFiSemaphoreGuard hold(&semaphore);
+    log->trace(6, "execSSSU : Got the lock .");
+
+    CFiExecPipePosix pipe(1);
+    pipe.setTraceLog(log);
+    lines.clear();
+
+    ACE_WString command(L"\"");
+    command += m_directory;
+    command += m_fileName;
+    command += L"\" ";
+    command += arguments;
+    const std::string narrow = CFiStringTool::tstr2str(command);
+
+    int attemptsLeft = MAX_RUNS;
+    int status = 0;
+    bool repeat;
+    do {
+        repeat = false;
+        log->trace(3, "Command going to execute is :[%S]", command.c_str());
+        status = pipe.Exec(narrow, lines, std::string(), static_cast<uint32_t>(timeout), std::string(),
+                           std::string(), std::string());
+        log->trace(3, "execSSSU : command returned [%d] lines .", static_cast<int>(lines.size()));
+        if (lines.empty()) {
+            break;
+        }
+        size_t start = 0;
+        if (CFiStringTool::find(lines, kConnectionFailed, start, false) != std::string::npos) {
+            log->trace(2, "Command [%S] returned https connection error, retrying!!! ", command.c_str());
+            repeat = true;
+            --attemptsLeft;
+            ACE_OS::sleep(ACE_Time_Value(1));
+        }
+    } while (repeat && attemptsLeft != 0);
+
+    CHpEvaCliErrorProcessor::cleanPassword(lines);
+    const bool tolerated = CHpEvaCliErrorProcessor::processBuffer(lines, command);
+    if (status != 0 && !tolerated) {
+        EFiExecPipe failure = pipe.getLastError();
+        if (status == QRN_EXEC_PIPE_CMD_FAILED) {
+            log->trace(1, "execSSSU: CLI Command [%s] failed with error [%ld].", narrow.c_str(),
+                       static_cast<long>(failure.getStatus()));
+        }
+        log->trace(1,
+                   "Execution pipe returned exit status error [%d] for command [%s] which was not caught by the "
+                   "HP EVA error processor.",
+                   status, narrow.c_str());
+        for (const std::string &line : lines) {
+            log->trace(1, "CLIDATA: [%s]", line.c_str());
+        }
+        log->trace(6, "execSSSU : Releasing the lock .");
+        throw failure;
+    }
+    log->trace(6, "execSSSU : Releasing the lock .");
+}
