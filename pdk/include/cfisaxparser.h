@@ -1,0 +1,45 @@
+#ifndef CFISAXPARSER_H
+#define CFISAXPARSER_H
+
+#include <string>
+#include <vector>
+
+#include <xercesc/sax2/DefaultHandler.hpp>
+#include <xercesc/sax2/SAX2XMLReader.hpp>
+
+#include "cfiexport.h"
+
+namespace qorin_pdk_4_4 {
+
+// Runs Xerces' SAX2 reader over a text in memory. Errors go to the handler (as content and
+// error handler) and never out of parse: the caller asks the handler afterwards. One object
+// parses one document, on the stack of one thread.
+class QORIN_PDK_API CFiSaxParser {
+public:
+    // handler isn't owned; a null schema parses without validation.
+    CFiSaxParser(xercesc::DefaultHandler *handler, const char *schema);
+    ~CFiSaxParser();
+
+    void init();
+    void setHandler(xercesc::DefaultHandler *handler);
+    void setInputSchema(const char *path);
+
+    void parse(const std::string &text);
+    // The lines joined with nothing between them.
+    void parse(const std::vector<std::string> &lines);
+
+    CFiSaxParser(const CFiSaxParser &) = delete;
+    CFiSaxParser &operator=(const CFiSaxParser &) = delete;
+
+private:
+    // Hands a failure that Xerces threw instead of reporting to the handler's error slot.
+    void reportToHandler(const XMLCh *message);
+
+    xercesc::DefaultHandler *m_handler;
+    xercesc::SAX2XMLReader *m_reader;
+    bool m_initialized;
+};
+
+}  // namespace qorin_pdk_4_4
+
+#endif

@@ -1,0 +1,101 @@
+#include "cfisaxparsehandler.h"
+
+#include <unicode/unistr.h>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLUniDefs.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+#include "cfistringtool.h"
+
+XERCES_CPP_NAMESPACE_USE
+
+namespace qorin_pdk_4_4 {
+
+CFiSaxParseHandler::XercesUse::XercesUse()
+{
+    // Counted by Xerces: each Initialize is matched by one Terminate.
+    XMLPlatformUtils::Initialize(XMLUni::fgXercescDefaultLocale);
+}
+
+CFiSaxParseHandler::XercesUse::~XercesUse()
+{
+    XMLPlatformUtils::Terminate();
+}
+
+CFiSaxParseHandler::CFiSaxParseHandler()
+    : m_lastError(XMLUni::fgZeroLenString, XMLUni::fgZeroLenString, XMLUni::fgZeroLenString, 0, 0),
+      m_hasError(false)
+{
+}
+
+CFiSaxParseHandler::~CFiSaxParseHandler() = default;
+
+void CFiSaxParseHandler::characters(const XMLCh *const chars, const XMLSize_t length)
+{
+    m_text += toString(chars, length);
+}
+
+void CFiSaxParseHandler::startElement(const XMLCh *const, const XMLCh *const, const XMLCh *const,
+                                      const Attributes &)
+{
+}
+
+void CFiSaxParseHandler::endElement(const XMLCh *const, const XMLCh *const, const XMLCh *const)
+{
+}
+
+void CFiSaxParseHandler::warning(const SAXParseException &exc)
+{
+    m_hasError = true;
+    m_lastError = exc;
+}
+
+void CFiSaxParseHandler::error(const SAXParseException &exc)
+{
+    m_hasError = true;
+    m_lastError = exc;
+}
+
+void CFiSaxParseHandler::fatalError(const SAXParseException &exc)
+{
+    m_hasError = true;
+    m_lastError = exc;
+}
+
+void CFiSaxParseHandler::throwLastError()
+{
+    const XMLCh *message = m_lastError.getMessage();
+    if (m_hasError && message != nullptr && *message != 0) {
+        throw SAXParseException(m_lastError);
+    }
+}
+
+std::string CFiSaxParseHandler::getLastErrorText() const
+{
+    return m_hasError ? toString(m_lastError.getMessage()) : std::string();
+}
+
+std::string CFiSaxParseHandler::toString(const XMLCh *text)
+{
+    if (text == nullptr) {
+        return std::string();
+    }
+    return toString(text, XMLString::stringLen(text));
+}
+
+std::string CFiSaxParseHandler::toString(const XMLCh *text, XMLSize_t length)
+{
+    if (text == nullptr || length == 0) {
+        return std::string();
+    }
+    // Read-only alias: the characters aren't copied before conversion.
+    const icu::UnicodeString alias(false, text, static_cast<int32_t>(length));
+    return CFiStringTool::ustr2str(alias);
+}
+
+std::wstring CFiSaxParseHandler::toWString(const XMLCh *text)
+{
+    return CFiStringTool::str2wstr(toString(text));
+}
+
+}  // namespace qorin_pdk_4_4
