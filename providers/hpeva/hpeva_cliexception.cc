@@ -28,13 +28,18 @@ CHpEvaCliException::CHpEvaCliException(Kind kind, const ACE_WString &command, co
 
 int CHpEvaCliException::report() const
 {
+    CFiErrorManagerPtr errors;
+    getErrorManagerSingleton(errors, false);
+    return report(errors);
+}
+
+int CHpEvaCliException::report(const CFiErrorManagerPtr &errors) const
+{
     std::string output;
     for (const std::string &line : m_output) {
         output += CFiStringTool::trim(line, " \n\t\r");
         output += '\n';
     }
-    CFiErrorManagerPtr errors;
-    getErrorManagerSingleton(errors, false);
     CHpEvaGuard::pushError(errors, "MSG_ERROR_CLI_COMMAND_FAILED",
                            {icu::Formattable(CFiStringTool::tstr2ustr(m_command)),
                             icu::Formattable(CFiStringTool::str2ustr(m_sourceFile)),

@@ -7,6 +7,8 @@
 
 #include <ace/SString.h>
 
+#include "cfitracelog.h"
+
 // A failed SSSU run or an output that can't be read: what was run, how it failed, the
 // line that says so and the whole output, for the administrator.
 class CHpEvaCliException {
@@ -18,8 +20,10 @@ public:
     // The short form: no output and no error text.
     CHpEvaCliException(Kind kind, const ACE_WString &command, const char *sourceFile, int32_t sourceLine);
 
-    // Pushes "MSG_ERROR_CLI_COMMAND_FAILED" into the calling thread's error slot; 6.
+    // Pushes "MSG_ERROR_CLI_COMMAND_FAILED" into the calling thread's error slot of the
+    // process's error manager, or of errors; 6.
     int report() const;
+    int report(const qorin_pdk_4_4::CFiErrorManagerPtr &errors) const;
 
     Kind getKind() const { return m_kind; }
     const ACE_WString &getCommand() const { return m_command; }

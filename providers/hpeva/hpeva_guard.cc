@@ -64,7 +64,7 @@ int CHpEvaGuard::ladder() const
         pushError(m_errors, "MSG_ERROR_UNHANDLED_EXEC_PIPE_EXCEPTION",
                   {text(std::string(e.getCodeName())), text(e.getCommand()), file, line}, 3, m_file, m_line);
     } catch (const CHpEvaCliException &e) {
-        return e.report();
+        return e.report(m_errors);
     } catch (const CFiError &e) {
         pushError(m_errors, "MSG_ERROR_UNHANDLED_FIERROR_EXCEPTION",
                   {text(std::wstring(e.getText())), text(e.getFunction()), file, line}, 3, m_file, m_line);

@@ -1,0 +1,238 @@
+// The SSSU script file and the scanner of SSSU's output: exact script text, the private
+// file's life, refusal of values that would inject a command, password masking and which
+// "Error: " lines fail a run.
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+#include <string>
+#include <vector>
+
+#include "cfiicumessage.h"
+#include "hpeva_clierrorprocessor.h"
+#include "hpeva_cliexception.h"
+#include "hpeva_commandtempfile.h"
+#include "hpeva_guard.h"
+#include "sssu_support.h"
+
+using namespace qorin_pdk_4_4;
+using namespace sssu_test;
+
+namespace {
+
+const std::string kPrelude =
+    "set option NOCOMMAND_DELAY\nset option DISPLAY_WIDTH=200\nset option ON_ERROR=EXIT_ON_ERROR\n";
+
+SFiCredential credential(const wchar_t *host, const wchar_t *user, const wchar_t *password)
+{
+    SFiCredential c;
+    c.hostname = host;
+    c.username = user;
+    c.password = password;
+    return c;
+}
+
+class ScriptFile : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        recorder = &processRecorder();
+        recorder->clear();
+    }
+    std::string text(const CHpEvaCommandTempFile &file) const
+    {
+        return readFile(CFiStringTool::tstr2str(file.getPath()));
+    }
+
+    StandIn site;  // for its private TMPDIR
+    Recorder *recorder = nullptr;
+};
+
+}  // namespace
+
+TEST_F(ScriptFile, PrivateFileInTmpdirThatGoesWithItsObject)
+{
+    std::string path;
+    {
+        CHpEvaCommandTempFile file;
+        path = CFiStringTool::tstr2str(file.getPath());
+        EXPECT_EQ(text(file), kPrelude + "exit\n");
+        EXPECT_EQ(path.rfind(site.tmp + "/omx_fi", 0), 0u) << path;
+        struct stat st;
+        ASSERT_EQ(stat(path.c_str(), &st), 0);
+        EXPECT_EQ(st.st_mode & 0777, 0600u) << "the script holds a password";
+        EXPECT_EQ(CFiStringTool::tstr2str(file.getCommandFileOption()), " \"FILE " + path + "\"");
+        CHpEvaCommandTempFile second;
+        EXPECT_NE(second.getPath(), file.getPath());
+    }
+    EXPECT_NE(access(path.c_str(), F_OK), 0) << "removed at scope end";
+    EXPECT_TRUE(filesIn(site.tmp).empty());
+}
+
+TEST_F(ScriptFile, LoginCellAndCommandsAsTheyStand)
+{
+    std::vector<ACE_WString> commands{L"ls cell", L"ls  vdisk \"\\Virtual Disks\\a b\\ACTIVE\" xml", L"refresh"};
+    CHpEvaCommandTempFile file(credential(L"cv1.example.com", L"admin", L"pa ss wörd"), commands, L"Cell One");
+    EXPECT_EQ(text(file), kPrelude +
+                              "select manager cv1.example.com user=admin password=pa ss wörd\n"
+                              "select cell \"Cell One\"\n"
+                              "ls cell\n"
+                              "ls  vdisk \"\\Virtual Disks\\a b\\ACTIVE\" xml\n"
+                              "refresh\n"
+                              "exit\n");
+    EXPECT_TRUE(recorder->traced("select cell [Cell One]."));
+    EXPECT_TRUE(recorder->traced("Command: [refresh]."));
+    EXPECT_FALSE(recorder->traced("wörd")) << "the password never reaches the trace";
+}
+
+TEST_F(ScriptFile, EmptyCellAndEmptyCommandList)
+{
+    CHpEvaCommandTempFile noCell(credential(L"h", L"u", L"p"), ACE_WString(L"ls cell"), ACE_WString());
+    EXPECT_EQ(text(noCell), kPrelude + "select manager h user=u password=p\nls cell\nexit\n");
+    CHpEvaCommandTempFile noCommands(credential(L"h", L"u", L"p"), std::vector<ACE_WString>(), L"c");
+    EXPECT_EQ(text(noCommands), kPrelude + "select manager h user=u password=p\nselect cell \"c\"\nexit\n");
+}
+
+TEST_F(ScriptFile, AnEmptyLoginFieldDropsTheLoginAndNamesOnlyTheFirstGap)
+{
+    struct Row {
+        SFiCredential login;
+        const char *message;
+    } rows[] = {
+        {credential(L"", L"", L""), "hostname is empty"},
+        {credential(L"h", L"", L"secret"), "username is empty"},
+        {credential(L"h", L"u", L""), "password is empty"},
+    };
+    for (const Row &row : rows) {
+        recorder->clear();
+        CHpEvaCommandTempFile file(row.login, ACE_WString(L"ls cell"), ACE_WString(L"c"));
+        EXPECT_EQ(text(file), kPrelude + "select cell \"c\"\nls cell\nexit\n") << row.message;
+        EXPECT_EQ(recorder->count("Invalid array credentials"), 1u) << row.message;
+        EXPECT_TRUE(recorder->traced(std::string("Invalid array credentials, ") + row.message));
+    }
+}
+
+TEST_F(ScriptFile, ALineBreakInAnyValueIsRefusedBeforeAFileExists)
+{
+    struct Row {
+        SFiCredential login;
+        ACE_WString cell;
+        std::vector<ACE_WString> commands;
+        const char *named;
+    } rows[] = {
+        {credential(L"h\nls cell", L"u", L"p"), L"c", {L"ls cell"}, "manager name \"h\\nls cell\""},
+        {credential(L"h", L"u\r", L"p"), L"c", {L"ls cell"}, "user name \"u\\r\""},
+        {credential(L"h", L"u", L"top\nsecret"), L"c", {L"ls cell"}, "password of user \"u\""},
+        {credential(L"h", L"u", L"p"), L"c\ndelete vdisk x", {L"ls cell"}, "cell name"},
+        {credential(L"h", L"u", L"p"), L"c", {L"ls cell", L"ls vdisk\r\nexit"}, "command \"ls vdisk\\r\\nexit\""},
+    };
+    for (const Row &row : rows) {
+        try {
+            CHpEvaCommandTempFile file(row.login, row.commands, row.cell);
+            ADD_FAILURE() << "accepted: " << row.named;
+        } catch (const CHpEvaCliException &e) {
+            EXPECT_EQ(e.getKind(), CHpEvaCliException::CLI_COMMAND_FAILED);
+            EXPECT_NE(e.getErrorText().find(row.named), std::string::npos) << e.getErrorText();
+            EXPECT_EQ(e.getErrorText().find("secret"), std::string::npos) << "never the password";
+        }
+        EXPECT_TRUE(filesIn(site.tmp).empty()) << row.named;
+    }
+}
+
+TEST_F(ScriptFile, ARefusalReachesTheHostAsACommandFailure)
+{
+    CFiErrorManagerPtr errors;
+    getErrorManagerSingleton(errors, false);
+    CFiTraceLogPtr log;
+    getTraceLogSingleton(log, false);
+    for (bool initialisation : {false, true}) {
+        recorder->clear();
+        int result = CHpEvaGuard(errors, log, "prepare", "providers/hpeva/site", 9, initialisation).run([] {
+            CHpEvaCommandTempFile file(credential(L"h", L"u", L"p"), ACE_WString(L"a\nb"), ACE_WString());
+            return 0;
+        });
+        EXPECT_EQ(result, 6) << "the report's result, also for an initialisation";
+        ASSERT_EQ(recorder->keys.size(), 1u);
+        EXPECT_EQ(recorder->keys[0], "MSG_ERROR_CLI_COMMAND_FAILED");
+    }
+}
+
+TEST(CliException, ReportCarriesCommandSiteTextAndTrimmedOutput)
+{
+    Recorder &recorder = processRecorder();
+    recorder.clear();
+    CHpEvaCliException e(CHpEvaCliException::CLI_COMMAND_FAILED, ACE_WString(L"LS CELL"), "Error: boom",
+                         {"  first \r", "\tsecond line\n", ""}, "providers/hpeva/x.cc", 42);
+    EXPECT_EQ(e.report(), 6);
+    ASSERT_EQ(recorder.keys.size(), 1u);
+    CFiIcuMessage message(recorder.messages[0]->serialize());
+    EXPECT_EQ(message.getMessageKey(), "MSG_ERROR_CLI_COMMAND_FAILED");
+    EXPECT_EQ(message.getSeverity(), 3);
+    int32_t count = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Formattable *args = message.getArguments().getArray(count, status);
+    ASSERT_EQ(count, 5);
+    EXPECT_EQ(CFiStringTool::ustr2str(args[0].getString()), "LS CELL");
+    EXPECT_EQ(CFiStringTool::ustr2str(args[1].getString()), "providers/hpeva/x.cc");
+    EXPECT_EQ(args[2].getLong(), 42);
+    EXPECT_EQ(CFiStringTool::ustr2str(args[3].getString()), "Error: boom");
+    EXPECT_EQ(CFiStringTool::ustr2str(args[4].getString()), "first\nsecond line\n\n");
+}
+
+TEST(ErrorProcessor, CleanPasswordKeepsTheKeyAndDropsTheRestOfTheLine)
+{
+    std::vector<std::string> lines{
+        "select manager cv user=admin password=se cret x",
+        "password=",
+        "a password=one password=two",
+        "no secret here",
+        "PASSWORD=upper stays",
+    };
+    CHpEvaCliErrorProcessor::cleanPassword(lines);
+    EXPECT_EQ(lines, (std::vector<std::string>{
+                         "select manager cv user=admin password=********",
+                         "password=********",
+                         "a password=********",
+                         "no secret here",
+                         "PASSWORD=upper stays",
+                     }));
+}
+
+TEST(ErrorProcessor, WhichErrorLinesFailARun)
+{
+    const ACE_WString command(L"\"/opt/sssu\"  \"FILE /tmp/x\"");
+    const std::string deletion = "Error: Deletion completed";
+    const std::string presented =
+        "Error: Error the call to present the virtual disk has failed. [Logical disk Presented]";
+    EXPECT_FALSE(CHpEvaCliErrorProcessor::processBuffer({"", "all well"}, command));
+    EXPECT_FALSE(CHpEvaCliErrorProcessor::processBuffer({"Error:no blank is no error"}, command));
+    EXPECT_TRUE(CHpEvaCliErrorProcessor::processBuffer({"x", "   " + deletion + " now"}, command));
+    EXPECT_TRUE(CHpEvaCliErrorProcessor::processBuffer({presented}, command));
+
+    struct Row {
+        std::vector<std::string> lines;
+        std::string failing;
+    } rows[] = {
+        {{deletion, "Error: something else"}, "Error: something else"},
+        {{"Error: Error opening https connection"}, "Error: Error opening https connection"},
+        {{"error: lower case", "cell> Error: first", "Error: second"}, "cell> Error: first"},
+    };
+    for (const Row &row : rows) {
+        try {
+            CHpEvaCliErrorProcessor::processBuffer(row.lines, command);
+            ADD_FAILURE() << row.failing;
+        } catch (const CHpEvaCliException &e) {
+            EXPECT_EQ(e.getKind(), CHpEvaCliException::CLI_COMMAND_FAILED);
+            EXPECT_EQ(e.getErrorText(), row.failing);
+            EXPECT_EQ(e.getOutput(), row.lines);
+            EXPECT_EQ(e.getCommand(), command);
+        }
+    }
+    try {
+        CHpEvaCliErrorProcessor::processBuffer({}, command);
+        ADD_FAILURE() << "no lines";
+    } catch (const CHpEvaCliException &e) {
+        EXPECT_EQ(e.getKind(), CHpEvaCliException::CLI_NO_DATA);
+        EXPECT_TRUE(e.getOutput().empty());
+    }
+}
