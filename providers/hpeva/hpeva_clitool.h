@@ -1,10 +1,17 @@
 #ifndef HPEVA_CLITOOL_H
 #define HPEVA_CLITOOL_H
 
+#include <list>
 #include <string>
 #include <vector>
 
 #include <ace/SString.h>
+
+#include "hpeva_cell.h"
+#include "hpeva_drgroup.h"
+#include "hpeva_host.h"
+#include "hpeva_vdisk.h"
+#include "sficredential.h"
 
 // Where SSSU lies, and the one way the provider runs it. A plain value: every operation
 // works on its own copy. The directory ends in "/" because the two are joined as they are.
@@ -35,6 +42,45 @@ public:
     // masked. Throws CHpEvaCliException for no output or an unexpected "Error: " line, and
     // EFiExecPipe for a failed run whose output shows no error. lines keeps what was read.
     void execSSSU(const ACE_WString &arguments, std::vector<std::string> &lines, int timeout) const;
+
+    // Cuts the output of an XML listing down to one document: the objects between the first
+    // "<object>" and the last "</object>" line, wrapped in one root. Lines are blanked, not
+    // removed.
+    static void massageOutput(std::vector<std::string> &lines);
+
+    // Discovery (hpeva_clitool_discovery.cc). Results: 0; 6 no host entry matches; 20 no
+    // cell has the WWN; 30 no supported SSSU version.
+    int checkVersion() const;
+    // Each cell once by WWN, with the first server's credential. Throws nothing: a server
+    // that fails is reported or traced and skipped.
+    std::vector<SHpEvaCell> enumerateCells(const std::vector<qorin_pdk_4_4::SFiCredential> &credentials) const;
+    // Fills every cell field from SSSU; the credential stays.
+    void getCellDetail(SHpEvaCell &cell) const;
+    static int findCell(std::string wwn, const std::vector<SHpEvaCell> &cells, SHpEvaCell &cell);
+    // The trimmed lines behind marker, up to the next prompt.
+    std::vector<std::string> enumerate(const SHpEvaCell &cell, const ACE_WString &command, const char *marker) const;
+    std::vector<std::string> listHosts(const SHpEvaCell &cell) const;
+    std::vector<std::string> listVirtualDisks(const SHpEvaCell &cell) const;
+    void getHostInfoList(const SHpEvaCell &cell, std::vector<SHpEvaHost> &hosts) const;
+    // The array's full host path of a machine (null: this one).
+    int getSSSUHostName(const SHpEvaCell &cell, std::string &name, const char *hostName) const;
+    std::vector<SHpEvaVdisk> getLocalVdiskList(const SHpEvaCell &cell, const char *hostName) const;
+
+    // Virtual disks, LUNs and DR groups (hpeva_clitool_disks.cc). A disk passed in serves as
+    // its own cell.
+    SHpEvaVdisk findVirtualDisk(const std::vector<SHpEvaCell> &cells, std::string cellWwn,
+                                const std::string &wwn) const;
+    SHpEvaVdisk findVirtualDisk(const SHpEvaCell &cell, const std::string &wwn) const;
+    void getVirtualDiskList(const SHpEvaCell &cell, std::list<SHpEvaVdisk> &disks) const;
+    SHpEvaVdisk getVirtualDiskDetail(const SHpEvaCell &cell, std::string name) const;
+    void refresh(const SHpEvaCell &cell) const;
+    void addLun(const SHpEvaCell &cell, const std::string &disk, const std::string &host, unsigned int lun) const;
+    // All presentations of disk, or only the one to host; one script either way.
+    void deleteLuns(const SHpEvaVdisk &disk, const char *host) const;
+    void deleteVirtualDisk(const SHpEvaVdisk &disk) const;
+    void suspendDrGroup(const SHpEvaCell &cell, std::string group) const;
+    void resumeDrGroup(const SHpEvaCell &cell, std::string group) const;
+    SHpEvaDrGroup getDRGroupDetail(const SHpEvaCell &cell, std::string group) const;
 
 private:
     ACE_WString m_fileName;

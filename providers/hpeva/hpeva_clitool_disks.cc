@@ -1,0 +1,197 @@
+// Virtual disks, their presentations to hosts (LUNs) and DR groups. Each operation is one
+// script and one SSSU run, logged in and with the cell selected through the record given.
+#include <list>
+#include <string>
+#include <vector>
+
+#include "cfistringtool.h"
+#include "cfitracelogfunction.h"
+#include "hpeva_clitool.h"
+#include "hpeva_clitool_run.h"
+#include "hpeva_lsdrgrouphandler.h"
+#include "hpeva_lsvdiskhandler.h"
+
+using namespace qorin_pdk_4_4;
+using namespace hpeva_cli;
+
+namespace {
+
+ACE_WString wide(const std::string &text)
+{
+    return CFiStringTool::str2tstr(text);
+}
+
+ACE_WString cellOf(const SHpEvaCell &cell)
+{
+    return CFiStringTool::wstr2tstr(cell.cellname);
+}
+
+// `<verb> "<name>"<tail>`: names go in double quotes, never escaped.
+ACE_WString quoted(const wchar_t *verb, const std::string &name, const wchar_t *tail)
+{
+    ACE_WString command(verb);
+    command += L"\"";
+    command += wide(name);
+    command += L"\"";
+    command += tail;
+    return command;
+}
+
+void setDrGroupSuspension(const CHpEvaCliTool &tool, const SHpEvaCell &cell, const std::string &group,
+                          const wchar_t *state)
+{
+    const ACE_WString command = quoted(L"SET DR_GROUP ", group, state);
+    cliTraceLog()->trace(2, "executing command [%S]", command.c_str());
+    std::vector<std::string> lines;
+    runScript(tool, cell, command, cellOf(cell), lines);
+}
+
+}  // namespace
+
+SHpEvaVdisk CHpEvaCliTool::findVirtualDisk(const std::vector<SHpEvaCell> &cells, std::string cellWwn,
+                                           const std::string &wwn) const
+{
+    CFiTraceLogFunction function(cliTraceLog(), "CHpEvaCliTool::findVirtualDisk");
+    // An unknown cell leaves an empty one: the script then has no login and SSSU's answer
+    // tells the caller.
+    SHpEvaCell cell;
+    findCell(cellWwn, cells, cell);
+    return findVirtualDisk(cell, wwn);
+}
+
+SHpEvaVdisk CHpEvaCliTool::findVirtualDisk(const SHpEvaCell &cell, const std::string &wwn) const
+{
+    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogFunction function(log, "CHpEvaCliTool::findVirtualDisk");
+    // A refresh first, so that a disk made moments ago through another server is seen.
+    ACE_WString find(L"FIND VDISK LUNWWID=");
+    find += wide(CFiStringTool::tostrlower(wwn));
+    find += L" XML";
+    log->trace(2, "executing command [%S]", find.c_str());
+    std::vector<std::string> lines;
+    runScript(*this, cell, {ACE_WString(L"REFRESH"), find}, cellOf(cell), lines);
+    CHpEvaLsVdiskHandler handler(cell);
+    parseXmlOutput(lines, handler, find, __FILE__, __LINE__);
+    return handler.getVdisk();
+}
+
+void CHpEvaCliTool::getVirtualDiskList(const SHpEvaCell &cell, std::list<SHpEvaVdisk> &disks) const
+{
+    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogFunction function(log, "CHpEvaCliTool::getVirtualDiskList");
+    const ACE_WString command(L"LS VDISK FULL XML");
+    log->trace(2, "executing command [%S]", command.c_str());
+    std::vector<std::string> lines;
+    lines.reserve(2048);
+    runScript(*this, cell, command, cellOf(cell), lines);
+    CHpEvaLsVdiskHandler handler(cell);
+    parseXmlOutput(lines, handler, command, __FILE__, __LINE__);
+    disks = std::move(handler.getVdiskList());
+}
+
+SHpEvaVdisk CHpEvaCliTool::getVirtualDiskDetail(const SHpEvaCell &cell, std::string name) const
+{
+    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogFunction function(log, "CHpEvaCliTool::getVirtualDiskDetail");
+    const ACE_WString command = quoted(L"LS VDISK ", name, L" XML");
+    log->trace(2, "executing command [%S]", command.c_str());
+    std::vector<std::string> lines;
+    runScript(*this, cell, command, cellOf(cell), lines);
+    CHpEvaLsVdiskHandler handler(cell);
+    parseXmlOutput(lines, handler, command, __FILE__, __LINE__);
+    // The cell part is set even when no object came back.
+    SHpEvaVdisk disk = handler.getVdisk();
+    static_cast<SHpEvaCell &>(disk) = cell;
+    return disk;
+}
+
+void CHpEvaCliTool::refresh(const SHpEvaCell &cell) const
+{
+    const ACE_WString command(L"REFRESH");
+    cliTraceLog()->trace(2, "executing command [%S]", command.c_str());
+    std::vector<std::string> lines;
+    runScript(*this, cell, command, cellOf(cell), lines);
+}
+
+void CHpEvaCliTool::addLun(const SHpEvaCell &cell, const std::string &disk, const std::string &host,
+                           unsigned int lun) const
+{
+    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogFunction function(log, "CHpEvaCliTool::addLun");
+    // The blanks are SSSU's contract as the provider has always sent it: two before VDISK,
+    // one at the end. LUN 0 is written too; the array then chooses the number.
+    ACE_WString command(L"ADD LUN ");
+    command += wide(CFiStringTool::uint2str(static_cast<uint32_t>(lun)));
+    command += L" HOST=\"";
+    command += wide(host);
+    command += L"\"  VDISK=\"";
+    command += wide(disk);
+    command += L"\" ";
+    log->trace(2, "executing command [%S]", command.c_str());
+    std::vector<std::string> lines;
+    runScript(*this, cell, command, cellOf(cell), lines);
+}
+
+void CHpEvaCliTool::deleteLuns(const SHpEvaVdisk &disk, const char *host) const
+{
+    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogFunction function(log, "CHpEvaCliTool::deleteLuns");
+    std::vector<ACE_WString> commands;
+    for (const auto &presentation : disk.presentations) {
+        if (host != nullptr && presentation.first != host) {
+            continue;
+        }
+        ACE_WString command(L"DELETE LUN \"");
+        command += wide(presentation.first);
+        command += L"\\";
+        command += wide(CFiStringTool::int2str(presentation.second));
+        command += L"\"";
+        log->trace(2, "executing command [%S]", command.c_str());
+        commands.push_back(command);
+        if (host != nullptr) {
+            break;
+        }
+    }
+    // One script for all, and run even when empty: the login still shows a bad credential.
+    std::vector<std::string> lines;
+    runScript(*this, disk, commands, cellOf(disk), lines);
+}
+
+void CHpEvaCliTool::deleteVirtualDisk(const SHpEvaVdisk &disk) const
+{
+    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogFunction function(log, "CHpEvaCliTool::deleteVirtualDisk");
+    // The array refuses to delete a presented disk.
+    if (!disk.presentations.empty()) {
+        deleteLuns(disk, nullptr);
+    }
+    const ACE_WString command = quoted(L"DELETE VDISK ", disk.objectname, L"");
+    log->trace(2, "executing command [%S]", command.c_str());
+    std::vector<std::string> lines;
+    runScript(*this, disk, command, cellOf(disk), lines);
+}
+
+void CHpEvaCliTool::suspendDrGroup(const SHpEvaCell &cell, std::string group) const
+{
+    CFiTraceLogFunction function(cliTraceLog(), "CHpEvaCliTool::suspendDrGroup");
+    setDrGroupSuspension(*this, cell, group, L" SUSPEND");
+}
+
+void CHpEvaCliTool::resumeDrGroup(const SHpEvaCell &cell, std::string group) const
+{
+    CFiTraceLogFunction function(cliTraceLog(), "CHpEvaCliTool::resumeDrGroup");
+    setDrGroupSuspension(*this, cell, group, L" NOSUSPEND");
+}
+
+SHpEvaDrGroup CHpEvaCliTool::getDRGroupDetail(const SHpEvaCell &cell, std::string group) const
+{
+    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogFunction function(log, "CHpEvaCliTool::getDRGroupDetail");
+    const ACE_WString command = quoted(L"LS DR_GROUP ", group, L" XML");
+    log->trace(2, "executing command [%S]", command.c_str());
+    std::vector<std::string> lines;
+    runScript(*this, cell, command, cellOf(cell), lines);
+    CHpEvaLsDrGroupHandler handler;
+    parseXmlOutput(lines, handler, command, __FILE__, __LINE__);
+    return handler.getDrGroup();
+}

@@ -1,0 +1,35 @@
+#ifndef HPEVA_CLITOOL_RUN_H
+#define HPEVA_CLITOOL_RUN_H
+
+#include <string>
+#include <vector>
+
+#include <ace/SString.h>
+
+#include "cfisaxparsehandler.h"
+#include "cfitracelog.h"
+#include "hpeva_clitool.h"
+#include "sficredential.h"
+
+// What the array operations of CHpEvaCliTool share: one script, one run, one parse.
+namespace hpeva_cli {
+
+// The process's trace log.
+qorin_pdk_4_4::CFiTraceLogPtr cliTraceLog();
+
+// Writes one script (login of credential, cell selected unless cell is empty) and runs it.
+void runScript(const CHpEvaCliTool &tool, const qorin_pdk_4_4::SFiCredential &credential,
+               const std::vector<ACE_WString> &commands, const ACE_WString &cell, std::vector<std::string> &lines);
+void runScript(const CHpEvaCliTool &tool, const qorin_pdk_4_4::SFiCredential &credential, const ACE_WString &command,
+               const ACE_WString &cell, std::vector<std::string> &lines);
+
+// The common tail of every XML listing: massages SSSU's lines into one document and parses
+// it with handler. A document that can't be read throws CHpEvaCliException
+// (CLI_COMMAND_FAILED) with the parser's message and the massaged lines; the source
+// position is the caller's.
+void parseXmlOutput(std::vector<std::string> &lines, qorin_pdk_4_4::CFiSaxParseHandler &handler,
+                    const ACE_WString &command, const char *file, int line);
+
+}  // namespace hpeva_cli
+
+#endif
