@@ -10,6 +10,7 @@
 #include "cfierrormanager.h"
 #include "cfiexport.h"
 #include "cfimessagecatalogmanager.h"
+#include "cfiprivatedatafactory.h"
 #include "cfirefcount.h"
 #include "cfismartptr.h"
 #include "cfitraceable.h"
@@ -139,6 +140,11 @@ public:
 
 protected:
     CFiPluginBase();
+
+    // The factory of the node's private data; empty before a manager is registered.
+    CFiPrivateDataFactoryPtr privateDataFactory() const;
+    // Frees a method list that initNode built: both strings, both records and each entry.
+    static void freeMethodList(qrn_domain *node);
 
     std::wstring m_providerName;
     ACE_Recursive_Thread_Mutex m_mutex;

@@ -90,22 +90,55 @@ int CFiPluginBase::initAltNode(qrn_domain *, qrn_domain *, qrn_domain *, bool)
     return 0;
 }
 
-int CFiPluginBase::reAccessTmpObj(qrn_domain *, qorin_objid *, char *, qrn_domain *, char *, qrn_intent)
+int CFiPluginBase::reAccessTmpObj(qrn_domain *node, qorin_objid *, char *splitType, qrn_domain *, char *sessionId,
+                                  qrn_intent intent)
 {
     PLUGIN_BASE_TRACE("reAccessTmpObj");
+    CFiPrivateDataFactoryPtr factory = privateDataFactory();
+    CFiPrivateDataPtr data = factory.isNull() ? CFiPrivateDataPtr() : factory->create(node, false);
+    if (!data.isNull()) {
+        data->setIntent(intent);
+        data->setSessionId(sessionId);
+        if (splitType != nullptr) {
+            data->setSplitType(splitType);
+        }
+    }
     return 0;
 }
 
-int CFiPluginBase::reAccessAltNode(qrn_domain *, qorin_objid *, qorin_objid *, char *, qorin_objid **,
-                                   qorin_objid **, int, qrn_intent)
+int CFiPluginBase::reAccessAltNode(qrn_domain *node, qorin_objid *, qorin_objid *, char *sessionId, qorin_objid **,
+                                   qorin_objid **, int, qrn_intent intent)
 {
     PLUGIN_BASE_TRACE("reAccessAltNode");
+    CFiPrivateDataFactoryPtr factory = privateDataFactory();
+    CFiPrivateDataPtr data = factory.isNull() ? CFiPrivateDataPtr() : factory->create(node, false);
+    if (!data.isNull()) {
+        data->setIntent(intent);
+        data->setSessionId(sessionId);
+    }
     return 0;
 }
 
 void CFiPluginBase::deInitNode(qrn_domain *node)
 {
     PLUGIN_BASE_TRACE("deInitNode");
+    if (node == nullptr) {
+        return;
+    }
+    freeMethodList(node);
+    CFiPrivateDataFactoryPtr factory = privateDataFactory();
+    if (!factory.isNull()) {
+        factory->destroy(node);
+    }
+}
+
+CFiPrivateDataFactoryPtr CFiPluginBase::privateDataFactory() const
+{
+    return m_privateDataManager.isNull() ? CFiPrivateDataFactoryPtr() : m_privateDataManager->getFactory();
+}
+
+void CFiPluginBase::freeMethodList(qrn_domain *node)
+{
     if (node == nullptr) {
         return;
     }
@@ -138,9 +171,21 @@ int CFiPluginBase::online(qrn_domain *, qrn_domain *, int, qrn_disposition)
     return 0;
 }
 
-int CFiPluginBase::subobjList(qrn_domain *, qorin_objid ***, int *)
+int CFiPluginBase::subobjList(qrn_domain *node, qorin_objid ***out, int *count)
 {
     PLUGIN_BASE_TRACE("subobjList");
+    CFiPrivateDataFactoryPtr factory = privateDataFactory();
+    CFiPrivateDataPtr data = factory.isNull() ? CFiPrivateDataPtr() : factory->find(node);
+    if (data.isNull() || out == nullptr || count == nullptr) {
+        return 0;
+    }
+    // The array stays the private data's.
+    *out = data->getSubObjectList();
+    *count = data->getSubObjectListLength();
+    for (int i = 0; i < *count; ++i) {
+        const qorin_objid *id = (*out)[i];
+        trace(3, "Info: subobjList, list element [%d,%S]", i, id != nullptr && id->text != nullptr ? id->text : L"");
+    }
     return 0;
 }
 
@@ -346,9 +391,9 @@ int CFiPluginBase::delLastError(qrn_msg_info **info)
 int CFiPluginBase::getLocaleMessage(int *, qrn_msg_info *info, const char *language, wchar_t **out)
 {
     PLUGIN_BASE_TRACE("getLocaleMessage");
-    (void)info;
-    (void)language;
-    (void)out;
+    if (!m_catalogManager.isNull()) {
+        m_catalogManager->getLocalizedMessage(info, language, out);
+    }
     return 0;
 }
 
@@ -445,9 +490,18 @@ int CFiPluginBase::verifyQSCombos(qrn_splitnode **, int)
     return 0;
 }
 
-int CFiPluginBase::setImportOptions(qrn_splitnode **, int, qrn_host_infn *, int, void *)
+int CFiPluginBase::setImportOptions(qrn_splitnode **list, int count, qrn_host_infn *hosts, int transportable,
+                                    void *)
 {
     PLUGIN_BASE_TRACE("setImportOptions");
+    CFiPrivateDataFactoryPtr factory = privateDataFactory();
+    for (int i = 0; !factory.isNull() && list != nullptr && i < count; ++i) {
+        CFiPrivateDataPtr data = list[i] != nullptr ? factory->find(list[i]->node) : CFiPrivateDataPtr();
+        if (!data.isNull()) {
+            data->setHostList(hosts);
+            data->setTransportable(transportable != 0);
+        }
+    }
     return 0;
 }
 

@@ -5,6 +5,7 @@
 #include "cfierror.h"
 #include "cfiicumessage.h"
 #include "cfistringtool.h"
+#include "cfiudidexception.h"
 #include "efiexecpipe.h"
 #include "hpeva_cliexception.h"
 
@@ -68,6 +69,9 @@ int CHpEvaGuard::ladder() const
     } catch (const CFiError &e) {
         pushError(m_errors, "MSG_ERROR_UNHANDLED_FIERROR_EXCEPTION",
                   {text(std::wstring(e.getText())), text(e.getFunction()), file, line}, 3, m_file, m_line);
+    } catch (const CFiUdidException &e) {
+        pushError(m_errors, "MSG_ERROR_UDID_PARSING_EXCEPTION", {text(e.getText()), icu::Formattable(e.getNumber())},
+                  3, m_file, m_line);
     } catch (const std::runtime_error &e) {
         pushError(m_errors, "MSG_ERROR_UNHANDLED_RUNTIME_EXCEPTION",
                   {text(std::string("std::runtime_error")), text(std::string(e.what())), file, line}, 3, m_file,

@@ -1,11 +1,11 @@
 #ifndef HPEVA_PLUGIN_H
 #define HPEVA_PLUGIN_H
 
-#include "cfipluginbase.h"
+#include "cfiplugininterposer.h"
 #include "hpeva_guard.h"
 
 // The EVA provider: what each host operation means on an EVA array.
-class CHpEvaPlugin : public qorin_pdk_4_4::CFiPluginBase {
+class CHpEvaPlugin : public qorin_pdk_4_4::CFiPluginInterposer {
 public:
     // The provider's name, one per process, and the identifiers it claims.
     static constexpr const wchar_t *PROVIDER_NAME = L"tamlin";
