@@ -1,0 +1,151 @@
+// The install locations: where the install directory comes from (registry stand-in, then the
+// framework), the four locations below it, and that nothing is written without one.
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "cficonfigurationpathtool.h"
+#include "cfistringtool.h"
+#include "temp_install_root.h"
+
+using namespace qorin_pdk_4_4;
+
+namespace {
+
+std::string narrow(const ACE_WString &text)
+{
+    return CFiStringTool::tstr2str(text);
+}
+
+const char kRegistry[] =
+    "[SOFTWARE\\Orvanta\\Qorin]\n"
+    "\"InstallDir64\"=\"/srv/qorin\"\n"
+    "[SOFTWARE\\Orvanta\\Qorin\\acme]\n"
+    "\"InstallDir64\"=\"/srv/acme/\"\n"
+    "[SOFTWARE\\Microsoft\\Windows\\CurrentVersion]\n"
+    "\"ProgramFilesDir\"=\"/usr/local\"\n";
+
+}  // namespace
+
+TEST(PathTool, LocationsAreCreatedBelowTheInstallRootWithMode0755)
+{
+    TempInstallRoot root;
+    ASSERT_TRUE(root.ok());
+    mode_t oldMask = umask(022);
+    ACE_WString dir;
+    ACE_WString file;
+
+    EXPECT_EQ(CFiConfigurationPathTool::getTraceFileInfo(L"tamlin", dir, file), 0);
+    EXPECT_EQ(narrow(dir), root.path("Logs/"));
+    EXPECT_EQ(narrow(file), "tamlin.log");
+    EXPECT_EQ(CFiConfigurationPathTool::getConfigFileInfo(L"tamlin", dir, file), 0);
+    EXPECT_EQ(narrow(dir), root.path("ConfigFiles/"));
+    EXPECT_EQ(narrow(file), "tamlin.conf");
+    EXPECT_EQ(CFiConfigurationPathTool::getMessageFileInfo(L"tamlin", dir, file), 0);
+    EXPECT_EQ(narrow(dir), root.path("Messages/"));
+    EXPECT_EQ(narrow(file), "libtamlin");
+    EXPECT_EQ(CFiConfigurationPathTool::getCacheLocationInfo(dir), 0);
+    EXPECT_EQ(narrow(dir), root.path("CacheFiles/"));
+    umask(oldMask);
+
+    for (const char *leaf : {"Logs", "ConfigFiles", "Messages", "CacheFiles"}) {
+        struct stat info;
+        ASSERT_EQ(stat(root.path(leaf).c_str(), &info), 0) << leaf;
+        EXPECT_TRUE(S_ISDIR(info.st_mode)) << leaf;
+        EXPECT_EQ(info.st_mode & 0777, 0755u) << leaf;
+    }
+    // An existing location is left as it is, and still answers 0.
+    chmod(root.path("Logs").c_str(), 0700);
+    EXPECT_EQ(CFiConfigurationPathTool::getTraceFileInfo(L"tamlin", dir, file), 0);
+    struct stat info;
+    ASSERT_EQ(stat(root.path("Logs").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0700u);
+}
+
+TEST(PathTool, RegistryStandInComesBeforeTheFramework)
+{
+    TempInstallRoot root;
+    ACE_WString path;
+    // No registry file: the framework's root, and a non-zero status.
+    EXPECT_NE(CFiConfigurationPathTool::getInstallPath(path), 0);
+    EXPECT_EQ(narrow(path), root.dir());
+
+    root.writeFile("registry.conf", kRegistry);
+    path = ACE_WString();
+    EXPECT_EQ(CFiConfigurationPathTool::getInstallPath(path), 0);
+    EXPECT_EQ(narrow(path), "/srv/qorin/") << "a separator is appended";
+
+    // A consumer name selects the key below.
+    root.setEnv("QORIN_CONSUMER", std::string("acme"));
+    path = ACE_WString();
+    EXPECT_EQ(CFiConfigurationPathTool::getInstallPath(path), 0);
+    EXPECT_EQ(narrow(path), "/srv/acme/");
+
+    // A consumer key without the value falls back to the framework.
+    root.setEnv("QORIN_CONSUMER", std::string("other"));
+    path = ACE_WString();
+    EXPECT_NE(CFiConfigurationPathTool::getInstallPath(path), 0);
+    EXPECT_EQ(narrow(path), root.dir());
+}
+
+TEST(PathTool, InstallKeyWithoutTheValueFallsBackToTheFramework)
+{
+    TempInstallRoot root;
+    root.writeFile("registry.conf", "[SOFTWARE\\Orvanta\\Qorin]\n\"Other\"=\"x\"\n");
+    ACE_WString path;
+    EXPECT_NE(CFiConfigurationPathTool::getInstallPath(path), 0);
+    EXPECT_EQ(narrow(path), root.dir());
+    // A path the caller already holds is kept.
+    path = ACE_WString(L"/kept/");
+    CFiConfigurationPathTool::getInstallPath(path);
+    EXPECT_EQ(narrow(path), "/kept/");
+}
+
+TEST(PathTool, ProgramFilesFallBackToOpt)
+{
+    TempInstallRoot root;
+    ACE_WString path;
+    EXPECT_NE(CFiConfigurationPathTool::getProgramFilesDir(path), 0);
+    EXPECT_EQ(narrow(path), "/opt");
+    EXPECT_NE(CFiConfigurationPathTool::getProgramFilesX86Dir(path), 0);
+    EXPECT_EQ(narrow(path), "/opt");
+
+    root.writeFile("registry.conf", kRegistry);
+    EXPECT_EQ(CFiConfigurationPathTool::getProgramFilesDir(path), 0);
+    EXPECT_EQ(narrow(path), "/usr/local");
+    EXPECT_NE(CFiConfigurationPathTool::getProgramFilesX86Dir(path), 0);
+    EXPECT_EQ(narrow(path), "/opt");
+}
+
+TEST(PathTool, WithoutAnInstallDirectoryNothingIsCreated)
+{
+    TempInstallRoot root;
+    root.setEnv("QORIN_INSTALL_ROOT", std::nullopt);
+    char cwd[4096];
+    ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
+    ASSERT_EQ(chdir(root.dir().c_str()), 0);
+
+    ACE_WString dir(L"stale");
+    ACE_WString file(L"stale");
+    EXPECT_NE(CFiConfigurationPathTool::getConfigFileInfo(L"tamlin", dir, file), 0);
+    EXPECT_EQ(dir.length(), 0u);
+    EXPECT_EQ(file.length(), 0u);
+    EXPECT_NE(CFiConfigurationPathTool::getTraceFileInfo(L"tamlin", dir, file), 0);
+    EXPECT_NE(CFiConfigurationPathTool::getCacheLocationInfo(dir), 0);
+    EXPECT_TRUE(root.list("").empty()) << "nothing below the working directory";
+    ASSERT_EQ(chdir(cwd), 0);
+}
+
+TEST(PathTool, VerifyTellsWhetherAPathExists)
+{
+    TempInstallRoot root;
+    root.writeFile("a/file", "x");
+    EXPECT_EQ(CFiConfigurationPathTool::verify(CFiStringTool::str2wstr(root.path("a/file")).c_str()), 0);
+    EXPECT_EQ(CFiConfigurationPathTool::verify(CFiStringTool::str2wstr(root.path("a")).c_str()), 0);
+    EXPECT_NE(CFiConfigurationPathTool::verify(CFiStringTool::str2wstr(root.path("b")).c_str()), 0);
+    EXPECT_NE(CFiConfigurationPathTool::verify(L""), 0);
+    EXPECT_NE(CFiConfigurationPathTool::verify(nullptr), 0);
+}
