@@ -140,6 +140,17 @@ TEST_F(Faults, ErrorHitsTheNextMatchingCommandAndChangesNothing)
     EXPECT_EQ(h.disk("\\Virtual Disks\\f\\d2\\ACTIVE").at("presentations"), "\\Hosts\\h1:4");
 }
 
+TEST_F(Faults, ErrorForOneCellSparesTheOtherCells)
+{
+    arm({"error", "--match", "ls vdisk", "--cell", "eva02", "--count", "2"});
+    EXPECT_TRUE(h.sssu({"LS VDISK"}).has("Vdisks available on this Cell:")) << "EVA01 is spared";
+    EXPECT_EQ(armed(), 1u);
+    EXPECT_EQ(h.sssu({"LS VDISK"}, "EVA02").lines().back(), "Error: Simulated failure");
+    EXPECT_EQ(h.sssu({"LS VDISK"}, "EVA02").lines().back(), "Error: Simulated failure");
+    EXPECT_TRUE(h.sssu({"LS VDISK"}, "EVA02").has("Vdisks available on this Cell:"));
+    EXPECT_EQ(armed(), 0u);
+}
+
 TEST_F(Faults, BannerShowsAnotherVersionLineForItsRuns)
 {
     arm({"banner", "--text", "Version: 9.2.0 ", "--count", "2"});

@@ -66,9 +66,10 @@ starts; the others when they hit.
                                 per run: the process ends after K output lines (status 1)
   no-output [--status N]        per run: the process prints nothing and ends (status 0)
   malformed-xml                 the next XML listing is not well-formed
-  error --match TEXT [--message TEXT]
+  error --match TEXT [--message TEXT] [--cell NAME]
                                 the next command that contains TEXT (ignoring case) fails with
-                                "Error: MESSAGE" (default "Simulated failure")
+                                "Error: MESSAGE" (default "Simulated failure"); with
+                                --cell only while that cell is selected
   banner --text TEXT            per run: the banner's version line reads TEXT
   delay --seconds S             per run: a wait of S seconds before each command
   list                          the armed faults
@@ -504,7 +505,7 @@ int AdminCli::fault(std::vector<std::string> const &args)
     if (kind == "silence") allowed.insert(allowed.end(), {"seconds", "after-line"});
     if (kind == "exit-after") allowed.insert(allowed.end(), {"lines", "status"});
     if (kind == "no-output") allowed.push_back("status");
-    if (kind == "error") allowed.insert(allowed.end(), {"match", "message"});
+    if (kind == "error") allowed.insert(allowed.end(), {"match", "message", "cell"});
     if (kind == "banner") allowed.push_back("text");
     if (kind == "delay") allowed.push_back("seconds");
     if (!options(args, 1, allowed, o, words, error)) return bad("fault", error);
@@ -545,6 +546,7 @@ int AdminCli::fault(std::vector<std::string> const &args)
         if (!o.count("match") || o.find("match")->second.empty()) return bad("fault", "--match TEXT is required");
         f.pattern = o.find("match")->second;
         f.text = o.count("message") ? o.find("message")->second : "Simulated failure";
+        if (o.count("cell")) f.cell = o.find("cell")->second;
     }
     if (kind == "banner") {
         if (!o.count("text")) return bad("fault", "--text is required");

@@ -17,7 +17,9 @@ std::string Fault::describe() const
     if (kind == "exit-after") return "exits with status " + std::to_string(status) + " after " + std::to_string(line) + " lines";
     if (kind == "no-output") return "prints nothing, exits with status " + std::to_string(status);
     if (kind == "malformed-xml") return "next XML listing is malformed";
-    if (kind == "error") return "commands containing \"" + pattern + "\" fail with \"Error: " + text + "\"";
+    if (kind == "error")
+        return "commands containing \"" + pattern + "\"" + (cell.empty() ? "" : " in cell " + cell) +
+               " fail with \"Error: " + text + "\"";
     if (kind == "banner") return "banner version line reads \"" + text + "\"";
     if (kind == "delay") return std::string("waits ") + seconds_ + " s before each command";
     return kind;

@@ -15,6 +15,7 @@ struct Fault {
     int64_t line = 0;      // silence: after this output line (0: before any); exit-after: line count
     std::string pattern;   // error: commands that contain this text, ignoring case
     std::string text;      // error: message after "Error: "; banner: the version line
+    std::string cell;      // error: only while this cell is selected; empty for any
     int64_t status = 0;    // exit-after, no-output: exit status
 
     // Faults of these kinds are taken when a run starts; the others when they hit.

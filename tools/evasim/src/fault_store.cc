@@ -19,6 +19,7 @@ Fault readFault(Statement &s)
     f.pattern = s.text(6);
     f.text = s.text(7);
     f.status = s.integer(8);
+    f.cell = s.text(9);
     return f;
 }
 
@@ -33,17 +34,17 @@ std::vector<std::string> const &FaultStore::kinds()
 
 void FaultStore::add(Database &db, Fault const &f)
 {
-    Statement s(db.handle(), "INSERT INTO faults(kind, remaining, server, seconds, line, pattern, text, status) "
-                             "VALUES(?, ?, ?, ?, ?, ?, ?, ?)");
+    Statement s(db.handle(), "INSERT INTO faults(kind, remaining, server, seconds, line, pattern, text, status, cell) "
+                             "VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?)");
     s.bind(1, f.kind).bind(2, f.remaining).bind(3, f.server).bind(4, f.seconds).bind(5, f.line);
-    s.bind(6, f.pattern).bind(7, f.text).bind(8, f.status);
+    s.bind(6, f.pattern).bind(7, f.text).bind(8, f.status).bind(9, f.cell);
     s.run();
 }
 
 std::vector<Fault> FaultStore::list(Database &db)
 {
     std::vector<Fault> out;
-    Statement s(db.handle(), "SELECT id, kind, remaining, server, seconds, line, pattern, text, status "
+    Statement s(db.handle(), "SELECT id, kind, remaining, server, seconds, line, pattern, text, status, cell "
                              "FROM faults WHERE remaining > 0 ORDER BY id");
     while (s.step()) out.push_back(readFault(s));
     return out;

@@ -158,6 +158,7 @@ bool Interpreter::takeFault(char const *kind, std::string const &line, Fault *ta
     for (Fault &f : m_faults) {
         if (f.kind != kind || f.remaining <= 0) continue;
         if (f.kind == "error" && !icontains(line, f.pattern)) continue;
+        if (f.kind == "error" && !f.cell.empty() && !(m_cell && iequals(f.cell, m_cellName))) continue;
         --f.remaining;
         if (taken) *taken = f;
         return true;
