@@ -1,0 +1,220 @@
+// A private evasim world behind a recording tool, and a recorder of the process's pushed
+// messages and trace lines, for the array command tests.
+#ifndef ARRAYCLI_SUPPORT_H
+#define ARRAYCLI_SUPPORT_H
+
+#include <stdio.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cfierrorhandlerbase.h"
+#include "cfierrormanager.h"
+#include "cfimessage.h"
+#include "cfistringtool.h"
+#include "cfitracelog.h"
+#include "hpeva_cell.h"
+#include "hpeva_clitool.h"
+#include "hpeva_singletons.h"
+
+namespace arraycli {
+
+inline std::string makeTempDir(const char *tag)
+{
+    std::string pattern = std::string("/tmp/tamlin-") + tag + "-XXXXXX";
+    std::vector<char> buffer(pattern.begin(), pattern.end());
+    buffer.push_back('\0');
+    const char *made = mkdtemp(buffer.data());
+    return made != nullptr ? std::string(made) : std::string();
+}
+
+inline std::string readFile(const std::string &path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+inline void writeFile(const std::string &path, const std::string &text)
+{
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+// Standard output of a shell command.
+inline std::string capture(const std::string &command)
+{
+    std::string out;
+    if (FILE *pipe = popen(command.c_str(), "r")) {
+        char buffer[4096];
+        size_t n;
+        while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
+            out.append(buffer, n);
+        }
+        pclose(pipe);
+    }
+    return out;
+}
+
+// The script a run gets: fixed prelude, login, cell, the commands, exit.
+inline std::string scriptOf(const std::string &login, const std::string &cell, const std::vector<std::string> &commands)
+{
+    std::string text =
+        "set option NOCOMMAND_DELAY\nset option DISPLAY_WIDTH=200\nset option ON_ERROR=EXIT_ON_ERROR\n";
+    if (!login.empty()) {
+        text += "select manager " + login + "\n";
+    }
+    if (!cell.empty()) {
+        text += "select cell \"" + cell + "\"\n";
+    }
+    for (const std::string &command : commands) {
+        text += command + "\n";
+    }
+    return text + "exit\n";
+}
+
+// Every message pushed and every line traced (level 6) in this process.
+class Recorder : public qorin_pdk_4_4::CFiErrorHandlerBase {
+public:
+    int handleText(char *text, qrn_eseverity) override
+    {
+        lines.push_back(text);
+        return 0;
+    }
+    int handleMessage(qorin_pdk_4_4::CFiMessagePtr message) override
+    {
+        keys.push_back(message->getMessageKey());
+        return 0;
+    }
+    bool traced(const std::string &fragment) const
+    {
+        for (const std::string &line : lines) {
+            if (line.find(fragment) != std::string::npos) {
+                return true;
+            }
+        }
+        return false;
+    }
+    void clear()
+    {
+        lines.clear();
+        keys.clear();
+    }
+
+    std::vector<std::string> lines;
+    std::vector<std::string> keys;
+};
+
+inline Recorder &processRecorder()
+{
+    static Recorder *recorder = [] {
+        auto *r = new Recorder;
+        qorin_pdk_4_4::CFiErrorManagerPtr errors;
+        getErrorManagerSingleton(errors, false);
+        errors->registerHandler(r);
+        qorin_pdk_4_4::CFiTraceLogPtr log;
+        getTraceLogSingleton(log, false);
+        static const std::string logDir = makeTempDir("arraycli-log");
+        log->initialize(L"tamlin", qorin_pdk_4_4::CFiStringTool::str2tstr(logDir), L"trace", 6, false);
+        log->registerErrorManager(errors);
+        return r;
+    }();
+    return *recorder;
+}
+
+// The SSSU lock's file is named once per process, at the first run: one private directory
+// for the whole process keeps these tests out of other processes' way.
+inline const std::string &lockDirectory()
+{
+    static const std::string dir = [] {
+        static std::string made = makeTempDir("arraycli-lock");
+        atexit([] { capture("rm -rf '" + made + "'"); });
+        return made;
+    }();
+    return dir;
+}
+
+// An evasim world loaded from a scenario text, reached through the recording tool. Scripts,
+// the SSSU lock and the world all stay below one private directory.
+class Array {
+public:
+    explicit Array(const std::string &scenario)
+    {
+        root = makeTempDir("arraycli");
+        record = root + "/record";
+        mkdir(record.c_str(), 0755);
+        mkdir((root + "/tmp").c_str(), 0755);
+        mkdir((root + "/home").c_str(), 0755);
+        const std::string build = getenv("TAMLIN_BUILD_DIR") != nullptr ? getenv("TAMLIN_BUILD_DIR") : ".";
+        bin = build + "/bin/";
+        setenv("ARRAYCLI_DIR", record.c_str(), 1);
+        setenv("ARRAYCLI_EVASIM", (bin + "evasim").c_str(), 1);
+        setenv("EVASIM_HOME", (root + "/home").c_str(), 1);
+        setenv("TMPDIR", (root + "/tmp").c_str(), 1);
+        setenv("QORIN_LOCK_DIR", lockDirectory().c_str(), 1);
+        writeFile(root + "/world.scn", scenario);
+        loaded = evasim("init --scenario '" + root + "/world.scn'").find("new world") != std::string::npos;
+    }
+    ~Array()
+    {
+        if (!root.empty()) {
+            capture("rm -rf '" + root + "'");
+        }
+    }
+
+    CHpEvaCliTool tool() const
+    {
+        return CHpEvaCliTool(qorin_pdk_4_4::CFiStringTool::str2tstr(bin), ACE_WString(L"arraycli_recorder"));
+    }
+    int runs() const { return atoi(readFile(record + "/count").c_str()); }
+    std::string script(int run) const { return readFile(record + "/script." + std::to_string(run)); }
+    // What run number run prints instead of asking evasim.
+    void answer(int run, const std::string &text) const { writeFile(record + "/out." + std::to_string(run), text); }
+    std::string evasim(const std::string &arguments) const
+    {
+        return capture("'" + bin + "evasim' " + arguments + " 2>&1");
+    }
+    // The rows of one table of `evasim show <what> --format tsv`, without title and header.
+    std::vector<std::vector<std::string>> table(const std::string &what) const
+    {
+        std::vector<std::vector<std::string>> rows;
+        std::istringstream text(evasim("show " + what + " --format tsv"));
+        std::string line;
+        int skip = 2;
+        while (std::getline(text, line)) {
+            if (skip > 0) {
+                --skip;
+                continue;
+            }
+            std::vector<std::string> fields;
+            std::string field;
+            std::istringstream cells(line);
+            while (std::getline(cells, field, '\t')) {
+                fields.push_back(field);
+            }
+            rows.push_back(fields);
+        }
+        return rows;
+    }
+
+    std::string root, record, bin;
+    bool loaded = false;
+};
+
+inline SHpEvaCell cellFor(const wchar_t *server, const wchar_t *password, const wchar_t *name)
+{
+    SHpEvaCell cell;
+    cell.hostname = server;
+    cell.username = L"admin";
+    cell.password = password;
+    cell.cellname = name;
+    return cell;
+}
+
+}  // namespace arraycli
+
+#endif
