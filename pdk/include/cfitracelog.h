@@ -1,6 +1,7 @@
 #ifndef CFITRACELOG_H
 #define CFITRACELOG_H
 
+#include <atomic>
 #include <cstdarg>
 #include <cstdint>
 
@@ -13,6 +14,7 @@
 
 namespace qorin_pdk_4_4 {
 
+class CFiConfiguration;
 class CFiErrorManager;
 class CFiTraceLog;
 
@@ -21,7 +23,17 @@ using CFiTraceLogPtr = CFiSmartPtr<CFiTraceLog, CFiContextSingletonAllocator<CFi
 
 // The library's one diagnostic channel: a dated log file below the install root, optional
 // standard output, and every line forwarded to the error manager's handlers. Settings come
-// from the section "DEBUG_TRACE_INFO" of the provider's configuration file.
+// from the section "DEBUG_TRACE_INFO" of <install>/ConfigFiles/<provider>.conf:
+//
+//   TRACEDIR            log directory, default <install>/Logs/
+//   TRACEFILE           file name without date, default <provider>.log
+//   TRACELEVEL          0 off, 1 errors, 2 warnings, 3 course, 4 matching, 6 entry and exit
+//   TRACESTDOUT         1: also print each line on standard output
+//   TRACERUNTIMEUPDATE  1: re-read TRACELEVEL at every trace call
+//
+// A first run writes the section with TRACELEVEL 1 and stays untraced; the next one traces.
+// A line in the file reads "<timestamp> <Pid - p / Thread id - t> <text>", at most 8191
+// bytes of text; lines of concurrent threads and processes never mix.
 class QORIN_PDK_API CFiTraceLog : public virtual CFiRefCount {
 public:
     CFiTraceLog();
@@ -31,13 +43,19 @@ public:
                     bool toStdout);
     bool isInitialized() const { return m_initialized; }
     void GetTraceLevels(int &level) const { level = m_level; }
+    bool tracesToStdout() const { return m_stdout; }
+    bool followsConfigFile() const { return m_runtimeUpdate; }
     void registerErrorManager(const CFiErrorManagerPtr &errorManager);
 
     void trace(int level, const char *format, ...) __attribute__((format(printf, 3, 4)));
     void vtrace(int level, const char *format, va_list args);
 
+    // Explicit directory and file replace the file's settings; then loadFromConfigFile.
     void initTraceSettings(ACE_WString &directory, ACE_WString &file, int &level);
+    // Reads the settings, writing the missing ones. level comes back as 0 (stay off) or 1;
+    // a higher configured level takes effect in updateTraceLevelFromConfigFile.
     void loadFromConfigFile(ACE_WString &directory, ACE_WString &file, int &level);
+    // Writes all five settings (TRACESTDOUT and TRACERUNTIMEUPDATE as 0); the export's result.
     int updateConfigFile(const ACE_WString &directory, const ACE_WString &file, const int &level);
     void updateTraceLevelFromConfigFile();
 
@@ -46,6 +64,13 @@ public:
 
 private:
     static ACE_WString currentDate();
+    // Imports the provider's file into config; false when there is no file location, or a
+    // file that exists but can't be read (which is then never rewritten).
+    bool importSettings(CFiConfiguration &config) const;
+    // An integer value, or a string of digits.
+    static bool readNumber(CFiConfiguration &config, const wchar_t *name, unsigned &value);
+    // Sets flag on a 1; writes a missing key from the flag.
+    static void loadFlag(CFiConfiguration &config, const wchar_t *name, std::atomic<bool> &flag);
     void rebuildFullPathLocked();
     void writeLine(const char *line, size_t length);
 
@@ -55,10 +80,11 @@ private:
     ACE_WString m_fullPath;
     ACE_WString m_date;
     CFiErrorManagerPtr m_errorManager;
-    bool m_initialized;
-    bool m_stdout;
-    bool m_runtimeUpdate;
-    volatile int m_level;
+    // Read by every tracing thread while TRACERUNTIMEUPDATE moves the level.
+    std::atomic<bool> m_initialized;
+    std::atomic<bool> m_stdout;
+    std::atomic<bool> m_runtimeUpdate;
+    std::atomic<int> m_level;
     // Date and path are rebuilt by whichever thread notices a new day.
     mutable ACE_Thread_Mutex m_pathLock;
 };

@@ -13,6 +13,9 @@
 #include <ace/OS_NS_sys_time.h>
 #include <ace/OS_NS_unistd.h>
 
+#include "cficonfiguration.h"
+#include "cficonfigurationpathtool.h"
+#include "cfierror.h"
 #include "cfierrormanager.h"
 #include "cfistringtool.h"
 #include "vstring.h"
@@ -21,6 +24,7 @@ namespace qorin_pdk_4_4 {
 
 namespace {
 
+const wchar_t kSection[] = L"DEBUG_TRACE_INFO";
 const size_t kFirstBuffer = 1024;
 const size_t kLongestBuffer = 8192;
 
@@ -62,9 +66,10 @@ ACE_WString CFiTraceLog::currentDate()
 
 void CFiTraceLog::rebuildFullPathLocked()
 {
-    // A directory that already ends in a separator gets a second one; harmless on this system.
     m_fullPath = m_directory;
-    m_fullPath += L"/";
+    if (m_directory.length() == 0 || m_directory[m_directory.length() - 1] != L'/') {
+        m_fullPath += L"/";
+    }
     m_fullPath += m_fileName;
     m_fullPath += L".";
     m_fullPath += m_date;
@@ -118,27 +123,139 @@ void CFiTraceLog::registerErrorManager(const CFiErrorManagerPtr &errorManager)
 
 void CFiTraceLog::initTraceSettings(ACE_WString &directory, ACE_WString &file, int &level)
 {
-    (void)directory;
-    (void)file;
-    (void)level;
+    if (directory.length() > 0 && file.length() > 0) {
+        updateConfigFile(directory, file, level);
+    }
+    try {
+        loadFromConfigFile(directory, file, level);
+    } catch (const CFiError &) {
+        // The defaults stay in force.
+    }
 }
 
 void CFiTraceLog::loadFromConfigFile(ACE_WString &directory, ACE_WString &file, int &level)
 {
-    (void)directory;
-    (void)file;
-    (void)level;
+    const int given = level;
+    CFiConfigurationPathTool::getTraceFileInfo(m_providerName, directory, file);
+    CFiConfiguration config;
+    if (!importSettings(config)) {
+        // Nothing to read and nowhere to write: stay off.
+        level = 0;
+        return;
+    }
+
+    unsigned read = 0;
+    ACE_Configuration_Section_Key key;
+    if (config.openSection(kSection, key, 0) != 0) {
+        updateConfigFile(directory, file, given);
+    } else {
+        ACE_WString text;
+        if (config.getStringValue(L"TRACEDIR", text) == 0) {
+            directory = text;
+        } else {
+            config.setStringValue(L"TRACEDIR", directory);
+            config.exportConfig();
+        }
+        if (config.getStringValue(L"TRACEFILE", text) == 0) {
+            file = text;
+        } else {
+            config.setStringValue(L"TRACEFILE", file);
+            config.exportConfig();
+        }
+        if (!readNumber(config, L"TRACELEVEL", read)) {
+            read = 0;
+            config.setIntegerValue(L"TRACELEVEL", static_cast<unsigned>(given));
+            config.exportConfig();
+        }
+        loadFlag(config, L"TRACESTDOUT", m_stdout);
+        loadFlag(config, L"TRACERUNTIMEUPDATE", m_runtimeUpdate);
+    }
+    level = read <= 1 ? static_cast<int>(read) : 1;
+}
+
+bool CFiTraceLog::importSettings(CFiConfiguration &config) const
+{
+    ACE_WString directory;
+    ACE_WString file;
+    if (CFiConfigurationPathTool::getConfigFileInfo(m_providerName, directory, file) != 0) {
+        return false;
+    }
+    if (config.importConfig(directory.c_str(), file.c_str()) == 0) {
+        return true;
+    }
+    // A file that is there but can't be read is the administrator's: rewriting it from an
+    // empty tree would lose every other section.
+    return CFiConfigurationPathTool::verify(config.getFullPath().c_str()) != 0;
+}
+
+bool CFiTraceLog::readNumber(CFiConfiguration &config, const wchar_t *name, unsigned &value)
+{
+    if (config.getIntegerValue(name, value) == 0) {
+        return true;
+    }
+    // Accept a hand-written "TRACELEVEL"="6" as well.
+    ACE_WString text;
+    if (config.getStringValue(name, text) != 0) {
+        return false;
+    }
+    std::string digits = CFiStringTool::tstr2str(text);
+    if (digits.empty() || !CFiStringTool::isDigit(digits)) {
+        return false;
+    }
+    value = CFiStringTool::str2uint(digits);
+    return true;
+}
+
+void CFiTraceLog::loadFlag(CFiConfiguration &config, const wchar_t *name, std::atomic<bool> &flag)
+{
+    unsigned value = 0;
+    if (!readNumber(config, name, value)) {
+        value = flag ? 1 : 0;
+        config.setIntegerValue(name, value);
+        config.exportConfig();
+    }
+    // A 0 never clears a flag the caller set.
+    if (value == 1) {
+        flag = true;
+    }
 }
 
 int CFiTraceLog::updateConfigFile(const ACE_WString &directory, const ACE_WString &file, const int &level)
 {
-    (void)directory;
-    (void)file;
-    (void)level;
-    return 0;
+    CFiConfiguration config;
+    if (!importSettings(config)) {
+        return -1;
+    }
+    ACE_Configuration_Section_Key key;
+    if (config.openSection(kSection, key, 1) == 0) {
+        config.setStringValue(L"TRACEDIR", directory);
+        config.setStringValue(L"TRACEFILE", file);
+        config.setIntegerValue(L"TRACELEVEL", static_cast<unsigned>(level));
+        config.setIntegerValue(L"TRACESTDOUT", 0);
+        config.setIntegerValue(L"TRACERUNTIMEUPDATE", 0);
+    }
+    return config.exportConfig();
 }
 
-void CFiTraceLog::updateTraceLevelFromConfigFile() {}
+void CFiTraceLog::updateTraceLevelFromConfigFile()
+{
+    CFiConfiguration config;
+    ACE_WString directory;
+    ACE_WString file;
+    if (CFiConfigurationPathTool::getConfigFileInfo(m_providerName, directory, file) != 0) {
+        return;
+    }
+    config.importConfig(directory.c_str(), file.c_str());
+    ACE_Configuration_Section_Key key;
+    if (config.openSection(kSection, key, 1) != 0) {
+        m_level = 1;
+        return;
+    }
+    unsigned level = 0;
+    if (readNumber(config, L"TRACELEVEL", level)) {
+        m_level = static_cast<int>(level);
+    }
+}
 
 void CFiTraceLog::trace(int level, const char *format, ...)
 {
