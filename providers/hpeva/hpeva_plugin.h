@@ -1,8 +1,17 @@
 #ifndef HPEVA_PLUGIN_H
 #define HPEVA_PLUGIN_H
 
+#include <memory>
+#include <vector>
+
+#include "cfimessagecatalogfactory.h"
 #include "cfiplugininterposer.h"
+#include "hpeva_cell.h"
+#include "hpeva_clitool.h"
 #include "hpeva_guard.h"
+#include "sficredential.h"
+
+class CHpEvaNodeFilter;
 
 // The EVA provider: what each host operation means on an EVA array.
 class CHpEvaPlugin : public qorin_pdk_4_4::CFiPluginInterposer {
@@ -17,9 +26,36 @@ public:
     int getProviderInfo(qrn_provider_list **out) override;
     int enumerateFims(qrn_fim_list **out) override;
 
+    // Start-up: init needs no array (catalogs, methods, SSSU's place, credentials);
+    // delayedInit checks SSSU's version and finds the storage cells.
+    int init() override;
+    int delayedInit() override;
+    void fini() override;
+
+    int enumerateNodes(qrn_node_list **out, int *count, int flags, wchar_t *filter) override;
+    int enumerateEnclosures(qrn_enclosure_node_list **out, int *count, wchar_t *filter) override;
+    int enumerateHostNodes(qrn_host_node_list **out, int *count, wchar_t *filter) override;
+
 protected:
     // The catch ladder for one operation of this class; line is the guard's call site.
     CHpEvaGuard guard(const char *operation, int line, bool initialisation = false) const;
+
+    // The filter's provider, vendor and product keys.
+    bool providerPasses(const CHpEvaNodeFilter &filter) const;
+    // The filter's enclosure id and name keys.
+    static bool cellPasses(const CHpEvaNodeFilter &filter, const SHpEvaCell &cell);
+
+    // The Command View servers to use.
+    std::vector<qorin_pdk_4_4::SFiCredential> credentials;
+    // The storage cells found by delayedInit; read without a lock afterwards.
+    std::vector<SHpEvaCell> cells;
+    CHpEvaCliTool cliTool;
+    // Seconds to wait after an unmask; 0 unless configured.
+    uint32_t postUnmaskWait = 0;
+
+private:
+    // Registered with the catalog manager, which doesn't own it.
+    std::unique_ptr<qorin_pdk_4_4::CFiMessageCatalogFactory> m_catalogFactory;
 };
 
 #endif

@@ -1,0 +1,206 @@
+// CHpEvaPlugin: what the arrays hold, as the host asks for it: disks, enclosures and hosts.
+// Nothing here changes an array, and nothing is cached: each call reads the arrays anew.
+#include "hpeva_plugin.h"
+
+#include <list>
+
+#include "cfienclosurenode.h"
+#include "cfienclosurenodelistfactory.h"
+#include "cfihostnode.h"
+#include "cfihostnodelistfactory.h"
+#include "cfinode.h"
+#include "cfinodelistfactory.h"
+#include "cfistringtool.h"
+#include "cfitracelogfunction.h"
+#include "cfiudid.h"
+#include "hpeva_cliexception.h"
+#include "hpeva_disknames.h"
+#include "hpeva_nodefilter.h"
+
+using namespace qorin_pdk_4_4;
+
+namespace {
+
+const int kFlagServed = 0x10;
+const int kFlagNoSnapshots = 0x40;
+const int kFlagNoActive = 0x80;
+// Reads of one cell's disks before the enumeration gives up; SSSU's own retries come on top.
+const int kDiskListAttempts = 4;
+
+const char kVendor[] = "HP";
+const char kProduct[] = "HSV";
+
+}  // namespace
+
+bool CHpEvaPlugin::providerPasses(const CHpEvaNodeFilter &filter) const
+{
+    return filter.matches("provider_name", CFiStringTool::wstr2str(std::wstring(PROVIDER_NAME))) &&
+           filter.matches("vendor_id", kVendor) && filter.matches("product_id", kProduct);
+}
+
+bool CHpEvaPlugin::cellPasses(const CHpEvaNodeFilter &filter, const SHpEvaCell &cell)
+{
+    return filter.matches("enclosure_id", cell.objectwwn) &&
+           filter.matches("enclosure_name", CFiStringTool::wstr2str(cell.cellname));
+}
+
+int CHpEvaPlugin::enumerateNodes(qrn_node_list **out, int *count, int flags, wchar_t *filterText)
+{
+    CFiTraceLogFunction traceFunction(m_traceLog, "CHpEvaPlugin::enumerateNodes");
+    if (flags != 0 && (flags & kFlagServed) == 0) {
+        trace(1, "enumerateNodes(): Unhandled execption encountered, exiting the function");
+        return 6;
+    }
+    return guard("enumerateNodes", __LINE__).run([&] {
+        trace(6, "Specifed filter is [%S].", filterText != nullptr ? filterText : L"");
+        CHpEvaNodeFilter filter(filterText);
+        CFiNodeListFactory factory(out, count);
+        if (!providerPasses(filter)) {
+            return 0;
+        }
+        if (invokeDelayedInit() != 0) {
+            return 1;
+        }
+        CHpEvaCliTool tool(cliTool);
+        if (filter.has("udid")) {
+            trace(6, "Matching a single UDID as per filter");
+            CFiUdid udid(filter.get("udid"));
+            if (udid.getVendor() != kVendor) {
+                trace(2, "vendor id [%s] in udid, specified as filter, doesn't match the array vendor",
+                      udid.getVendor().c_str());
+                return 0;
+            }
+            SHpEvaVdisk disk = tool.findVirtualDisk(cells, udid.getEnclosure(), udid.getDisk());
+            const std::string name = getDiskDisplayName(disk);
+            trace(3, "Returning disk [%s] UDID [%s].", name.c_str(), udid.toString().c_str());
+            CFiNode node(PROVIDER_NAME, name.c_str(), udid.toString().c_str(), disk.capacity, 0, 0, 1);
+            factory.add(node);
+            return 0;
+        }
+
+        bool cellPassed = false;
+        for (const SHpEvaCell &cell : cells) {
+            if (!cellPasses(filter, cell)) {
+                continue;
+            }
+            cellPassed = true;
+            std::list<SHpEvaVdisk> disks;
+            int attempt = 0;
+            for (; attempt < kDiskListAttempts; ++attempt) {
+                try {
+                    disks.clear();
+                    tool.getVirtualDiskList(cell, disks);
+                    break;
+                } catch (const CHpEvaCliException &e) {
+                    trace(2, "%s", e.getKind() == CHpEvaCliException::CLI_NO_DATA
+                                       ? "HPEVA command did not return any data for command"
+                                       : "HPEVA command failed to get the disk information");
+                }
+            }
+            if (attempt == kDiskListAttempts) {
+                trace(1,
+                      "HP EVA failed to get the virtual disk information after [%d] retry attempts. exiting the "
+                      "enumeration call with error.",
+                      kDiskListAttempts);
+                return 6;
+            }
+            if (disks.empty()) {
+                trace(2, "No disks are found for current enclosure.");
+                continue;
+            }
+            CFiUdid udid(std::string(UDID_PREFIX) + cell.objectwwn + "##0000");
+            bool added = false;
+            for (const SHpEvaVdisk &disk : disks) {
+                const std::string name = getDiskDisplayName(disk);
+                trace(6, " Checking disk [%s] UDID [%s] for filtering.", name.c_str(), udid.toString().c_str());
+                if (!filter.containedIn("node_prefix", disk.objectname)) {
+                    continue;
+                }
+                const bool snapshot = isSnapshotDisk(disk);
+                if ((snapshot && (flags & kFlagNoSnapshots) != 0) || (!snapshot && (flags & kFlagNoActive) != 0)) {
+                    continue;
+                }
+                udid.setDisk(disk.wwlunid);
+                trace(6, " Adding disk [%s] UDID [%s].", name.c_str(), udid.toString().c_str());
+                CFiNode node(PROVIDER_NAME, name.c_str(), udid.toString().c_str(), disk.capacity, 0, 0, 1);
+                factory.add(node);
+                added = true;
+            }
+            if (!added) {
+                trace(2, "No disks are added for current enclosure.");
+            }
+        }
+        if (!cellPassed) {
+            trace(1, "Could not find the specified enclosure in accessible managers.");
+            return 3;
+        }
+        if (*count == 0) {
+            trace(2, "Due to aggressive filtering ZERO disks are returned.");
+        }
+        trace(6, "Returning [%d] disks in the list.", *count);
+        return 0;
+    });
+}
+
+int CHpEvaPlugin::enumerateEnclosures(qrn_enclosure_node_list **out, int *count, wchar_t *filterText)
+{
+    CFiTraceLogFunction traceFunction(m_traceLog, "CHpEvaPlugin::enumerateEnclosures");
+    return guard("enumerateEnclosures", __LINE__).run([&] {
+        CHpEvaNodeFilter filter(filterText);
+        if (!providerPasses(filter)) {
+            return 0;
+        }
+        if (invokeDelayedInit() != 0) {
+            return 1;
+        }
+        // Built only here: a refusal above leaves the caller's list as it was.
+        CFiEnclosureNodeListFactory factory(out, count);
+        const std::wstring vendor = CFiStringTool::str2wstr(std::string(kVendor));
+        const std::wstring product = CFiStringTool::str2wstr(std::string(kProduct));
+        for (const SHpEvaCell &cell : cells) {
+            if (cellPasses(filter, cell)) {
+                const std::wstring id = CFiStringTool::str2wstr(cell.objectwwn);
+                CFiEnclosureNode node(cell.cellname.c_str(), PROVIDER_NAME, id.c_str(), vendor.c_str(),
+                                      product.c_str(), cell.availablestoragespace, cell.totalstoragespace, 0);
+                factory.add(node);
+            }
+        }
+        return 0;
+    });
+}
+
+int CHpEvaPlugin::enumerateHostNodes(qrn_host_node_list **out, int *count, wchar_t *filterText)
+{
+    CFiTraceLogFunction traceFunction(m_traceLog, "CHpEvaPlugin::enumerateHostNodes");
+    return guard("enumerateHostNodes", __LINE__).run([&] {
+        CFiHostNodeListFactory factory(out, count);
+        CHpEvaNodeFilter filter(filterText);
+        if (!providerPasses(filter)) {
+            return 0;
+        }
+        if (invokeDelayedInit() != 0) {
+            return 1;
+        }
+        CHpEvaCliTool tool(cliTool);
+        for (const SHpEvaCell &cell : cells) {
+            if (!cellPasses(filter, cell)) {
+                continue;
+            }
+            std::vector<SHpEvaHost> hosts;
+            tool.getHostInfoList(cell, hosts);
+            const std::wstring id = CFiStringTool::str2wstr(cell.objectwwn);
+            for (const SHpEvaHost &host : hosts) {
+                // A host in a folder is shown by its last path component.
+                std::wstring name = CFiStringTool::str2wstr(host.name);
+                size_t slash;
+                while ((slash = name.find(L'\\')) != std::wstring::npos) {
+                    name.erase(0, slash + 1);
+                }
+                CFiHostNode node(name.c_str(), id.c_str());
+                node.addPorts(host.ports);
+                factory.add(node);
+            }
+        }
+        return 0;
+    });
+}

@@ -1,0 +1,105 @@
+// CHpEvaPlugin: start-up in two stages. init needs no array; delayedInit runs SSSU for the
+// first time, when a host first needs an array.
+#include "hpeva_plugin.h"
+
+#include "cficonfigurationpathtool.h"
+#include "cfiicumessagecatalogfactory.h"
+#include "cfiprivatedataconcretefactory.h"
+#include "cfiprivatedatamanager.h"
+#include "cfistringtool.h"
+#include "cfitracelogfunction.h"
+#include "hpeva_configuration.h"
+#include "hpeva_privatedata.h"
+
+using namespace qorin_pdk_4_4;
+
+namespace {
+
+const char kSourceFile[] = "providers/hpeva/hpeva_plugin_startup";
+const char kClaimPattern[] = "UDID##HP##HSV##";
+const char kNoQuiesce[] = "FI_QUIESCE_NONE";
+
+icu::Formattable text(const ACE_WString &value)
+{
+    return icu::Formattable(CFiStringTool::tstr2ustr(value));
+}
+
+}  // namespace
+
+int CHpEvaPlugin::init()
+{
+    CFiTraceLogFunction traceFunction(m_traceLog, "CHpEvaPlugin::init");
+    return guard("init", __LINE__, true).run([&] {
+        m_catalogFactory.reset(new CFiIcuMessageCatalogFactory(PROVIDER_NAME, "root"));
+        if (!m_catalogManager.isNull()) {
+            m_catalogManager->registerFactory(m_catalogFactory.get());
+        }
+        if (!m_privateDataManager.isNull()) {
+            m_privateDataManager->registerFactory(
+                CFiPrivateDataFactoryPtr(new CFiPrivateDataConcreteFactory<CHpEvaPrivateData>()));
+        }
+        // The groups take their names from the methods; VSnap first, as the host expects.
+        for (const char *method : {"HPEVA_VSnap", "HPEVA_Snapshot", "HPEVA_Snapclone", "HPEVA_DRGroup_Snapclone"}) {
+            addFim(kClaimPattern, method, kNoQuiesce, 3, "");
+        }
+
+        CHpEvaConfiguration config;
+        config.setTraceLog(m_traceLog);
+        cliTool = config.importCliPathInfo();
+        postUnmaskWait = config.importTuningSettings().postUnmaskWait;
+
+        getPblmOps().setTraceLog(m_traceLog);
+        // LUN 0 is the array controller's; 255 is kept free by the hosts.
+        getPblmOps().setLunNumRange(1, 254);
+
+        if (CFiConfigurationPathTool::verify(cliTool.getDirectory().c_str()) != 0) {
+            CHpEvaGuard::pushError(m_errorManager, "MSG_ERROR_CLI_NOT_INSTALLED",
+                                   {text(cliTool.getDirectory()), text(cliTool.getFileName())}, 2, kSourceFile,
+                                   __LINE__);
+            trace(1, "CHpEvaPlugin::init: CLI tool is not installed.");
+            return 30;
+        }
+        if (CFiConfigurationPathTool::verify(cliTool.getPath().c_str()) != 0) {
+            CHpEvaGuard::pushError(m_errorManager, "MSG_ERROR_CLI_NOT_FOUND",
+                                   {text(cliTool.getDirectory()), text(cliTool.getFileName())}, 2, kSourceFile,
+                                   __LINE__);
+            return 30;
+        }
+        credentials = config.importCredentials("HP", "HSV", ACE_WString(L"MANAGEMENT_APPLIANCE_INFO"), false);
+        if (!credentials.empty()) {
+            trace(3, "Imported credentials for [%d] array management appliances", static_cast<int>(credentials.size()));
+            return 0;
+        }
+        ACE_WString directory;
+        ACE_WString file;
+        CFiConfigurationPathTool::getConfigFileInfo(ACE_WString(PROVIDER_NAME), directory, file);
+        directory += file;
+        CHpEvaGuard::pushError(m_errorManager, "MSG_ERROR_NO_CREDENTIALS", {text(directory)}, 2, kSourceFile,
+                               __LINE__);
+        return 30;
+    });
+}
+
+int CHpEvaPlugin::delayedInit()
+{
+    CFiTraceLogFunction traceFunction(m_traceLog, "CHpEvaPlugin::delayedInit");
+    return guard("delayedInit", __LINE__, true).run([&] {
+        CHpEvaCliTool tool(cliTool);
+        if (tool.checkVersion() != 0) {
+            CHpEvaGuard::pushError(m_errorManager, "MSG_ERROR_VERSION_CHECK", {text(tool.getPath())}, 2,
+                                   kSourceFile, __LINE__);
+            return 29;
+        }
+        cells = tool.enumerateCells(credentials);
+        if (!cells.empty()) {
+            return 0;
+        }
+        CHpEvaGuard::pushError(m_errorManager, "MSG_ERROR_NO_ARRAYS_DISCOVERED", {}, 2, kSourceFile, __LINE__);
+        return 30;
+    });
+}
+
+void CHpEvaPlugin::fini()
+{
+    CFiTraceLogFunction traceFunction(m_traceLog, "CHpEvaPlugin::fini");
+}
