@@ -167,8 +167,8 @@ TEST_F(ExecSSSU, StatusAndErrorLinesDecideTogether)
         fresh.output("default", row.output);
         fresh.status("default", row.status);
         std::vector<std::string> lines;
-        CHpEvaCommandTempFile script(login(), ACE_WString(L"DELETE VDISK x"), ACE_WString(L"c"));
         try {
+            CHpEvaCommandTempFile script(login(), ACE_WString(L"DELETE VDISK x"), ACE_WString(L"c"));
             fresh.tool().execSSSU(script.getCommandFileOption(), lines, 30);
             EXPECT_EQ(row.outcome, Row::OK) << row.output;
         } catch (const CHpEvaCliException &e) {
@@ -182,7 +182,44 @@ TEST_F(ExecSSSU, StatusAndErrorLinesDecideTogether)
             EXPECT_TRUE(recorder->traced("CLIDATA: [no error text]"));
             EXPECT_EQ(lines, std::vector<std::string>{"no error text"}) << "the caller keeps what was read";
         }
+        EXPECT_TRUE(filesIn(fresh.tmp).empty()) << "script left behind: " << row.output;
     }
+}
+
+TEST_F(ExecSSSU, APasswordEchoIsMaskedInTheExceptionTheMessageAndTheTrace)
+{
+    site.output("default", "NoSystemSelected> select manager cv1 user=admin password=s3cret word\n"
+                           "Error: Login failed\n");
+    std::vector<std::string> lines;
+    try {
+        run(lines);
+        ADD_FAILURE() << "succeeded";
+    } catch (const CHpEvaCliException &e) {
+        EXPECT_EQ(e.getOutput()[0], "NoSystemSelected> select manager cv1 user=admin password=********");
+        EXPECT_EQ(e.report(), 6);
+    }
+    ASSERT_EQ(recorder->messages.size(), 1u);
+    const qrn_msg_info *pushed = recorder->messages[0]->serialize();
+    std::string text(pushed->text, pushed->length);
+    EXPECT_NE(text.find("password=********"), std::string::npos);
+    EXPECT_EQ(text.find("s3cret"), std::string::npos);
+    for (const std::string &line : recorder->lines) {
+        EXPECT_EQ(line.find("s3cret"), std::string::npos) << line;
+    }
+}
+
+TEST_F(ExecSSSU, ALineBreakInAnOperationsValueNeverStartsTheTool)
+{
+    SFiCredential broken = login();
+    broken.hostname = L"cv1\nselect manager other";
+    std::vector<std::string> lines;
+    auto operation = [&] {
+        CHpEvaCommandTempFile script(broken, ACE_WString(L"LS CELL"), ACE_WString());
+        site.tool().execSSSU(script.getCommandFileOption(), lines, 30);
+    };
+    EXPECT_THROW(operation(), CHpEvaCliException);
+    EXPECT_EQ(site.runs(), 0);
+    EXPECT_TRUE(filesIn(site.tmp).empty());
 }
 
 TEST_F(ExecSSSU, AToolThatCannotStartGivesNoData)

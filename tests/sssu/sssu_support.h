@@ -19,6 +19,7 @@
 #include "cfitracelog.h"
 #include "hpeva_clitool.h"
 #include "hpeva_singletons.h"
+#include "temp_install_root.h"
 
 namespace sssu_test {
 
@@ -118,10 +119,12 @@ inline Recorder &processRecorder()
         qorin_pdk_4_4::CFiErrorManagerPtr errors;
         getErrorManagerSingleton(errors, false);
         errors->registerHandler(r);
+        // The level comes from the install root's configuration, as in a real installation.
+        static TempInstallRoot root;
+        root.writeFile("ConfigFiles/tamlin.conf", "[DEBUG_TRACE_INFO]\n\"TRACELEVEL\"=dword:00000006\n");
         qorin_pdk_4_4::CFiTraceLogPtr log;
         getTraceLogSingleton(log, false);
-        static const std::string logDir = makeTempDir("sssu-log");
-        log->initialize(L"tamlin", qorin_pdk_4_4::CFiStringTool::str2tstr(logDir), L"trace", 6, false);
+        log->initialize(L"tamlin", qorin_pdk_4_4::CFiStringTool::str2tstr(root.path("Logs/")), L"trace", 1, false);
         log->registerErrorManager(errors);
         return r;
     }();
@@ -133,6 +136,7 @@ class StandIn {
 public:
     StandIn()
     {
+        processRecorder();  // its install root must not land in this run's TMPDIR
         root = makeTempDir("sssu");
         dir = root + "/standin";
         tmp = root + "/tmp";
