@@ -391,9 +391,9 @@ int CFiPluginBase::delLastError(qrn_msg_info **info)
 int CFiPluginBase::getLocaleMessage(int *, qrn_msg_info *info, const char *language, wchar_t **out)
 {
     PLUGIN_BASE_TRACE("getLocaleMessage");
-    (void)info;
-    (void)language;
-    (void)out;
+    if (!m_catalogManager.isNull()) {
+        m_catalogManager->getLocalizedMessage(info, language, out);
+    }
     return 0;
 }
 
