@@ -1,0 +1,541 @@
+// The whole road through dlopen: the provider starts from an install root, finds SSSU (the
+// simulator under an SSSU name), logs in to the Command View servers of its credentials
+// and lists the disks, enclosures and hosts of the simulated arrays.
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "host_context.h"
+#include "provider_fixture.h"
+#include "result_lists.h"
+#include "temp_install_root.h"
+#include "text.h"
+
+using result_lists::freeList;
+
+namespace {
+
+std::string buildDir()
+{
+    const char *dir = getenv("TAMLIN_BUILD_DIR");
+    return dir != nullptr ? dir : ".";
+}
+
+std::string sourceDir()
+{
+    const char *dir = getenv("TAMLIN_SOURCE_DIR");
+    return dir != nullptr ? dir : ".";
+}
+
+std::string narrow(const wchar_t *text)
+{
+    return text == nullptr ? std::string("<null>") : toUtf8(std::wstring(text));
+}
+
+std::wstring wide(const std::string &text)
+{
+    return fromUtf8(text);
+}
+
+// What a run of the simulator's administration printed, and its status.
+struct Admin {
+    int status;
+    std::string out;
+};
+
+Admin evasim(const std::string &arguments)
+{
+    std::string command = buildDir() + "/bin/evasim " + arguments + " 2>&1";
+    Admin result{-1, ""};
+    if (FILE *pipe = popen(command.c_str(), "r")) {
+        char buffer[4096];
+        size_t n;
+        while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
+            result.out.append(buffer, n);
+        }
+        int status = pclose(pipe);
+        result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    return result;
+}
+
+// Rows of one table of `evasim show ... --format tsv`, by header name.
+std::vector<std::map<std::string, std::string>> table(const std::string &name)
+{
+    Admin shown = evasim("show " + name + " --format tsv");
+    std::vector<std::map<std::string, std::string>> rows;
+    std::istringstream in(shown.out);
+    std::string line;
+    std::vector<std::string> header;
+    auto split = [](const std::string &text) {
+        std::vector<std::string> cells;
+        std::string cell;
+        std::istringstream fields(text);
+        while (std::getline(fields, cell, '\t')) {
+            cells.push_back(cell);
+        }
+        if (!text.empty() && text.back() == '\t') {
+            cells.push_back("");
+        }
+        return cells;
+    };
+    while (std::getline(in, line)) {
+        if (line.empty() || line[0] == '#') {
+            header.clear();
+            continue;
+        }
+        if (header.empty()) {
+            header = split(line);
+            continue;
+        }
+        std::vector<std::string> cells = split(line);
+        std::map<std::string, std::string> row;
+        for (size_t i = 0; i < header.size(); ++i) {
+            row[header[i]] = i < cells.size() ? cells[i] : "";
+        }
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+std::string upper(std::string text)
+{
+    for (char &c : text) {
+        c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
+    }
+    return text;
+}
+
+struct Login {
+    std::string host, user, password;
+};
+
+struct Message {
+    std::wstring text;
+    int severity;
+};
+
+// An install root, an SSSU directory holding the simulator and the simulator's world, for
+// one provider start.
+class Site {
+public:
+    explicit Site(const std::vector<Login> &logins, const std::string &scenario = "site.scn")
+    {
+        root.installMessages();
+        sssuDir = root.path("sssu/");
+        std::filesystem::create_directories(sssuDir);
+        std::filesystem::create_symlink(buildDir() + "/bin/evasim", sssuDir + "sssu_linux_x64");
+        root.setEnv("EVASIM_HOME", root.path("evasim"));
+        Admin made = evasim("init --scenario " + sourceDir() + "/tests/enumeration/" + scenario);
+        EXPECT_EQ(made.status, 0) << made.out;
+        writeConfig(logins, "[CLI_TOOL_INFO]\n\"FILEPATH\"=\"" + sssuDir + "\"\n\"FILENAME\"=\"sssu_linux_x64\"\n");
+    }
+
+    void writeConfig(const std::vector<Login> &logins, const std::string &toolSection)
+    {
+        std::string conf = "[DEBUG_TRACE_INFO]\n\"TRACELEVEL\"=dword:00000006\n\n" + toolSection + "\n";
+        for (const Login &login : logins) {
+            conf += "[MANAGEMENT_APPLIANCE_INFO\\" + login.host + "]\n\"HOSTNAME\"=\"" + login.host +
+                    "\"\n\"USERNAME\"=\"" + login.user + "\"\n\"PASSWORD\"=\"" + login.password + "\"\n\n";
+        }
+        root.writeFile("ConfigFiles/tamlin.conf", conf);
+    }
+
+    std::string log() const
+    {
+        std::string all;
+        for (const std::string &name : root.list("Logs")) {
+            all += root.readFile("Logs/" + name);
+        }
+        return all;
+    }
+
+    TempInstallRoot root;
+    std::string sssuDir;
+};
+
+// The SSSU lock's file is placed once per process, so its directory outlives every test.
+class LockDirectory : public ::testing::Environment {
+public:
+    void SetUp() override
+    {
+        char pattern[] = "/tmp/tamlin-locks-XXXXXX";
+        ASSERT_NE(mkdtemp(pattern), nullptr);
+        m_dir = pattern;
+        setenv("QORIN_LOCK_DIR", m_dir.c_str(), 1);
+    }
+    void TearDown() override
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_dir, ignored);
+    }
+
+private:
+    std::string m_dir;
+};
+const ::testing::Environment *const kLocks = ::testing::AddGlobalTestEnvironment(new LockDirectory);
+
+const Login kCv1{"cv1", "admin", "secret"};
+const Login kCv2{"cv2", "admin", "other"};
+
+// Starts the provider for one test and stops it at the end, as a host does per job.
+class Provider : public ::testing::Test {
+protected:
+    int start()
+    {
+        uint16_t version[4] = {0, 0, 0, 0};
+        started = true;
+        return provider()->init(host.get(), version);
+    }
+    void TearDown() override
+    {
+        if (started) {
+            provider()->fini();
+        }
+    }
+
+    // The calling thread's last error: its message key.
+    std::string lastErrorKey()
+    {
+        qrn_msg_info *info = nullptr;
+        if (provider()->get_last_error(&info) != 0 || info == nullptr) {
+            return "<none>";
+        }
+        std::string text(info->text, info->length);
+        provider()->del_last_error(&info);
+        std::smatch found;
+        return std::regex_search(text, found, std::regex("MSGID=(\\w+)")) ? found[1].str() : text;
+    }
+
+    struct Disk {
+        std::string name, udid, provider;
+        uint64_t size;
+    };
+
+    int disks(std::vector<Disk> &out, int flags = 0, const wchar_t *filter = nullptr)
+    {
+        qrn_node_list *list = nullptr;
+        int32_t count = 0;
+        std::wstring text = filter != nullptr ? filter : L"";
+        int rc = provider()->enumerate_nodes(&list, &count, flags, filter != nullptr ? &text[0] : nullptr);
+        out.clear();
+        for (qrn_node_list *n = list; n != nullptr; n = n->next) {
+            out.push_back({narrow(n->displayName), n->id != nullptr ? narrow(n->id->text) : "", narrow(n->provider),
+                           n->size});
+        }
+        EXPECT_EQ(static_cast<size_t>(count), out.size());
+        freeList(list);
+        return rc;
+    }
+
+    std::vector<std::string> diskNames(int flags = 0, const wchar_t *filter = nullptr, int expect = 0)
+    {
+        std::vector<Disk> found;
+        EXPECT_EQ(disks(found, flags, filter), expect) << narrow(filter);
+        std::vector<std::string> names;
+        for (const Disk &d : found) {
+            names.push_back(d.name);
+        }
+        return names;
+    }
+
+    HostContext host{"en", [this](const std::wstring &hostText, const std::wstring &, int severity) {
+                         messages.push_back({hostText, severity});
+                     }};
+    std::vector<Message> messages;
+    bool started = false;
+};
+
+// "\Virtual Disks\db\data\ACTIVE" -> "db\data"; a snapshot keeps its own name.
+std::string shownPath(std::string path)
+{
+    const std::string head = "\\Virtual Disks\\";
+    const std::string tail = "\\ACTIVE";
+    if (path.rfind(head, 0) == 0) {
+        path.erase(0, head.size());
+    }
+    if (path.size() > tail.size() && path.compare(path.size() - tail.size(), tail.size(), tail) == 0) {
+        path.erase(path.size() - tail.size());
+    }
+    return path;
+}
+
+}  // namespace
+
+TEST_F(Provider, ANullFilterListsEveryDiskOfEveryCellWithItsIdentity)
+{
+    Site site({kCv1, kCv2});
+    ASSERT_EQ(start(), 0);
+    std::vector<Disk> found;
+    ASSERT_EQ(disks(found), 0);
+
+    std::map<std::string, std::string> cellWwn;
+    for (const auto &cell : table("cells")) {
+        cellWwn[cell.at("name")] = cell.at("wwn");
+    }
+    std::set<std::string> expected;
+    for (const auto &disk : table("disks")) {
+        expected.insert("HP##HSV##" + disk.at("cell") + "##" + shownPath(disk.at("path")) + " " + "UDID##HP##HSV##" +
+                        upper(cellWwn.at(disk.at("cell"))) + "##" + upper(disk.at("wwlunid")));
+    }
+    std::set<std::string> listed;
+    for (const Disk &d : found) {
+        listed.insert(d.name + " " + d.udid);
+        EXPECT_EQ(d.provider, "tamlin");
+    }
+    EXPECT_EQ(found.size(), expected.size()) << "each disk once, the shared cell too";
+    EXPECT_EQ(listed, expected);
+    for (const Disk &d : found) {
+        if (d.name == "HP##HSV##EVA01##db\\data") {
+            EXPECT_EQ(d.size, 20ull * 1024 * 1024 * 1024);
+        }
+    }
+    EXPECT_EQ(site.log().find("secret"), std::string::npos) << "no password in the trace log";
+}
+
+TEST_F(Provider, FilterKeysSelectCellsAndDisks)
+{
+    Site site({kCv1, kCv2});
+    ASSERT_EQ(start(), 0);
+    const std::vector<std::string> all = diskNames();
+    ASSERT_EQ(all.size(), 6u);
+
+    EXPECT_EQ(diskNames(0, L"vendor_id=hp,product_id=hsv,provider_name=TAMLIN").size(), all.size())
+        << "the identity keys ignore case";
+    EXPECT_EQ(diskNames(0, L"enclosure_name=eva02"), std::vector<std::string>{"HP##HSV##EVA02##db\\remote"});
+    EXPECT_EQ(diskNames(0, L"enclosure_id=5000-1fe1-5000-00c3"), std::vector<std::string>{"HP##HSV##EVA 03##x\\y"});
+    EXPECT_EQ(diskNames(0, L"node_prefix=\\db\\"),
+              (std::vector<std::string>{"HP##HSV##EVA01##db\\data", "HP##HSV##EVA01##db\\data\\data_snap",
+                                        "HP##HSV##EVA01##db\\logs", "HP##HSV##EVA02##db\\remote"}));
+    EXPECT_TRUE(diskNames(0, L"node_prefix=\\DB\\").empty()) << "the prefix keeps its case";
+    EXPECT_TRUE(site.log().find("Due to aggressive filtering ZERO disks are returned.") != std::string::npos);
+
+    std::vector<Disk> none;
+    EXPECT_EQ(disks(none, 0, L"enclosure_name=NOWHERE"), 3);
+    EXPECT_TRUE(none.empty());
+}
+
+TEST_F(Provider, FlagsLeaveOutSnapshotsOrActiveDisksAndRefuseWithoutTheServedBit)
+{
+    Site site({kCv1});
+    ASSERT_EQ(start(), 0);
+    const wchar_t *eva01 = L"enclosure_name=EVA01";
+    EXPECT_EQ(diskNames(0x10 | 0x40, eva01),
+              (std::vector<std::string>{"HP##HSV##EVA01##d1", "HP##HSV##EVA01##db\\data", "HP##HSV##EVA01##db\\logs"}));
+    EXPECT_EQ(diskNames(0x10 | 0x80, eva01), std::vector<std::string>{"HP##HSV##EVA01##db\\data\\data_snap"});
+    EXPECT_TRUE(diskNames(0x10 | 0x40 | 0x80, eva01).empty());
+    EXPECT_TRUE(diskNames(0x40, eva01, 6).empty()) << "64 without 16 is refused";
+    EXPECT_EQ(diskNames(0x10, eva01).size(), 4u);
+}
+
+TEST_F(Provider, AnotherProviderOrVendorAsksNoArray)
+{
+    Site site({kCv1});
+    // Every login would fail from here on: a call that reached an array would show it.
+    ASSERT_EQ(evasim("fault https --count 50").status, 0);
+    ASSERT_EQ(start(), 0);
+    EXPECT_TRUE(diskNames(0, L"provider_name=other").empty());
+    EXPECT_TRUE(diskNames(0, L"vendor_id=IBM").empty());
+
+    qrn_enclosure_node_list *untouched = reinterpret_cast<qrn_enclosure_node_list *>(0x1);
+    int32_t count = 0;
+    std::wstring filter = L"vendor_id=EMC";
+    EXPECT_EQ(provider()->enumerate_enclosures(&untouched, &count, &filter[0]), 0);
+    EXPECT_EQ(untouched, reinterpret_cast<qrn_enclosure_node_list *>(0x1)) << "the list is left as passed";
+    qrn_host_node_list *hosts = reinterpret_cast<qrn_host_node_list *>(0x1);
+    EXPECT_EQ(provider()->enumerate_host_nodes(&hosts, &count, &filter[0]), 0);
+    EXPECT_EQ(hosts, nullptr) << "the host list is built first, and so emptied";
+    EXPECT_EQ(table("faults").at(0).at("remaining"), "50");
+}
+
+TEST_F(Provider, ASingleDiskByItsUdid)
+{
+    Site site({kCv1});
+    ASSERT_EQ(start(), 0);
+    std::vector<Disk> all;
+    ASSERT_EQ(disks(all, 0, L"enclosure_name=EVA01"), 0);
+    ASSERT_FALSE(all.empty());
+    const Disk &wanted = all.back();
+
+    std::string lower = wanted.udid;
+    for (char &c : lower) {
+        c = static_cast<char>(tolower(static_cast<unsigned char>(c)));
+    }
+    lower.replace(0, 15, "UDID##HP##HSV##");  // only the vendor test is exact
+    for (const std::string &udid : {wanted.udid, lower}) {
+        std::vector<Disk> one;
+        std::wstring filter = wide("udid=" + udid + ",enclosure_name=ignored,node_prefix=ignored");
+        ASSERT_EQ(disks(one, 0x10 | 0x40 | 0x80, filter.c_str()), 0) << udid;
+        ASSERT_EQ(one.size(), 1u) << udid;
+        EXPECT_EQ(one[0].name, wanted.name);
+        EXPECT_EQ(one[0].udid, wanted.udid);
+        EXPECT_EQ(one[0].size, wanted.size);
+    }
+    std::string otherVendor = wanted.udid;
+    otherVendor.replace(6, 2, "hp");
+    std::wstring filter = wide("udid=" + otherVendor);
+    EXPECT_TRUE(diskNames(0, filter.c_str()).empty()) << "the vendor part is compared exactly";
+
+    std::vector<Disk> bad;
+    EXPECT_EQ(disks(bad, 0, L"udid="), 6);
+    EXPECT_EQ(lastErrorKey(), "MSG_ERROR_UDID_PARSING_EXCEPTION");
+}
+
+TEST_F(Provider, ACellThatFailsFourTimesEndsTheListingAndKeepsEarlierCells)
+{
+    Site site({kCv1, kCv2});
+    ASSERT_EQ(start(), 0);
+    ASSERT_EQ(diskNames().size(), 6u);  // discovery done; cells in the order found
+
+    ASSERT_EQ(evasim("fault error --match \"LS VDISK\" --cell EVA02 --count 3").status, 0);
+    EXPECT_EQ(diskNames().size(), 6u) << "the fourth attempt succeeds";
+
+    ASSERT_EQ(evasim("fault error --match \"LS VDISK\" --cell EVA02 --count 4").status, 0);
+    std::vector<Disk> partial;
+    EXPECT_EQ(disks(partial), 6);
+    std::set<std::string> cells;
+    for (const Disk &d : partial) {
+        cells.insert(d.name.substr(0, d.name.find("##", 9)));
+    }
+    EXPECT_TRUE(cells.count("HP##HSV##EVA01")) << "entries of cells before the failing one stay";
+    EXPECT_FALSE(cells.count("HP##HSV##EVA02"));
+    EXPECT_NE(site.log().find("HP EVA failed to get the virtual disk information after [4] retry attempts."),
+              std::string::npos);
+}
+
+TEST_F(Provider, EnclosuresOnceEachThoughServersShareACell)
+{
+    Site site({kCv1, kCv2});
+    ASSERT_EQ(start(), 0);
+    qrn_enclosure_node_list *list = nullptr;
+    int32_t count = 0;
+    ASSERT_EQ(provider()->enumerate_enclosures(&list, &count, nullptr), 0);
+    std::map<std::string, const qrn_enclosure_node_list *> byName;
+    for (const qrn_enclosure_node_list *e = list; e != nullptr; e = e->next) {
+        EXPECT_EQ(byName.count(narrow(e->name)), 0u) << narrow(e->name) << " twice";
+        byName[narrow(e->name)] = e;
+    }
+    EXPECT_EQ(count, 3);
+    ASSERT_EQ(byName.size(), 3u);
+    const qrn_enclosure_node_list *eva01 = byName.at("EVA01");
+    EXPECT_EQ(narrow(eva01->enclosureId), "5000-1FE1-5000-00A1");
+    EXPECT_EQ(narrow(eva01->vendor), "HP");
+    EXPECT_EQ(narrow(eva01->product), "HSV");
+    EXPECT_EQ(narrow(eva01->provider), "tamlin");
+    EXPECT_EQ(eva01->total, 2048ull * 1024 * 1024 * 1024);
+    EXPECT_GT(eva01->available, 0u);
+    EXPECT_LT(eva01->available, eva01->total);
+    freeList(list);
+
+    list = nullptr;
+    count = 0;
+    std::wstring filter = L"enclosure_id=5000-1fe1-5000-00b2";
+    ASSERT_EQ(provider()->enumerate_enclosures(&list, &count, &filter[0]), 0);
+    ASSERT_EQ(count, 1);
+    EXPECT_EQ(narrow(list->name), "EVA02");
+    freeList(list);
+}
+
+TEST_F(Provider, HostsByTheirLastPathComponentWithPlainPorts)
+{
+    Site site({kCv1, kCv2});
+    ASSERT_EQ(start(), 0);
+    qrn_host_node_list *list = nullptr;
+    int32_t count = 0;
+    ASSERT_EQ(provider()->enumerate_host_nodes(&list, &count, nullptr), 0);
+    std::multiset<std::string> rows;
+    for (const qrn_host_node_list *h = list; h != nullptr; h = h->next) {
+        std::string row = narrow(h->enclosureId) + " " + narrow(h->hostName) + ":";
+        for (uint32_t i = 0; i < h->portCount; ++i) {
+            row += " " + narrow(h->ports[i]);
+        }
+        EXPECT_EQ(h->ports[h->portCount], nullptr);
+        rows.insert(row);
+    }
+    EXPECT_EQ(count, 5);
+    EXPECT_EQ(rows, (std::multiset<std::string>{
+                        "5000-1FE1-5000-00C3 h9: 10000000C9000009",
+                        "5000-1FE1-5000-00A1 bare:",
+                        "5000-1FE1-5000-00A1 h1: 10000000C9000001",
+                        "5000-1FE1-5000-00A1 h2: 10000000C9000002 10000000C9000003",
+                        "5000-1FE1-5000-00B2 h1: 10000000C9000001",
+                    }));
+    freeList(list);
+}
+
+TEST_F(Provider, ABadServerAloneDoesNotStopDiscovery)
+{
+    Site site({{"cvdown", "admin", "secret"}, {"cv1", "admin", "wrong"}, kCv2});
+    ASSERT_EQ(start(), 0);
+    qrn_enclosure_node_list *list = nullptr;
+    int32_t count = 0;
+    ASSERT_EQ(provider()->enumerate_enclosures(&list, &count, nullptr), 0);
+    EXPECT_EQ(count, 2) << "the cells of cv2";
+    freeList(list);
+}
+
+TEST_F(Provider, NoServerThatAnswersFailsTheFirstEntryAndTheNextGoesOn)
+{
+    Site site({{"cvdown", "admin", "secret"}});
+    ASSERT_EQ(start(), 0) << "init needs no array";
+    std::vector<Disk> none;
+    EXPECT_EQ(disks(none), 1);
+    EXPECT_EQ(lastErrorKey(), "MSG_ERROR_NO_ARRAYS_DISCOVERED");
+    qrn_enclosure_node_list *list = nullptr;
+    int32_t count = 0;
+    EXPECT_EQ(provider()->enumerate_enclosures(&list, &count, nullptr), 0) << "no second start";
+    EXPECT_EQ(count, 0);
+}
+
+TEST_F(Provider, AnUnknownSssuVersionFailsTheFirstEntryOnly)
+{
+    Site site({kCv1});
+    ASSERT_EQ(evasim("set version=1.0.0").status, 0);
+    ASSERT_EQ(start(), 0);
+    std::vector<Disk> none;
+    EXPECT_EQ(disks(none), 1);
+    EXPECT_EQ(lastErrorKey(), "MSG_ERROR_VERSION_CHECK");
+    qrn_enclosure_node_list *list = nullptr;
+    int32_t count = 0;
+    EXPECT_EQ(provider()->enumerate_enclosures(&list, &count, nullptr), 0) << "the next entry goes on";
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(disks(none), 3) << "with no cell found, no enclosure passes";
+}
+
+TEST_F(Provider, StartFailsWhenSssuOrCredentialsAreMissing)
+{
+    {
+        Site site({kCv1});
+        site.writeConfig({kCv1}, "[CLI_TOOL_INFO]\n\"FILEPATH\"=\"" + site.root.path("absent/") + "\"\n");
+        EXPECT_EQ(start(), 30);
+        EXPECT_EQ(lastErrorKey(), "MSG_ERROR_CLI_NOT_INSTALLED");
+        provider()->fini();
+    }
+    {
+        Site site({kCv1});
+        site.writeConfig({kCv1}, "[CLI_TOOL_INFO]\n\"FILEPATH\"=\"" + site.sssuDir + "\"\n\"FILENAME\"=\"sssu.exe\"\n");
+        EXPECT_EQ(start(), 30);
+        EXPECT_EQ(lastErrorKey(), "MSG_ERROR_CLI_NOT_FOUND");
+        provider()->fini();
+    }
+    {
+        Site site({});
+        EXPECT_EQ(start(), 30);
+        EXPECT_EQ(lastErrorKey(), "MSG_ERROR_NO_CREDENTIALS");
+        ASSERT_FALSE(messages.empty());
+        bool named = false;
+        for (const Message &m : messages) {
+            named = named || m.text.find(L"ConfigFiles/tamlin.conf") != std::wstring::npos;
+        }
+        EXPECT_TRUE(named) << "the message names the file to fix: " << narrow(messages.back().text.c_str());
+    }
+}
