@@ -1,26 +1,118 @@
 #!/usr/bin/env bash
-# Runs the command-line host against the freshly built provider.
+# The demo: a provider install against simulated arrays, looked at with tamlinctl.
 set -euo pipefail
 
 usage() {
   cat <<TXT
 Usage: scripts/demo.sh [BUILD_DIR]
 
-Loads the provider built in BUILD_DIR (default: build) with tamlinctl, the way a backup
-framework does, and shows what it announces.
+Lays out a demo install of the provider built in BUILD_DIR (default: build) under
+BUILD_DIR/demo and shows, with tamlinctl, what a backup framework sees through it:
+
+  - an install root (QORIN_INSTALL_ROOT) whose ConfigFiles/tamlin.conf points CLI_TOOL_INFO at
+    the array simulator evasim, installed under the SSSU name sssu_linux_x64, holds the logins
+    of two Command View servers and sets trace level 3;
+  - an evasim site with two servers, three storage cells, a few dozen disks in folders,
+    snapshots, hosts in folders and a DR group (tools/evasim/scenarios/demo-site.scn);
+  - tamlinctl info, enclosures, hosts and disks (with a filter and flags), then errmsg.
+
+Each run starts from scratch. Afterwards the paths of the install root, the trace log and
+the simulator's state are printed, with the commands to look further yourself.
 TXT
 }
 
 case "${1:-}" in
   -h|--help) usage; exit 0 ;;
 esac
-build=${1:-build}
+build=$(cd "${1:-build}" && pwd)
+src=$(cd "$(dirname "$0")/.." && pwd)
 ctl="$build/bin/tamlinctl"
 lib="$build/lib/libtamlin.so"
-if [[ ! -x "$ctl" || ! -f "$lib" ]]; then
-  echo "demo: $ctl or $lib is missing; run 'make build' first" >&2
-  exit 1
-fi
+evasim="$build/bin/evasim"
+for f in "$ctl" "$lib" "$evasim" "$build/Messages/libtamlin/root.res"; do
+  if [[ ! -e "$f" ]]; then
+    echo "demo: $f is missing; run 'make build' first" >&2
+    exit 1
+  fi
+done
 
-echo "== tamlinctl check: load $lib, resolve its entries, init and fini"
-"$ctl" --provider "$lib" check
+demo="$build/demo"
+root="$demo/install/"
+sssu="$demo/sssu/"
+rm -rf "$demo"
+mkdir -p "${root}ConfigFiles" "${root}Messages" "$sssu" "$demo/evasim"
+cp -r "$build/Messages/libtamlin" "${root}Messages/"
+ln -s "$evasim" "${sssu}sssu_linux_x64"
+
+cat >"${root}ConfigFiles/tamlin.conf" <<CONF
+[DEBUG_TRACE_INFO]
+"TRACELEVEL"=dword:00000003
+
+[CLI_TOOL_INFO]
+"FILEPATH"="$sssu"
+"FILENAME"="sssu_linux_x64"
+
+[MANAGEMENT_APPLIANCE_INFO\\cv-east]
+"HOSTNAME"="cv-east.example.com"
+"USERNAME"="administrator"
+"PASSWORD"="Secret1"
+
+[MANAGEMENT_APPLIANCE_INFO\\cv-west]
+"HOSTNAME"="cv-west.example.com"
+"USERNAME"="administrator"
+"PASSWORD"="two words"
+CONF
+
+export QORIN_INSTALL_ROOT="$root"
+export QORIN_REGISTRY="$demo/registry.conf"   # absent: no machine-wide settings apply
+export QORIN_LOCK_DIR="$demo"
+export EVASIM_HOME="$demo/evasim"
+unset QORIN_CREDENTIAL_BLOB QORIN_CONSUMER
+
+step() { printf '\n== %s\n' "$*"; }
+run() {
+  printf '$ tamlinctl %s\n' "$*"
+  "$ctl" --provider "$lib" "$@"
+}
+
+step "The simulated site: Command View servers and their storage cells"
+"$evasim" init --scenario "$src/tools/evasim/scenarios/demo-site.scn"
+"$evasim" show servers
+
+step "What the provider announces (no array is asked for this)"
+run info
+
+step "The arrays it reaches: each cell once, though EVA-DR is managed by both servers"
+run enclosures
+
+step "The hosts the arrays know, by name, with their port WWNs"
+run hosts
+
+step "Every virtual disk with the UDID a backup job names it by"
+run disks
+
+step "Only the Oracle disks of EVA-EAST, without snapshots"
+run disks --enclosure-name EVA-EAST --prefix '\Oracle\' --no-snapshots
+
+step "A disk by its UDID, as a backup job asks for it"
+udid=$("$ctl" --provider "$lib" --json disks --prefix '\Files\share01' | sed -n 's/.*"udid": *"\([^"]*\)".*/\1/p' | head -n 1)
+run disks --udid "$udid"
+
+step "What a result code means, in English and in German"
+run errmsg 29
+run --lang de errmsg 29
+
+log=$(ls "$root"Logs/tamlin.log.* 2>/dev/null | head -n 1 || true)
+step "Where things are"
+cat <<TXT
+install root      $root
+  configuration   ${root}ConfigFiles/tamlin.conf
+  trace log       ${log:-(none written)}
+SSSU (evasim)     ${sssu}sssu_linux_x64
+simulator state   $EVASIM_HOME/evasim.db
+
+Look further with the same environment:
+  export QORIN_INSTALL_ROOT=$root QORIN_REGISTRY=$QORIN_REGISTRY QORIN_LOCK_DIR=$QORIN_LOCK_DIR EVASIM_HOME=$EVASIM_HOME
+  $ctl --help
+  $evasim show disks --cell EVA-WEST
+TXT
