@@ -51,8 +51,16 @@ public:
     CFiSaxParseHandler &operator=(const CFiSaxParseHandler &) = delete;
 
 protected:
-    // Element names compare as UTF-16 text, without transcoding each one.
-    static bool nameIs(const XMLCh *name, std::u16string_view expected) { return name != nullptr && expected == name; }
+    // The buffer becomes the characters as UTF-8; its storage is reused, which matters in a
+    // listing of hundreds of thousands of values.
+    void assignText(const XMLCh *chars, XMLSize_t length);
+
+    // Element names compare as UTF-16 text, without transcoding each one: take the view once
+    // per callback and compare it with literals.
+    static std::u16string_view nameOf(const XMLCh *name)
+    {
+        return name != nullptr ? std::u16string_view(name) : std::u16string_view();
+    }
 
     std::string m_text;
 

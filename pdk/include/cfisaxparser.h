@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include <xercesc/sax/InputSource.hpp>
 #include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/sax2/SAX2XMLReader.hpp>
 
@@ -25,13 +26,15 @@ public:
     void setInputSchema(const char *path);
 
     void parse(const std::string &text);
-    // The lines joined with nothing between them.
+    // The lines as if joined with nothing between them (they are read in place, not copied).
     void parse(const std::vector<std::string> &lines);
 
     CFiSaxParser(const CFiSaxParser &) = delete;
     CFiSaxParser &operator=(const CFiSaxParser &) = delete;
 
 private:
+    void run(xercesc::InputSource &source);
+    void reportNoReader();
     // Hands a failure that Xerces threw instead of reporting to the handler's error slot.
     void reportToHandler(const XMLCh *message);
 

@@ -1,6 +1,7 @@
 #include "cfisaxparsehandler.h"
 
 #include <unicode/unistr.h>
+#include <unicode/ustring.h>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLUniDefs.hpp>
 #include <xercesc/util/XMLUni.hpp>
@@ -33,6 +34,25 @@ CFiSaxParseHandler::~CFiSaxParseHandler() = default;
 void CFiSaxParseHandler::characters(const XMLCh *const chars, const XMLSize_t length)
 {
     m_text += toString(chars, length);
+}
+
+void CFiSaxParseHandler::assignText(const XMLCh *chars, XMLSize_t length)
+{
+    if (chars == nullptr || length == 0) {
+        m_text.clear();
+        return;
+    }
+    // A UTF-16 unit never needs more than three bytes of UTF-8.
+    m_text.resize(static_cast<size_t>(length) * 3);
+    UErrorCode status = U_ZERO_ERROR;
+    int32_t written = 0;
+    u_strToUTF8(&m_text[0], static_cast<int32_t>(m_text.size()), &written, chars, static_cast<int32_t>(length),
+                &status);
+    if (U_FAILURE(status)) {
+        // As CFiStringTool does for ill-formed text.
+        written = 0;
+    }
+    m_text.resize(static_cast<size_t>(written));
 }
 
 void CFiSaxParseHandler::startElement(const XMLCh *const, const XMLCh *const, const XMLCh *const,

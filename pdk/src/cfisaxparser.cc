@@ -1,6 +1,11 @@
 #include "cfisaxparser.h"
 
+#include <algorithm>
+#include <cstring>
+
 #include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/sax/InputSource.hpp>
+#include <xercesc/util/BinInputStream.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/sax2/XMLReaderFactory.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
@@ -16,6 +21,51 @@ namespace qorin_pdk_4_4 {
 namespace {
 
 const char BUFFER_ID[] = "qorin_sax_parser";
+
+// The lines read one after the other, as if joined: a listing of many megabytes is parsed
+// without a second copy of it.
+class LinesInputStream : public BinInputStream {
+public:
+    explicit LinesInputStream(const std::vector<std::string> &lines) : m_lines(lines) {}
+
+    XMLFilePos curPos() const override { return m_position; }
+
+    XMLSize_t readBytes(XMLByte *const toFill, const XMLSize_t maxToRead) override
+    {
+        XMLSize_t filled = 0;
+        while (filled < maxToRead && m_line < m_lines.size()) {
+            const std::string &line = m_lines[m_line];
+            const size_t count = std::min<size_t>(maxToRead - filled, line.size() - m_offset);
+            std::memcpy(toFill + filled, line.data() + m_offset, count);
+            filled += count;
+            m_offset += count;
+            if (m_offset == line.size()) {
+                ++m_line;
+                m_offset = 0;
+            }
+        }
+        m_position += filled;
+        return filled;
+    }
+
+    const XMLCh *getContentType() const override { return nullptr; }
+
+private:
+    const std::vector<std::string> &m_lines;
+    size_t m_line = 0;
+    size_t m_offset = 0;
+    XMLFilePos m_position = 0;
+};
+
+class LinesInputSource : public InputSource {
+public:
+    explicit LinesInputSource(const std::vector<std::string> &lines) : InputSource(BUFFER_ID), m_lines(lines) {}
+
+    BinInputStream *makeStream() const override { return new LinesInputStream(m_lines); }
+
+private:
+    const std::vector<std::string> &m_lines;
+};
 
 }  // namespace
 
@@ -90,11 +140,25 @@ void CFiSaxParser::setInputSchema(const char *path)
 void CFiSaxParser::parse(const std::string &text)
 {
     if (m_reader == nullptr) {
-        static const XMLCh noReader[] = u"The XML parser could not be initialised";
-        reportToHandler(noReader);
+        reportNoReader();
         return;
     }
     MemBufInputSource source(reinterpret_cast<const XMLByte *>(text.data()), text.size(), BUFFER_ID, false);
+    run(source);
+}
+
+void CFiSaxParser::parse(const std::vector<std::string> &lines)
+{
+    if (m_reader == nullptr) {
+        reportNoReader();
+        return;
+    }
+    LinesInputSource source(lines);
+    run(source);
+}
+
+void CFiSaxParser::run(InputSource &source)
+{
     try {
         m_reader->parse(source);
     } catch (const SAXParseException &e) {
@@ -109,18 +173,10 @@ void CFiSaxParser::parse(const std::string &text)
     }
 }
 
-void CFiSaxParser::parse(const std::vector<std::string> &lines)
+void CFiSaxParser::reportNoReader()
 {
-    size_t size = 0;
-    for (const std::string &line : lines) {
-        size += line.size();
-    }
-    std::string text;
-    text.reserve(size);
-    for (const std::string &line : lines) {
-        text += line;
-    }
-    parse(text);
+    static const XMLCh noReader[] = u"The XML parser could not be initialised";
+    reportToHandler(noReader);
 }
 
 void CFiSaxParser::reportToHandler(const XMLCh *message)

@@ -181,12 +181,14 @@ std::vector<std::string> CHpEvaCliTool::enumerate(const SHpEvaCell &cell, const 
 
 std::vector<std::string> CHpEvaCliTool::listHosts(const SHpEvaCell &cell) const
 {
-    return enumerate(cell, ACE_WString(L"LS HOST"), CELL_MARKER);
+    static const ACE_WString command(L"LS HOST");
+    return enumerate(cell, command, CELL_MARKER);
 }
 
 std::vector<std::string> CHpEvaCliTool::listVirtualDisks(const SHpEvaCell &cell) const
 {
-    return enumerate(cell, ACE_WString(L"LS VDISK"), CELL_MARKER);
+    static const ACE_WString command(L"LS VDISK");
+    return enumerate(cell, command, CELL_MARKER);
 }
 
 void CHpEvaCliTool::getHostInfoList(const SHpEvaCell &cell, std::vector<SHpEvaHost> &hosts) const

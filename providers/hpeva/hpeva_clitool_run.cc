@@ -21,13 +21,26 @@ bool holds(const std::string &line, const char *text)
     return line.find(text) != std::string::npos;
 }
 
+// The same test as holds(line, INFORMATION), run on every line of a listing: looking for the
+// rare ':' first keeps it from stopping at each 'i'.
+bool holdsInformation(const std::string &line)
+{
+    const size_t before = sizeof(INFORMATION) - 2;
+    for (size_t colon = line.find(':', before); colon != std::string::npos; colon = line.find(':', colon + 1)) {
+        if (line.compare(colon - before, before + 1, INFORMATION) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
 void CHpEvaCliTool::massageOutput(std::vector<std::string> &lines)
 {
     // SSSU prints a "<name> information:" banner before each object.
     for (std::string &line : lines) {
-        if (holds(line, INFORMATION)) {
+        if (holdsInformation(line)) {
             line.clear();
         }
     }

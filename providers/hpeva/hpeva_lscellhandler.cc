@@ -1,9 +1,12 @@
 #include "hpeva_lscellhandler.h"
 
 #include <charconv>
-#include <cmath>
+#include <string_view>
 
 #include "cfistringtool.h"
+
+// Literal views: comparing with one costs a length check and a memcmp.
+using namespace std::string_view_literals;
 
 using namespace qorin_pdk_4_4;
 
@@ -47,7 +50,7 @@ CHpEvaLsCellHandler::~CHpEvaLsCellHandler() = default;
 void CHpEvaLsCellHandler::characters(const XMLCh *const chars, const XMLSize_t length)
 {
     // Each call replaces the text: of a value split by an entity only the last piece stays.
-    m_text = toString(chars, length);
+    assignText(chars, length);
 }
 
 void CHpEvaLsCellHandler::startElement(const XMLCh *const, const XMLCh *const, const XMLCh *const,
@@ -58,15 +61,16 @@ void CHpEvaLsCellHandler::startElement(const XMLCh *const, const XMLCh *const, c
 
 void CHpEvaLsCellHandler::endElement(const XMLCh *const, const XMLCh *const, const XMLCh *const qname)
 {
-    if (nameIs(qname, u"objectname")) {
+    const std::u16string_view name = nameOf(qname);
+    if (name == u"objectname"sv) {
         m_cell.cellname = CFiStringTool::str2wstr(m_text);
-    } else if (nameIs(qname, u"firmwareversion")) {
+    } else if (name == u"firmwareversion"sv) {
         m_cell.firmwareversion = CFiStringTool::str2int(m_text);
-    } else if (nameIs(qname, u"objectwwn")) {
+    } else if (name == u"objectwwn"sv) {
         m_cell.objectwwn = m_text;
-    } else if (nameIs(qname, u"totalstoragespace")) {
+    } else if (name == u"totalstoragespace"sv) {
         m_cell.totalstoragespace = gigabytesToBytes(m_text);
-    } else if (nameIs(qname, u"availablestoragespace")) {
+    } else if (name == u"availablestoragespace"sv) {
         m_cell.availablestoragespace = gigabytesToBytes(m_text);
     }
     m_text.clear();

@@ -1,5 +1,10 @@
 #include "hpeva_lshosthandler.h"
 
+#include <string_view>
+
+// Literal views: comparing with one costs a length check and a memcmp.
+using namespace std::string_view_literals;
+
 namespace {
 
 const char HOSTS_HEAD[] = "\\Hosts\\";
@@ -17,27 +22,29 @@ CHpEvaLsHostHandler::~CHpEvaLsHostHandler() = default;
 void CHpEvaLsHostHandler::characters(const XMLCh *const chars, const XMLSize_t length)
 {
     if (m_collecting) {
-        m_text = toString(chars, length);
+        assignText(chars, length);
     }
 }
 
 void CHpEvaLsHostHandler::startElement(const XMLCh *const, const XMLCh *const, const XMLCh *const qname,
                                        const xercesc::Attributes &)
 {
-    m_collecting = nameIs(qname, u"portwwn") || nameIs(qname, u"objectname");
+    const std::u16string_view name = nameOf(qname);
+    m_collecting = name == u"portwwn"sv || name == u"objectname"sv;
     m_text.clear();
 }
 
 void CHpEvaLsHostHandler::endElement(const XMLCh *const, const XMLCh *const, const XMLCh *const qname)
 {
-    if (nameIs(qname, u"objectname")) {
+    const std::u16string_view name = nameOf(qname);
+    if (name == u"objectname"sv) {
         // The head is skipped by position, wherever in the text it was found.
         if (m_text.find(HOSTS_HEAD) != std::string::npos) {
             m_host.name = m_text.substr(HOSTS_HEAD_LENGTH);
         }
-    } else if (nameIs(qname, u"portwwn")) {
+    } else if (name == u"portwwn"sv) {
         m_host.ports.push_back(m_text);
-    } else if (nameIs(qname, u"object")) {
+    } else if (name == u"object"sv) {
         m_hosts.push_back(m_host);
         m_host.ports.clear();
     }

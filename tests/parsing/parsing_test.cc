@@ -131,6 +131,24 @@ TEST(SaxFrame, LinesParseAsTheirConcatenationAndTextArrivesWhole)
     EXPECT_EQ(fromLines.texts[1], "b=x\xC3\xA9y");
 }
 
+TEST(SaxFrame, LinesOfAnyLengthAreReadInPlace)
+{
+    // One character a line, and a value far longer than the parser's read buffer.
+    const std::string big(300000, 'v');
+    const std::string text = "<r><a>" + big + "</a><b>tail</b></r>";
+    std::vector<std::string> lines;
+    for (char c : text.substr(0, 40)) {
+        lines.emplace_back(1, c);
+    }
+    lines.emplace_back();
+    lines.push_back(text.substr(40));
+    TextCollector handler;
+    CFiSaxParser parser(&handler, nullptr);
+    parser.parse(lines);
+    ASSERT_FALSE(handler.hasLastError()) << handler.getLastErrorText();
+    EXPECT_EQ(handler.texts, (std::vector<std::string>{"a=" + big, "b=tail", "r="}));
+}
+
 TEST(SaxFrame, AHandlerOutlivesItsParserWithTheMessage)
 {
     TextCollector handler;
@@ -178,9 +196,11 @@ TEST(MassageOutput, KeepsOnlyTheObjectsInOneRoot)
 
 TEST(MassageOutput, LeavesTextWithoutAUsableObjectEnd)
 {
-    std::vector<std::string> none = {"Error: something", "EVA01> exit", "x information: y"};
+    std::vector<std::string> none = {"Error: something", "EVA01> exit", "x information: y", "information:",
+                                     "a:b information:c", "informatio: n:", "information"};
     CHpEvaCliTool::massageOutput(none);
-    EXPECT_EQ(none, (std::vector<std::string>{"Error: something", "EVA01> exit", ""}));
+    EXPECT_EQ(none, (std::vector<std::string>{"Error: something", "EVA01> exit", "", "", "", "informatio: n:",
+                                              "information"}));
 
     std::vector<std::string> first = {"<object><a>1</a></object>", "EVA01> exit"};
     CHpEvaCliTool::massageOutput(first);
