@@ -17,24 +17,12 @@
 #include "host_context.h"
 #include "provider_fixture.h"
 #include "result_lists.h"
-#include "temp_install_root.h"
+#include "provider_install.h"
 #include "text.h"
 
 using result_lists::freeList;
 
 namespace {
-
-std::string buildDir()
-{
-    const char *dir = getenv("TAMLIN_BUILD_DIR");
-    return dir != nullptr ? dir : ".";
-}
-
-std::string sourceDir()
-{
-    const char *dir = getenv("TAMLIN_SOURCE_DIR");
-    return dir != nullptr ? dir : ".";
-}
 
 std::string narrow(const wchar_t *text)
 {
@@ -46,34 +34,17 @@ std::wstring wide(const std::string &text)
     return fromUtf8(text);
 }
 
-// What a run of the simulator's administration printed, and its status.
-struct Admin {
-    int status;
-    std::string out;
-};
-
-Admin evasim(const std::string &arguments)
+ProviderInstall::Outcome evasim(const std::string &arguments)
 {
-    std::string command = buildDir() + "/bin/evasim " + arguments + " 2>&1";
-    Admin result{-1, ""};
-    if (FILE *pipe = popen(command.c_str(), "r")) {
-        char buffer[4096];
-        size_t n;
-        while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
-            result.out.append(buffer, n);
-        }
-        int status = pclose(pipe);
-        result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    return result;
+    return ProviderInstall::evasim(arguments);
 }
 
 // Rows of one table of `evasim show ... --format tsv`, by header name.
 std::vector<std::map<std::string, std::string>> table(const std::string &name)
 {
-    Admin shown = evasim("show " + name + " --format tsv");
+    ProviderInstall::Outcome shown = evasim("show " + name + " --format tsv");
     std::vector<std::map<std::string, std::string>> rows;
-    std::istringstream in(shown.out);
+    std::istringstream in(shown.output);
     std::string line;
     std::vector<std::string> header;
     auto split = [](const std::string &text) {
@@ -115,52 +86,21 @@ std::string upper(std::string text)
     return text;
 }
 
-struct Login {
-    std::string host, user, password;
-};
+using Login = ProviderInstall::Login;
 
 struct Message {
     std::wstring text;
     int severity;
 };
 
-// An install root, an SSSU directory holding the simulator and the simulator's world, for
-// one provider start.
-class Site {
+// The world of these tests: three cells behind three servers (tests/enumeration/site.scn).
+class Site : public ProviderInstall {
 public:
-    explicit Site(const std::vector<Login> &logins, const std::string &scenario = "site.scn")
+    explicit Site(const std::vector<Login> &logins)
+        : ProviderInstall(logins, sourceDir() + "/tests/enumeration/site.scn")
     {
-        root.installMessages();
-        sssuDir = root.path("sssu/");
-        std::filesystem::create_directories(sssuDir);
-        std::filesystem::create_symlink(buildDir() + "/bin/evasim", sssuDir + "sssu_linux_x64");
-        root.setEnv("EVASIM_HOME", root.path("evasim"));
-        Admin made = evasim("init --scenario " + sourceDir() + "/tests/enumeration/" + scenario);
-        EXPECT_EQ(made.status, 0) << made.out;
-        writeConfig(logins, "[CLI_TOOL_INFO]\n\"FILEPATH\"=\"" + sssuDir + "\"\n\"FILENAME\"=\"sssu_linux_x64\"\n");
+        EXPECT_TRUE(ok()) << loadReport();
     }
-
-    void writeConfig(const std::vector<Login> &logins, const std::string &toolSection)
-    {
-        std::string conf = "[DEBUG_TRACE_INFO]\n\"TRACELEVEL\"=dword:00000006\n\n" + toolSection + "\n";
-        for (const Login &login : logins) {
-            conf += "[MANAGEMENT_APPLIANCE_INFO\\" + login.host + "]\n\"HOSTNAME\"=\"" + login.host +
-                    "\"\n\"USERNAME\"=\"" + login.user + "\"\n\"PASSWORD\"=\"" + login.password + "\"\n\n";
-        }
-        root.writeFile("ConfigFiles/tamlin.conf", conf);
-    }
-
-    std::string log() const
-    {
-        std::string all;
-        for (const std::string &name : root.list("Logs")) {
-            all += root.readFile("Logs/" + name);
-        }
-        return all;
-    }
-
-    TempInstallRoot root;
-    std::string sssuDir;
 };
 
 // The SSSU lock's file is placed once per process, so its directory outlives every test.
@@ -515,14 +455,14 @@ TEST_F(Provider, StartFailsWhenSssuOrCredentialsAreMissing)
 {
     {
         Site site({kCv1});
-        site.writeConfig({kCv1}, "[CLI_TOOL_INFO]\n\"FILEPATH\"=\"" + site.root.path("absent/") + "\"\n");
+        site.writeConfig("[CLI_TOOL_INFO]\n\"FILEPATH\"=\"" + site.root().path("absent/") + "\"\n");
         EXPECT_EQ(start(), 30);
         EXPECT_EQ(lastErrorKey(), "MSG_ERROR_CLI_NOT_INSTALLED");
         provider()->fini();
     }
     {
         Site site({kCv1});
-        site.writeConfig({kCv1}, "[CLI_TOOL_INFO]\n\"FILEPATH\"=\"" + site.sssuDir + "\"\n\"FILENAME\"=\"sssu.exe\"\n");
+        site.writeConfig("[CLI_TOOL_INFO]\n\"FILEPATH\"=\"" + site.sssuDir() + "\"\n\"FILENAME\"=\"sssu.exe\"\n");
         EXPECT_EQ(start(), 30);
         EXPECT_EQ(lastErrorKey(), "MSG_ERROR_CLI_NOT_FOUND");
         provider()->fini();

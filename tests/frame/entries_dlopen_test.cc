@@ -11,6 +11,7 @@
 
 #include "host_context.h"
 #include "provider_fixture.h"
+#include "provider_install.h"
 #include "qorinutil.h"
 #include "result_lists.h"
 
@@ -20,14 +21,23 @@ class Entries : public ::testing::Test {
 protected:
     static void SetUpTestSuite()
     {
+        site = new ProviderInstall;
+        ASSERT_TRUE(site->ok()) << site->loadReport();
         uint16_t version[4] = {0, 0, 0, 0};
         ASSERT_TRUE(provider().isOpen());
         ASSERT_EQ(provider()->init(nullptr, version), 0) << "a null host pointer works";
     }
-    static void TearDownTestSuite() { provider()->fini(); }
+    static void TearDownTestSuite()
+    {
+        provider()->fini();
+        delete site;
+    }
+
+    static ProviderInstall *site;
 
     const ProviderLibrary &lib() { return provider(); }
 };
+ProviderInstall *Entries::site = nullptr;
 
 qrn_domain blankNode()
 {

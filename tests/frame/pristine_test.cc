@@ -4,6 +4,7 @@
 #include <dlfcn.h>
 
 #include "provider_fixture.h"
+#include "provider_install.h"
 
 namespace {
 
@@ -25,6 +26,8 @@ LiveObjects liveObjectsOf(ProviderLibrary &)
 
 TEST(FirstCall, InitWithoutVersionBlockCreatesNothing)
 {
+    ProviderInstall site;
+    ASSERT_TRUE(site.ok()) << site.loadReport();
     ProviderLibrary &lib = provider();
     ASSERT_TRUE(lib.isOpen());
     LiveObjects live = liveObjectsOf(lib);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "hpeva_singletons.h"
+#include "provider_install.h"
 #include "tamlin_entries.h"
 
 using namespace qorin_pdk_4_4;
@@ -53,6 +54,8 @@ TEST(Singletons, DestroyEmptiesTheSlotAndTheNextAccessBuildsAnew)
 
 TEST(Singletons, FiniThenInitGivesFreshObjectsWhileSessionsSurvive)
 {
+    ProviderInstall site;
+    ASSERT_TRUE(site.ok()) << site.loadReport();
     uint16_t version[4] = {0, 0, 0, 0};
     ASSERT_EQ(tamlin_fi_pgn_init(nullptr, version), 0);
     EXPECT_EQ(version[0], 7);

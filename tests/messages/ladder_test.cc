@@ -17,6 +17,7 @@
 #include "efiexecpipe.h"
 #include "hpeva_guard.h"
 #include "hpeva_plugin.h"
+#include "temp_install_root.h"
 
 using namespace qorin_pdk_4_4;
 
@@ -75,6 +76,8 @@ protected:
         char pattern[] = "/tmp/tamlin-ladder-XXXXXX";
         ASSERT_NE(mkdtemp(pattern), nullptr);
         m_dir = pattern;
+        // The level comes from the install root's configuration, as in an installation.
+        m_root.writeFile("ConfigFiles/tamlin.conf", "[DEBUG_TRACE_INFO]\n\"TRACELEVEL\"=dword:00000006\n");
         errors = CFiErrorManagerPtr(new CFiErrorManager);
         errors->registerHandler(&recorder);
         log = CFiTraceLogPtr(new CFiTraceLog);
@@ -98,6 +101,7 @@ protected:
     CFiErrorManagerPtr errors;
     CFiTraceLogPtr log;
     Recorder recorder;
+    TempInstallRoot m_root;
     std::string m_dir;
 };
 

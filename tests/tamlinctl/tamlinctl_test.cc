@@ -1,6 +1,8 @@
 // tamlinctl as an administrator runs it.
 #include <gtest/gtest.h>
 
+#include "provider_install.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -30,6 +32,21 @@ CtlRun tamlinctl(const std::string &args)
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return run;
 }
+
+// Every run of this program sees one provider install against the simulator's small world.
+class Install : public ::testing::Environment {
+public:
+    void SetUp() override
+    {
+        site = new ProviderInstall;
+        ASSERT_TRUE(site->ok()) << site->loadReport();
+    }
+    void TearDown() override { delete site; }
+
+    static ProviderInstall *site;
+};
+ProviderInstall *Install::site = nullptr;
+const ::testing::Environment *const kInstall = ::testing::AddGlobalTestEnvironment(new Install);
 
 }  // namespace
 
@@ -100,6 +117,43 @@ TEST(Tamlinctl, InfoListsTheMethodsForPeopleAndForScripts)
     EXPECT_EQ(json.front(), '{') << json;
     EXPECT_EQ(json.substr(json.size() - 2), "}\n") << json;
     EXPECT_NE(json.find("\"claim_patterns\":[\"UDID##HP##HSV##\"]"), std::string::npos) << json;
+}
+
+TEST(Tamlinctl, ListingsOfTheSimulatedArraysForPeopleAndScripts)
+{
+    CtlRun enclosures = tamlinctl("enclosures");
+    EXPECT_EQ(enclosures.status, 0) << enclosures.out;
+    EXPECT_NE(enclosures.out.find("EVA01  5000-1FE1-5000-0001  HP"), std::string::npos) << enclosures.out;
+    EXPECT_NE(enclosures.out.find("2 enclosures"), std::string::npos) << enclosures.out;
+
+    CtlRun hosts = tamlinctl("hosts --enclosure-name EVA01");
+    EXPECT_EQ(hosts.status, 0) << hosts.out;
+    EXPECT_NE(hosts.out.find("h2    5000-1FE1-5000-0001  10000000C9000002 10000000C9000003"), std::string::npos)
+        << hosts.out;
+
+    CtlRun snapshots = tamlinctl("--json disks --no-active 2>/dev/null");
+    EXPECT_EQ(snapshots.status, 0) << snapshots.out;
+    EXPECT_NE(snapshots.out.find("HP##HSV##EVA01##f\\\\d3\\\\d3_vsnap000"), std::string::npos) << snapshots.out;
+    EXPECT_EQ(snapshots.out.find("HP##HSV##EVA01##d1"), std::string::npos) << snapshots.out;
+
+    CtlRun none = tamlinctl("disks --enclosure-name NOWHERE");
+    EXPECT_EQ(none.status, 1) << "result 3 is a failure of the entry: " << none.out;
+}
+
+TEST(Tamlinctl, AFailedStartIsExplainedInTheHostsLanguage)
+{
+    Install::site->writeConfig("[CLI_TOOL_INFO]\n\"FILEPATH\"=\"/nonexistent/sssu/\"\n");
+    CtlRun run = tamlinctl("--lang de enclosures");
+    Install::site->writeConfig("[CLI_TOOL_INFO]\n\"FILEPATH\"=\"" + Install::site->sssuDir() +
+                               "\"\n\"FILENAME\"=\"sssu_linux_x64\"\n");
+    EXPECT_EQ(run.status, 1) << run.out;
+    // Without a FILENAME the search ends in the bridge directory, and that is what is named.
+    EXPECT_NE(run.out.find("SSSU ist nicht installiert: Das Verzeichnis /opt/Hewlett-Packard/"), std::string::npos)
+        << run.out;
+    EXPECT_NE(run.out.find("init failed with result 30: tamlin: Der Provider konnte nicht initialisiert werden."),
+              std::string::npos)
+        << run.out;
+    EXPECT_EQ(run.out.find("<MSG_"), std::string::npos) << "no bare message keys: " << run.out;
 }
 
 TEST(Tamlinctl, CommandArgumentsAreCheckedBeforeTheProviderIsLoaded)
