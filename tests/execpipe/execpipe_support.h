@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include "temp_install_root.h"
 #include "cfierrorhandlerbase.h"
 #include "cfierrormanager.h"
 #include "cfitracelog.h"
@@ -63,6 +64,8 @@ protected:
         ASSERT_NE(mkdtemp(name.data()), nullptr);
         m_directory = name.data();
 
+        // The level comes from the install root's configuration, as in an installation.
+        m_root.writeFile("ConfigFiles/tamlin.conf", "[DEBUG_TRACE_INFO]\n\"TRACELEVEL\"=dword:00000001\n");
         m_errors = qorin_pdk_4_4::CFiErrorManagerPtr(new qorin_pdk_4_4::CFiErrorManager);
         m_errors->registerHandler(&m_lines);
         m_log = qorin_pdk_4_4::CFiTraceLogPtr(new qorin_pdk_4_4::CFiTraceLog);
@@ -79,6 +82,7 @@ protected:
         std::filesystem::remove_all(m_directory, ignored);
     }
 
+    TempInstallRoot m_root;
     std::string m_directory;
     TraceLines m_lines;
     qorin_pdk_4_4::CFiErrorManagerPtr m_errors;
