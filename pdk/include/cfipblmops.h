@@ -31,8 +31,7 @@ public:
     // Numbers 0 to 254: one bit each, set when the number is taken.
     static const unsigned MAP_SLOTS = 255;
 
-    // The cache location is "CacheFiles/" below the framework's install root, looked up
-    // at each use.
+    // The install's cache location (CFiConfigurationPathTool), looked up at each use.
     CFiPblmOps();
     // An explicit cache location, ending in "/".
     explicit CFiPblmOps(const std::string &cacheRoot);

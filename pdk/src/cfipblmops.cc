@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <cstdlib>
-#include <cwchar>
 
 #include <ace/Guard_T.h>
 #include <ace/OS_NS_dirent.h>
@@ -11,10 +10,10 @@
 #include <ace/OS_NS_sys_stat.h>
 #include <ace/OS_NS_unistd.h>
 
+#include "cficonfigurationpathtool.h"
 #include "cfistringtool.h"
 #include "cfitracelogfunction.h"
 #include "cfiudid.h"
-#include "qorinutil.h"
 
 namespace qorin_pdk_4_4 {
 
@@ -73,14 +72,11 @@ std::string component(std::string text, bool replaceColons)
 
 std::string installCacheRoot()
 {
-    wchar_t *root = nullptr;
-    qorin_get_install_root(&root);
-    if (root == nullptr) {
+    ACE_WString directory;
+    if (CFiConfigurationPathTool::getCacheLocationInfo(directory) != 0) {
         return std::string();
     }
-    std::string cache = CFiStringTool::wstr2str(root) + "CacheFiles/";
-    qorin_free_buf(root, (wcslen(root) + 1) * sizeof(wchar_t));
-    return cache;
+    return CFiStringTool::tstr2str(directory);
 }
 
 // Writes text beside path and renames it over path: readers see the old record or the new

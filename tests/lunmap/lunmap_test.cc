@@ -16,6 +16,7 @@
 #include "cfipblmops.h"
 #include "cfistringtool.h"
 #include "cfiudid.h"
+#include "temp_install_root.h"
 
 namespace fs = std::filesystem;
 using namespace qorin_pdk_4_4;
@@ -109,20 +110,19 @@ TEST_F(LunMap, RecordKeysLieBelowTheCacheLocationByTreeAndEnclosure)
     EXPECT_THROW(map.getDevKey(ACE_WString(L"no identity"), key), CFiUdidException);
 }
 
-TEST_F(LunMap, TheCacheLocationDefaultsToTheInstallRoot)
+TEST_F(LunMap, TheCacheLocationDefaultsToTheInstalls)
 {
-    const char *saved = getenv("QORIN_INSTALL_ROOT");
-    std::string restore = saved != nullptr ? saved : "";
-    setenv("QORIN_INSTALL_ROOT", m_dir.c_str(), 1);
+    TempInstallRoot root;
+    ASSERT_TRUE(root.ok());
     CFiPblmOps map;
-    EXPECT_EQ(map.getCacheRoot(), m_dir.string() + "/CacheFiles/");
-    unsetenv("QORIN_INSTALL_ROOT");
-    EXPECT_EQ(map.getCacheRoot(), "");
+    EXPECT_EQ(map.getCacheRoot(), root.path("CacheFiles/"));
     std::string key;
+    ASSERT_EQ(map.getLunKey(udidOf(kEnclosure, 1), key), 0);
+    EXPECT_EQ(key, root.path("CacheFiles/luns/") + kEnclosure + "/" + udidOf(kEnclosure, 1));
+
+    root.setEnv("QORIN_INSTALL_ROOT", std::nullopt);
+    EXPECT_EQ(map.getCacheRoot(), "") << "the location is looked up at each use";
     EXPECT_EQ(map.getLunKey(udidOf(kEnclosure, 1), key), 3) << "no location, no records";
-    if (saved != nullptr) {
-        setenv("QORIN_INSTALL_ROOT", restore.c_str(), 1);
-    }
 }
 
 TEST_F(LunMap, AFreshEnclosureOffersTheWholeRangeLowestFirstAndMarksNothing)
