@@ -109,7 +109,8 @@ void CFiConfiguration::setPaths(const wchar_t *directory, const wchar_t *file)
 int CFiConfiguration::fail(int code, const wchar_t *text, int line, const wchar_t *function)
 {
     setLastError(CFiError(code, text, kSourceFile, line, function));
-    trace(1, "ERROR: CFiConfiguration: %ls [%ls] (%d)", text, m_fullPath.c_str(), code);
+    // A result, not an error of the library: callers decide (a first run has no file yet).
+    trace(3, "CFiConfiguration: %ls [%ls] (%d)", text, m_fullPath.c_str(), code);
     return code;
 }
 
