@@ -11,9 +11,6 @@
 
 namespace qorin_pdk_4_4 {
 
-using CFiMessageCatalogManagerPtr =
-    CFiSmartPtr<CFiMessageCatalogManager, CFiContextSingletonAllocator<CFiMessageCatalogManager>>;
-
 // Hands each pushed message to the host's callback, in the host's language and in the
 // default language.
 class QORIN_PDK_API CFiErrorHandler : public CFiErrorHandlerBase {

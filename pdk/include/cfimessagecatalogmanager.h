@@ -11,6 +11,7 @@
 #include "cfimessagecatalog.h"
 #include "cfimessagecatalogfactory.h"
 #include "cfirefcount.h"
+#include "cfismartptr.h"
 #include "qrn_records.h"
 
 namespace qorin_pdk_4_4 {
@@ -60,6 +61,9 @@ private:
     std::string m_nativeLanguage;
     mutable ACE_Thread_Mutex m_lock;
 };
+
+using CFiMessageCatalogManagerPtr =
+    CFiSmartPtr<CFiMessageCatalogManager, CFiContextSingletonAllocator<CFiMessageCatalogManager>>;
 
 }  // namespace qorin_pdk_4_4
 

@@ -9,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "cfierrorhandler.h"
 #include "cfiicumessage.h"
 #include "cfiicumessagecatalog.h"
 #include "cfiicumessagecatalogfactory.h"
@@ -52,21 +51,6 @@ protected:
     CFiIcuMessageCatalogFactory factory{L"tamlin", "root"};
     CFiMessageCatalogManagerPtr manager;
 };
-
-struct Call {
-    std::wstring hostText;
-    std::wstring defaultText;
-    int severity;
-};
-
-std::vector<Call> g_calls;
-
-int32_t recordCall(qrn_host_context *, const wchar_t *hostText, const wchar_t *defaultText, int32_t severity)
-{
-    g_calls.push_back({hostText != nullptr ? hostText : L"(null)", defaultText != nullptr ? defaultText : L"(null)",
-                       severity});
-    return 0;
-}
 
 }  // namespace
 
@@ -253,43 +237,4 @@ TEST_F(Catalogs, SerialisedMessagesAreReadBackInAnyLanguage)
     qrn_msg_info noHeader = {garbage, static_cast<uint32_t>(sizeof garbage - 1)};
     manager->getLocalizedMessage(&noHeader, "de", &empty);
     EXPECT_STREQ(empty, L"");
-}
-
-TEST_F(Catalogs, HandlerCallsTheHostInItsLanguageAndTheDefault)
-{
-    qrn_host_language german = {const_cast<char *>("de")};
-    qrn_host_context host = {};
-    host.callback = recordCall;
-    host.language = &german;
-    CFiErrorHandler handler(&host, manager);
-    g_calls.clear();
-
-    EXPECT_EQ(handler.handleMessage(noCredentials("/x.conf")), 0);
-    ASSERT_EQ(g_calls.size(), 1u);
-    EXPECT_TRUE(startsWith(g_calls[0].hostText, kNoCredentialsDe));
-    EXPECT_TRUE(startsWith(g_calls[0].defaultText, kNoCredentialsRoot));
-    EXPECT_EQ(g_calls[0].severity, 2);
-
-    char line[] = "tamlin:2026-01-01 <Thread id - 1> ünïcode line\n";
-    EXPECT_EQ(handler.handleText(line, 4), 0);
-    ASSERT_EQ(g_calls.size(), 2u);
-    EXPECT_EQ(g_calls[1].hostText, L"");
-    EXPECT_EQ(g_calls[1].defaultText, L"tamlin:2026-01-01 <Thread id - 1> ünïcode line\n");
-    EXPECT_EQ(g_calls[1].severity, 4);
-
-    // Without a language the host gets the default text twice.
-    qrn_host_context plain = {};
-    plain.callback = recordCall;
-    CFiErrorHandler plainHandler(&plain, manager);
-    plainHandler.handleMessage(noCredentials("/x.conf"));
-    ASSERT_EQ(g_calls.size(), 3u);
-    EXPECT_EQ(g_calls[2].hostText, g_calls[2].defaultText);
-
-    // Nobody to call: skipped.
-    qrn_host_context silent = {};
-    CFiErrorHandler nobody(nullptr, manager);
-    CFiErrorHandler noFunction(&silent, manager);
-    EXPECT_EQ(nobody.handleMessage(noCredentials("/x")), 0);
-    EXPECT_EQ(noFunction.handleText(line, 1), 0);
-    EXPECT_EQ(g_calls.size(), 3u);
 }

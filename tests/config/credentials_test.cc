@@ -59,16 +59,11 @@ private:
     std::vector<std::string> m_lines;
 };
 
-class Parser : public CFiCredentialsParser {
-public:
-    using CFiCredentialsParser::removeQuotes;
-};
-
 std::vector<SFiCredential> parse(const std::string &blob, bool openArray = false, const std::string &vendor = "HP",
                                  const std::string &product = "HSV")
 {
     std::vector<SFiCredential> out;
-    EXPECT_EQ(Parser().parse(blob, vendor, product, out, openArray), 0);
+    EXPECT_EQ(CFiCredentialsParser().parse(blob, vendor, product, out, openArray), 0);
     return out;
 }
 
@@ -76,7 +71,7 @@ const char kBlob[] =
     "[STORAGE_MANAGEMENT_SERVICE\\HP_HSV_CV1\\1]\n"
     "\"HOSTNAME\"=\"cv1.example.com\"\n"
     "\"USERNAME\"=\"admin\"\n"
-    "\"PASSWORD\"=\"from-blob\"\n"
+    "\"PASSWORD\"=  \"from-\"blob\"\"  \n"
     "\"PORT\"=dword:00002372\n"
     "\"DATA\"=\"x\"\n"
     "[STORAGE_MANAGEMENT_SERVICE\\EMC_CLARIION\\1]\n"
@@ -86,34 +81,19 @@ const char kBlob[] =
 
 }  // namespace
 
-TEST(CredentialsParser, RemoveQuotesKeepsWhatLiesBetweenTheOuterQuotes)
-{
-    Parser parser;
-    std::string text = "  \"a \"quoted\" value\"  \r";
-    EXPECT_TRUE(parser.removeQuotes(text));
-    EXPECT_EQ(text, "a \"quoted\" value");
-    text = "\"\"";
-    EXPECT_TRUE(parser.removeQuotes(text));
-    EXPECT_EQ(text, "");
-    text = "\"open";
-    EXPECT_FALSE(parser.removeQuotes(text));
-    text = "bare";
-    EXPECT_FALSE(parser.removeQuotes(text));
-}
-
 TEST(CredentialsParser, SectionsOfTheVendorAndProductBecomeRecords)
 {
     std::vector<SFiCredential> list = parse(kBlob);
     ASSERT_EQ(list.size(), 1u);
     EXPECT_EQ(narrow(list[0].hostname), "cv1.example.com");
     EXPECT_EQ(narrow(list[0].username), "admin");
-    EXPECT_EQ(narrow(list[0].password), "from-blob");
+    EXPECT_EQ(narrow(list[0].password), "from-\"blob\"") << "inner quotes stay, blanks outside go";
     EXPECT_EQ(list[0].port, 2372) << "decimal digits, whatever the word says";
     EXPECT_EQ(narrow(list[0].data), "x");
 
     // Empty vendor and product take every section; records are appended.
     std::vector<SFiCredential> all = list;
-    EXPECT_EQ(Parser().parse(kBlob, "", "", all, false), 0);
+    EXPECT_EQ(CFiCredentialsParser().parse(kBlob, "", "", all, false), 0);
     ASSERT_EQ(all.size(), 3u);
     EXPECT_EQ(narrow(all[2].hostname), "emc.example.com");
 
@@ -168,7 +148,7 @@ TEST(CredentialsParser, MalformedLinesAreSkippedWithTheirWarnings)
 {
     TempInstallRoot root;
     Warnings warnings(root);
-    Parser parser;
+    CFiCredentialsParser parser;
     parser.setTraceLog(warnings.log());
     std::vector<SFiCredential> list;
     parser.parse("[STORAGE_MANAGEMENT_SERVICE\\HP_HSV\\1]\n"
@@ -197,12 +177,12 @@ TEST(CredentialsParser, FrameworkBlobMissingOrEmpty)
 {
     TempInstallRoot root;
     std::vector<SFiCredential> list(1);
-    EXPECT_EQ(Parser().parse("HP", "HSV", list, false), 0) << "no blob is no failure";
+    EXPECT_EQ(CFiCredentialsParser().parse("HP", "HSV", list, false), 0) << "no blob is no failure";
     EXPECT_EQ(list.size(), 1u);
     root.writeFile("credentials.blob", "");
-    EXPECT_EQ(Parser().parse("HP", "HSV", list, false), 31);
+    EXPECT_EQ(CFiCredentialsParser().parse("HP", "HSV", list, false), 31);
     root.writeFile("credentials.blob", kBlob);
-    EXPECT_EQ(Parser().parse("HP", "HSV", list, false), 0);
+    EXPECT_EQ(CFiCredentialsParser().parse("HP", "HSV", list, false), 0);
     ASSERT_EQ(list.size(), 2u);
     EXPECT_EQ(narrow(list[1].hostname), "cv1.example.com");
 }
@@ -228,7 +208,7 @@ TEST(ImportCredentials, BlobAndFileAreMergedWithTheBlobFirst)
     CFiConfiguration config(ACE_WString(L"tamlin"));
     std::vector<SFiCredential> list = config.importCredentials("HP", "HSV", L"MANAGEMENT_APPLIANCE_INFO", false);
     ASSERT_EQ(list.size(), 2u);
-    EXPECT_EQ(narrow(list[0].password), "from-blob") << "the blob wins for the same host";
+    EXPECT_EQ(narrow(list[0].password), "from-\"blob\"") << "the blob wins for the same host";
     EXPECT_EQ(list[0].port, 2372);
     // Of two sections for one host only one counts (the first in the tree's order).
     EXPECT_EQ(narrow(list[1].hostname), "cv2.example.com");

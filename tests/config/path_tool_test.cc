@@ -138,14 +138,3 @@ TEST(PathTool, WithoutAnInstallDirectoryNothingIsCreated)
     EXPECT_TRUE(root.list("").empty()) << "nothing below the working directory";
     ASSERT_EQ(chdir(cwd), 0);
 }
-
-TEST(PathTool, VerifyTellsWhetherAPathExists)
-{
-    TempInstallRoot root;
-    root.writeFile("a/file", "x");
-    EXPECT_EQ(CFiConfigurationPathTool::verify(CFiStringTool::str2wstr(root.path("a/file")).c_str()), 0);
-    EXPECT_EQ(CFiConfigurationPathTool::verify(CFiStringTool::str2wstr(root.path("a")).c_str()), 0);
-    EXPECT_NE(CFiConfigurationPathTool::verify(CFiStringTool::str2wstr(root.path("b")).c_str()), 0);
-    EXPECT_NE(CFiConfigurationPathTool::verify(L""), 0);
-    EXPECT_NE(CFiConfigurationPathTool::verify(nullptr), 0);
-}
