@@ -1,5 +1,5 @@
 // A private evasim world behind a recording tool, and a recorder of the process's pushed
-// messages and trace lines, for the array command tests.
+// messages, for the array command tests.
 #ifndef ARRAYCLI_SUPPORT_H
 #define ARRAYCLI_SUPPORT_H
 
@@ -16,7 +16,6 @@
 #include "cfierrormanager.h"
 #include "cfimessage.h"
 #include "cfistringtool.h"
-#include "cfitracelog.h"
 #include "hpeva_cell.h"
 #include "hpeva_clitool.h"
 #include "hpeva_singletons.h"
@@ -77,35 +76,16 @@ inline std::string scriptOf(const std::string &login, const std::string &cell, c
     return text + "exit\n";
 }
 
-// Every message pushed and every line traced (level 6) in this process.
+// The key of every message pushed in this process.
 class Recorder : public qorin_pdk_4_4::CFiErrorHandlerBase {
 public:
-    int handleText(char *text, qrn_eseverity) override
-    {
-        lines.push_back(text);
-        return 0;
-    }
     int handleMessage(qorin_pdk_4_4::CFiMessagePtr message) override
     {
         keys.push_back(message->getMessageKey());
         return 0;
     }
-    bool traced(const std::string &fragment) const
-    {
-        for (const std::string &line : lines) {
-            if (line.find(fragment) != std::string::npos) {
-                return true;
-            }
-        }
-        return false;
-    }
-    void clear()
-    {
-        lines.clear();
-        keys.clear();
-    }
+    void clear() { keys.clear(); }
 
-    std::vector<std::string> lines;
     std::vector<std::string> keys;
 };
 
@@ -116,11 +96,6 @@ inline Recorder &processRecorder()
         qorin_pdk_4_4::CFiErrorManagerPtr errors;
         getErrorManagerSingleton(errors, false);
         errors->registerHandler(r);
-        qorin_pdk_4_4::CFiTraceLogPtr log;
-        getTraceLogSingleton(log, false);
-        static const std::string logDir = makeTempDir("arraycli-log");
-        log->initialize(L"tamlin", qorin_pdk_4_4::CFiStringTool::str2tstr(logDir), L"trace", 6, false);
-        log->registerErrorManager(errors);
         return r;
     }();
     return *recorder;

@@ -238,6 +238,30 @@ TEST(ParseXmlOutput, UnreadableOutputIsACommandFailureWithTheMassagedLines)
     }
 }
 
+TEST(ParseXmlOutput, OutputCutAnywhereParsesOrFailsCleanly)
+{
+    // SSSU killed mid-listing: every cut either still reads or is a command failure.
+    const std::string whole =
+        "\\Virtual Disks\\a\\ACTIVE information:\n" +
+        vdiskObject("\\Virtual Disks\\a\\ACTIVE", "virtualdisk", "6005-08b4-0001-0000-0000-0000-0001-0000", "2048",
+                    "<presentation><hostname>\\Hosts\\h1</hostname><lunnumber>3</lunnumber></presentation>") +
+        "\n" + vdiskObject("\\Virtual Disks\\b &amp; c\\ACTIVE", "virtualdisk", "6005-2", "4096", "") + "\nEVA01> exit";
+    // A cut reads once an object's end line is whole; what follows it is dropped.
+    const size_t firstEnd = whole.find("</object>") + 9;
+    const size_t secondEnd = whole.rfind("</object>") + 9;
+    for (size_t cut = 0; cut <= whole.size(); ++cut) {
+        CHpEvaLsVdiskHandler handler(someCell());
+        try {
+            parseMassaged(splitLines(whole.substr(0, cut)), handler);
+            EXPECT_GE(cut, firstEnd);
+            EXPECT_EQ(handler.getVdiskList().size(), cut >= secondEnd ? 2u : 1u) << cut;
+        } catch (const CHpEvaCliException &e) {
+            EXPECT_LT(cut, firstEnd);
+            EXPECT_EQ(e.getKind(), CHpEvaCliException::CLI_COMMAND_FAILED) << cut;
+        }
+    }
+}
+
 TEST(VdiskHandler, DisksInOrderContainersDroppedNothingCarriedOver)
 {
     const std::string text =
