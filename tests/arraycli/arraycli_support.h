@@ -7,57 +7,24 @@
 #include <stdlib.h>
 #include <sys/stat.h>
 
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "cfierrorhandlerbase.h"
 #include "cfierrormanager.h"
 #include "cfimessage.h"
 #include "cfistringtool.h"
 #include "hpeva_cell.h"
 #include "hpeva_clitool.h"
 #include "hpeva_singletons.h"
+#include "message_recorder.h"
+#include "scratch_files.h"
 
 namespace arraycli {
 
-inline std::string makeTempDir(const char *tag)
-{
-    std::string pattern = std::string("/tmp/tamlin-") + tag + "-XXXXXX";
-    std::vector<char> buffer(pattern.begin(), pattern.end());
-    buffer.push_back('\0');
-    const char *made = mkdtemp(buffer.data());
-    return made != nullptr ? std::string(made) : std::string();
-}
-
-inline std::string readFile(const std::string &path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-inline void writeFile(const std::string &path, const std::string &text)
-{
-    std::ofstream(path, std::ios::binary) << text;
-}
-
-// Standard output of a shell command.
-inline std::string capture(const std::string &command)
-{
-    std::string out;
-    if (FILE *pipe = popen(command.c_str(), "r")) {
-        char buffer[4096];
-        size_t n;
-        while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
-            out.append(buffer, n);
-        }
-        pclose(pipe);
-    }
-    return out;
-}
+using tamlin_test::capture;
+using tamlin_test::makeTempDir;
+using tamlin_test::readFile;
+using tamlin_test::writeFile;
 
 // The script a run gets: fixed prelude, login, cell, the commands, exit.
 inline std::string scriptOf(const std::string &login, const std::string &cell, const std::vector<std::string> &commands)
@@ -77,17 +44,7 @@ inline std::string scriptOf(const std::string &login, const std::string &cell, c
 }
 
 // The key of every message pushed in this process.
-class Recorder : public qorin_pdk_4_4::CFiErrorHandlerBase {
-public:
-    int handleMessage(qorin_pdk_4_4::CFiMessagePtr message) override
-    {
-        keys.push_back(message->getMessageKey());
-        return 0;
-    }
-    void clear() { keys.clear(); }
-
-    std::vector<std::string> keys;
-};
+using Recorder = tamlin_test::MessageRecorder;
 
 inline Recorder &processRecorder()
 {

@@ -17,6 +17,7 @@
 #include "efiexecpipe.h"
 #include "hpeva_guard.h"
 #include "hpeva_plugin.h"
+#include "message_recorder.h"
 #include "temp_install_root.h"
 
 using namespace qorin_pdk_4_4;
@@ -33,13 +34,9 @@ struct Pushed {
     std::vector<std::string> args;  // each as text, to compare at a glance
 };
 
-class Recorder : public CFiErrorHandlerBase {
+// Keeps each pushed message also in a form to compare at a glance.
+class Recorder : public tamlin_test::MessageRecorder {
 public:
-    int handleText(char *text, qrn_eseverity) override
-    {
-        lines.push_back(text);
-        return 0;
-    }
     int handleMessage(CFiMessagePtr message) override
     {
         Pushed p{message->getMessageKey(), message->getSeverity(), message->getFile(), message->getLine(), {}};
@@ -52,21 +49,11 @@ public:
                                  ? CFiStringTool::ustr2str(args[i].getString())
                                  : std::to_string(args[i].getLong()));
         }
-        messages.push_back(p);
-        return 0;
-    }
-    bool traced(const std::string &fragment) const
-    {
-        for (const std::string &line : lines) {
-            if (line.find(fragment) != std::string::npos) {
-                return true;
-            }
-        }
-        return false;
+        pushed.push_back(p);
+        return MessageRecorder::handleMessage(message);
     }
 
-    std::vector<std::string> lines;
-    std::vector<Pushed> messages;
+    std::vector<Pushed> pushed;
 };
 
 class Ladder : public ::testing::Test {
@@ -113,7 +100,7 @@ TEST_F(Ladder, ABodyThatReturnsIsLeftAlone)
 {
     EXPECT_EQ(run([] { return 4; }), 4);
     EXPECT_EQ(run([] {}), 0) << "a body without a result counts as success";
-    EXPECT_TRUE(recorder.messages.empty());
+    EXPECT_TRUE(recorder.pushed.empty());
     EXPECT_FALSE(recorder.traced("Unhandled"));
 }
 
@@ -140,7 +127,7 @@ TEST_F(Ladder, EachRowPushesItsKeyAndArgumentsAndGivesSix)
         {[] { throw -17; }, "MSG_ERROR_UNHANDLED_INT_EXCEPTION", {"-17", kSite, "77"}},
     };
     for (const Row &row : rows) {
-        recorder.messages.clear();
+        recorder.pushed.clear();
         recorder.lines.clear();
         EXPECT_EQ(run([&] {
                       row.raise();
@@ -148,8 +135,8 @@ TEST_F(Ladder, EachRowPushesItsKeyAndArgumentsAndGivesSix)
                   }),
                   6)
             << row.key;
-        ASSERT_EQ(recorder.messages.size(), 1u) << row.key;
-        const Pushed &p = recorder.messages[0];
+        ASSERT_EQ(recorder.pushed.size(), 1u) << row.key;
+        const Pushed &p = recorder.pushed[0];
         EXPECT_EQ(p.key, row.key);
         EXPECT_EQ(p.severity, 3);
         EXPECT_EQ(p.args, row.args) << row.key;
@@ -162,11 +149,11 @@ TEST_F(Ladder, EachRowPushesItsKeyAndArgumentsAndGivesSix)
 TEST_F(Ladder, InitialisationEndsInItsOwnMessageAndThirty)
 {
     EXPECT_EQ(run([]() -> int { throw CFiError(1, L"t", L"f", 1, L"init"); }, true), 30);
-    ASSERT_EQ(recorder.messages.size(), 2u);
-    EXPECT_EQ(recorder.messages[0].key, "MSG_ERROR_UNHANDLED_FIERROR_EXCEPTION");
-    EXPECT_EQ(recorder.messages[1].key, "MSG_ERROR_INITIALIZATION_FAILED");
-    EXPECT_EQ(recorder.messages[1].severity, 2);
-    EXPECT_TRUE(recorder.messages[1].args.empty());
+    ASSERT_EQ(recorder.pushed.size(), 2u);
+    EXPECT_EQ(recorder.pushed[0].key, "MSG_ERROR_UNHANDLED_FIERROR_EXCEPTION");
+    EXPECT_EQ(recorder.pushed[1].key, "MSG_ERROR_INITIALIZATION_FAILED");
+    EXPECT_EQ(recorder.pushed[1].severity, 2);
+    EXPECT_TRUE(recorder.pushed[1].args.empty());
     EXPECT_FALSE(recorder.traced("Unhandled"));
     // The slot keeps the last one, and its key reaches the host.
     EXPECT_EQ(CFiIcuMessage(errors->getLastError()).getMessageKey(), "MSG_ERROR_INITIALIZATION_FAILED");
@@ -177,7 +164,7 @@ TEST_F(Ladder, OtherExceptionsPassThroughUntouched)
     EXPECT_THROW(run([]() -> int { throw std::logic_error("not on the ladder"); }), std::logic_error);
     EXPECT_THROW(run([]() -> int { throw "text"; }), const char *);
     EXPECT_THROW(run([]() -> int { throw 1L; }), long) << "only int is on the ladder";
-    EXPECT_TRUE(recorder.messages.empty());
+    EXPECT_TRUE(recorder.pushed.empty());
     EXPECT_FALSE(recorder.traced("Unhandled"));
 }
 

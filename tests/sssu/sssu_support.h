@@ -3,113 +3,29 @@
 #ifndef SSSU_SUPPORT_H
 #define SSSU_SUPPORT_H
 
-#include <dirent.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "cfierrorhandlerbase.h"
 #include "cfierrormanager.h"
 #include "cfiicumessage.h"
 #include "cfistringtool.h"
 #include "cfitracelog.h"
 #include "hpeva_clitool.h"
 #include "hpeva_singletons.h"
+#include "message_recorder.h"
+#include "scratch_files.h"
 #include "temp_install_root.h"
 
 namespace sssu_test {
 
-inline std::string makeTempDir(const char *tag)
-{
-    std::string pattern = std::string("/tmp/tamlin-") + tag + "-XXXXXX";
-    std::vector<char> buffer(pattern.begin(), pattern.end());
-    buffer.push_back('\0');
-    const char *made = mkdtemp(buffer.data());
-    return made != nullptr ? std::string(made) : std::string();
-}
-
-inline void removeTree(const std::string &dir)
-{
-    if (!dir.empty()) {
-        std::string command = "rm -rf '" + dir + "'";
-        (void)system(command.c_str());
-    }
-}
-
-inline std::string readFile(const std::string &path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-inline void writeFile(const std::string &path, const std::string &text)
-{
-    std::ofstream(path, std::ios::binary) << text;
-}
-
-inline std::vector<std::string> filesIn(const std::string &dir)
-{
-    std::vector<std::string> names;
-    if (DIR *d = opendir(dir.c_str())) {
-        while (dirent *e = readdir(d)) {
-            std::string name(e->d_name);
-            if (name != "." && name != "..") {
-                names.push_back(name);
-            }
-        }
-        closedir(d);
-    }
-    return names;
-}
-
-// Everything the process's trace log and error manager hand to their handlers.
-class Recorder : public qorin_pdk_4_4::CFiErrorHandlerBase {
-public:
-    int handleText(char *text, qrn_eseverity) override
-    {
-        lines.push_back(text);
-        return 0;
-    }
-    int handleMessage(qorin_pdk_4_4::CFiMessagePtr message) override
-    {
-        keys.push_back(message->getMessageKey());
-        messages.push_back(message);
-        return 0;
-    }
-    bool traced(const std::string &fragment) const
-    {
-        for (const std::string &line : lines) {
-            if (line.find(fragment) != std::string::npos) {
-                return true;
-            }
-        }
-        return false;
-    }
-    size_t count(const std::string &fragment) const
-    {
-        size_t n = 0;
-        for (const std::string &line : lines) {
-            n += line.find(fragment) != std::string::npos ? 1 : 0;
-        }
-        return n;
-    }
-    void clear()
-    {
-        lines.clear();
-        keys.clear();
-        messages.clear();
-    }
-
-    std::vector<std::string> lines;
-    std::vector<std::string> keys;
-    std::vector<qorin_pdk_4_4::CFiMessagePtr> messages;
-};
+using tamlin_test::filesIn;
+using tamlin_test::makeTempDir;
+using tamlin_test::readFile;
+using tamlin_test::removeTree;
+using tamlin_test::writeFile;
+using Recorder = tamlin_test::MessageRecorder;
 
 // Points the process's trace log (level 6) and error manager at a recorder, once per process.
 inline Recorder &processRecorder()

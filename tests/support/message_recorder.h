@@ -1,0 +1,50 @@
+// An error handler that keeps what reaches it: trace lines and pushed messages.
+#ifndef MESSAGE_RECORDER_H
+#define MESSAGE_RECORDER_H
+
+#include <string>
+#include <vector>
+
+#include "cfierrorhandlerbase.h"
+#include "cfimessage.h"
+
+namespace tamlin_test {
+
+class MessageRecorder : public qorin_pdk_4_4::CFiErrorHandlerBase {
+public:
+    int handleText(char *text, qrn_eseverity) override
+    {
+        lines.push_back(text);
+        return 0;
+    }
+    int handleMessage(qorin_pdk_4_4::CFiMessagePtr message) override
+    {
+        keys.push_back(message->getMessageKey());
+        messages.push_back(message);
+        return 0;
+    }
+    // Trace lines holding fragment.
+    size_t count(const std::string &fragment) const
+    {
+        size_t n = 0;
+        for (const std::string &line : lines) {
+            n += line.find(fragment) != std::string::npos ? 1 : 0;
+        }
+        return n;
+    }
+    bool traced(const std::string &fragment) const { return count(fragment) != 0; }
+    void clear()
+    {
+        lines.clear();
+        keys.clear();
+        messages.clear();
+    }
+
+    std::vector<std::string> lines;
+    std::vector<std::string> keys;
+    std::vector<qorin_pdk_4_4::CFiMessagePtr> messages;
+};
+
+}  // namespace tamlin_test
+
+#endif
