@@ -1,0 +1,180 @@
+// enumerate_nodes through dlopen, as a host calls it, for one cell of 10,000 disks listed by
+// evasim: wall time and peak memory, with the provider's share beside the simulator's.
+//
+// Each measured start runs in a fresh child process, so that its peak memory is its own:
+// RUSAGE_SELF is the host with the provider, RUSAGE_CHILDREN the SSSU runs (evasim).
+#include <stdlib.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "host_context.h"
+#include "provider_library.h"
+#include "result_lists.h"
+
+namespace {
+
+struct Sample {
+    int32_t firstResult = -1;   // the first call: SSSU's version check, discovery, the listing
+    int32_t secondResult = -1;  // the next call: the listing alone
+    int32_t disks = 0;
+    double firstWall = 0, secondWall = 0;
+    double providerCpu = 0, evasimCpu = 0;
+    long providerPeakKb = 0, evasimPeakKb = 0;
+};
+
+double seconds(const timeval &t)
+{
+    return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) / 1e6;
+}
+
+int run(const std::string &command)
+{
+    int status = std::system(command.c_str());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+int32_t listAll(ProviderLibrary &lib, int32_t &count, double &wall)
+{
+    qrn_node_list *list = nullptr;
+    count = 0;
+    auto begun = std::chrono::steady_clock::now();
+    int32_t rc = lib->enumerate_nodes(&list, &count, 0, nullptr);
+    wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
+    result_lists::freeList(list);
+    return rc;
+}
+
+// The child: load, start, list twice, stop; the sample goes back through fd.
+[[noreturn]] void measure(const std::string &library, int fd)
+{
+    Sample s;
+    ProviderLibrary lib;
+    if (lib.open(library)) {
+        // Every trace line reaches the host's callback; a host shows only what matters to it.
+        HostContext host("en", [](const std::wstring &text, const std::wstring &, int severity) {
+            if (severity == 3) {
+                std::fprintf(stderr, "%ls\n", text.c_str());
+            }
+        });
+        uint16_t version[4] = {0, 0, 0, 0};
+        if (lib->init(host.get(), version) == 0) {
+            s.firstResult = listAll(lib, s.disks, s.firstWall);
+            s.secondResult = listAll(lib, s.disks, s.secondWall);
+        }
+        lib->fini();
+    } else {
+        std::fprintf(stderr, "bench_enumeration: %s\n", lib.error().c_str());
+    }
+    rusage self{}, children{};
+    getrusage(RUSAGE_SELF, &self);
+    getrusage(RUSAGE_CHILDREN, &children);
+    s.providerCpu = seconds(self.ru_utime) + seconds(self.ru_stime);
+    s.evasimCpu = seconds(children.ru_utime) + seconds(children.ru_stime);
+    s.providerPeakKb = self.ru_maxrss;
+    s.evasimPeakKb = children.ru_maxrss;
+    ssize_t written = write(fd, &s, sizeof s);
+    _exit(written == static_cast<ssize_t>(sizeof s) ? 0 : 1);
+}
+
+}  // namespace
+
+int main(int argc, char **argv)
+{
+    int disks = 10000;
+    int rounds = 3;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0) {
+            std::printf("Usage: bench_enumeration [--disks N] [--rounds N]\n\n"
+                        "Times enumerate_nodes of libtamlin.so through dlopen against an evasim cell of N\n"
+                        "disks (default 10000), each round in a fresh process, and prints wall time and\n"
+                        "peak memory of the provider beside those of the simulator.\n");
+            return 0;
+        }
+        if (i + 1 < argc && std::strcmp(argv[i], "--disks") == 0) {
+            disks = std::atoi(argv[++i]);
+        } else if (i + 1 < argc && std::strcmp(argv[i], "--rounds") == 0) {
+            rounds = std::atoi(argv[++i]);
+        } else {
+            std::fprintf(stderr, "bench_enumeration: unknown argument '%s' (see --help)\n", argv[i]);
+            return 2;
+        }
+    }
+    if (disks < 1 || rounds < 1) {
+        std::fprintf(stderr, "bench_enumeration: --disks and --rounds take positive numbers\n");
+        return 2;
+    }
+
+    const std::string bin = TAMLIN_BENCH_BIN_DIR;
+    const std::string library = std::string(TAMLIN_BENCH_LIB_DIR) + "/libtamlin.so";
+    char pattern[] = "/tmp/tamlin-bench-XXXXXX";
+    if (mkdtemp(pattern) == nullptr) {
+        std::perror("bench_enumeration: mkdtemp");
+        return 1;
+    }
+    const std::string dir = pattern;
+    const std::string root = dir + "/root/";
+    std::filesystem::create_directories(root + "ConfigFiles");
+    std::filesystem::create_directories(dir + "/sssu");
+    std::filesystem::create_symlink(bin + "/evasim", dir + "/sssu/sssu_linux_x64");
+    std::ofstream(root + "ConfigFiles/tamlin.conf")
+        << "[DEBUG_TRACE_INFO]\n\"TRACELEVEL\"=dword:00000001\n\n[CLI_TOOL_INFO]\n\"FILEPATH\"=\"" << dir
+        << "/sssu/\"\n\"FILENAME\"=\"sssu_linux_x64\"\n\n[MANAGEMENT_APPLIANCE_INFO\\cv1]\n"
+           "\"HOSTNAME\"=\"cv1\"\n\"USERNAME\"=\"evasim\"\n\"PASSWORD\"=\"evasim\"\n";
+    setenv("QORIN_INSTALL_ROOT", root.c_str(), 1);
+    setenv("QORIN_REGISTRY", (dir + "/registry.conf").c_str(), 1);
+    setenv("QORIN_LOCK_DIR", dir.c_str(), 1);
+    setenv("EVASIM_HOME", (dir + "/evasim").c_str(), 1);
+    unsetenv("QORIN_CREDENTIAL_BLOB");
+
+    std::printf("Making a cell of %d disks with evasim ...\n", disks);
+    std::fflush(stdout);
+    if (run(bin + "/evasim init --servers 1 --cells 1 --hosts 4 --disks " + std::to_string(disks) + " >/dev/null") !=
+        0) {
+        std::fprintf(stderr, "bench_enumeration: evasim init failed\n");
+        return 1;
+    }
+
+    std::printf("\n%-5s %8s %12s %12s %13s %13s %12s %12s\n", "round", "disks", "first s", "listing s",
+                "provider cpu", "evasim cpu", "provider MB", "evasim MB");
+    int failures = 0;
+    for (int round = 1; round <= rounds; ++round) {
+        int fds[2];
+        if (pipe(fds) != 0) {
+            std::perror("bench_enumeration: pipe");
+            return 1;
+        }
+        pid_t child = fork();
+        if (child == 0) {
+            close(fds[0]);
+            measure(library, fds[1]);
+        }
+        close(fds[1]);
+        Sample s;
+        ssize_t got = read(fds[0], &s, sizeof s);
+        close(fds[0]);
+        waitpid(child, nullptr, 0);
+        if (got != static_cast<ssize_t>(sizeof s) || s.firstResult != 0 || s.secondResult != 0 || s.disks != disks) {
+            std::printf("%-5d failed: results %d and %d, %d disks listed\n", round, s.firstResult, s.secondResult,
+                        s.disks);
+            ++failures;
+            continue;
+        }
+        std::printf("%-5d %8d %12.3f %12.3f %13.3f %13.3f %12.1f %12.1f\n", round, s.disks, s.firstWall, s.secondWall,
+                    s.providerCpu, s.evasimCpu, s.providerPeakKb / 1024.0, s.evasimPeakKb / 1024.0);
+        std::fflush(stdout);
+    }
+    std::printf("\nfirst s: the first call, with SSSU's version check and discovery; listing s: the next one.\n"
+                "cpu: seconds of the whole child process (provider) and of all its SSSU runs (evasim);\n"
+                "MB: peak resident memory of the host process with the provider, and of the largest SSSU run.\n");
+    std::error_code ignored;
+    std::filesystem::remove_all(dir, ignored);
+    return failures == 0 ? 0 : 1;
+}
