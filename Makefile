@@ -1,5 +1,6 @@
 # Thin wrapper over CMake. `make demo` and `make test` work on a fresh Debian machine (as root):
 # they install what is missing, build, and run.
+MAKEFLAGS  += --no-print-directory
 BUILD      ?= build
 BUILD_TYPE ?= RelWithDebInfo
 JOBS       ?= 2

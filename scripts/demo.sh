@@ -75,6 +75,13 @@ run() {
   "$ctl" --provider "$lib" "$@"
 }
 
+cat <<TXT
+
+Tamlin demo: the provider ($lib) installed under $demo,
+looked at with tamlinctl as a backup framework would. SSSU and the arrays are played by
+evasim, which answers SSSU's scripts from the simulated site below.
+TXT
+
 step "The simulated site: Command View servers and their storage cells"
 "$evasim" init --scenario "$src/tools/evasim/scenarios/demo-site.scn"
 "$evasim" show servers
