@@ -44,16 +44,6 @@ int32_t countCall(qrn_host_context *, const wchar_t *hostText, const wchar_t *de
     return 0;
 }
 
-std::string today()
-{
-    time_t now = time(nullptr);
-    struct tm local;
-    localtime_r(&now, &local);
-    char text[16];
-    strftime(text, sizeof text, "%m%d%y", &local);
-    return text;
-}
-
 }  // namespace
 
 TEST(Concurrency, EightThreadsTracingAndPushing)
@@ -139,7 +129,7 @@ TEST(Concurrency, EightThreadsTracingAndPushing)
     EXPECT_EQ(g_lines.load(), 2 * total) << "every trace line reaches the handler, whatever its level";
 
     const std::regex line(R"(^\d{4}-\d{2}-\d{2} \d{2}:\d{2}:\d{2}\.\d{6} <Pid - \d+ / Thread id - \d+> T(\d) (\d+) disk-(\d)-(\d+)$)");
-    std::istringstream in(root.readFile("Logs/tamlin.log." + today()));
+    std::istringstream in(root.readFile("Logs/tamlin.log." + TempInstallRoot::logDate()));
     std::vector<int> seen(8, 0);
     for (std::string l; std::getline(in, l);) {
         std::smatch m;

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -59,6 +60,17 @@ public:
     std::string path(const std::string &relative) const { return m_dir + relative; }
     std::string registryFile() const { return path("registry.conf"); }
     std::string credentialBlobFile() const { return path("credentials.blob"); }
+
+    // Today's suffix of the trace log's name, "mmddyy" in local time.
+    static std::string logDate()
+    {
+        time_t now = time(nullptr);
+        struct tm local;
+        localtime_r(&now, &local);
+        char text[16];
+        strftime(text, sizeof text, "%m%d%y", &local);
+        return text;
+    }
 
     bool exists(const std::string &relative) const { return std::filesystem::exists(path(relative)); }
 

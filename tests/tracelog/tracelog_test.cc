@@ -27,19 +27,9 @@ namespace {
 // "<ACE::timestamp> <Pid - p / Thread id - t> <text>"
 const std::regex kLine(R"(^\d{4}-\d{2}-\d{2} \d{2}:\d{2}:\d{2}\.\d{6} <Pid - (\d+) / Thread id - (\d+)> (.*)$)");
 
-std::string today()
-{
-    time_t now = time(nullptr);
-    struct tm local;
-    localtime_r(&now, &local);
-    char text[16];
-    strftime(text, sizeof text, "%m%d%y", &local);
-    return text;
-}
-
 std::string logName()
 {
-    return "Logs/tamlin.log." + today();
+    return "Logs/tamlin.log." + TempInstallRoot::logDate();
 }
 
 std::vector<std::string> lines(const std::string &text)
@@ -263,7 +253,7 @@ TEST(TraceLog, ExplicitDirectoryAndFileReplaceTheSettings)
     EXPECT_EQ(setting(root, L"TRACESTDOUT"), 0u);
     EXPECT_FALSE(log->tracesToStdout());
     log->trace(1, "here");
-    EXPECT_NE(root.readFile("custom/mine." + today()).find("> here\n"), std::string::npos);
+    EXPECT_NE(root.readFile("custom/mine." + TempInstallRoot::logDate()).find("> here\n"), std::string::npos);
 }
 
 TEST(TraceLog, StdoutFlagIsSetByTheFileButNeverClearedByIt)
