@@ -29,7 +29,18 @@ wchar_t *dupWide(const wchar_t *text)
 // UTF-8 locale of this thread only. Malformed bytes become U+FFFD.
 std::wstring widenUtf8(const std::string &in)
 {
-    static locale_t utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", static_cast<locale_t>(0));
+    // Made once, and freed when the library goes (a host may load and unload it repeatedly).
+    struct Utf8Locale {
+        locale_t handle = newlocale(LC_CTYPE_MASK, "C.UTF-8", static_cast<locale_t>(0));
+        ~Utf8Locale()
+        {
+            if (handle != static_cast<locale_t>(0)) {
+                freelocale(handle);
+            }
+        }
+    };
+    static const Utf8Locale locale;
+    const locale_t utf8 = locale.handle;
     locale_t previous = utf8 != static_cast<locale_t>(0) ? uselocale(utf8) : static_cast<locale_t>(0);
     std::wstring out;
     mbstate_t state{};

@@ -20,12 +20,29 @@ const wchar_t kProviderName[] = L"tamlin";
 const int32_t kMessageIndexOffset = 6000;
 
 // The error manager does not own its handlers; they live until the library is unloaded.
+// Not a static object: its end must come after every process-wide object that might still
+// call a handler, which only the unload teardown can order.
+std::vector<std::unique_ptr<CFiErrorHandlerBase>> *g_handlers = nullptr;
+std::mutex g_handlersLock;
+
 std::vector<std::unique_ptr<CFiErrorHandlerBase>> &handlers()
 {
-    static std::vector<std::unique_ptr<CFiErrorHandlerBase>> all;
-    return all;
+    if (g_handlers == nullptr) {
+        g_handlers = new std::vector<std::unique_ptr<CFiErrorHandlerBase>>;
+    }
+    return *g_handlers;
 }
-std::mutex g_handlersLock;
+
+}  // namespace
+
+void releaseErrorHandlers()
+{
+    std::lock_guard<std::mutex> guard(g_handlersLock);
+    delete g_handlers;
+    g_handlers = nullptr;
+}
+
+namespace {
 
 CFiPluginPtr plugin()
 {

@@ -1,15 +1,24 @@
 // Load and unload hooks of libtamlin.so.
 #include <unicode/uclean.h>
 
+#include "hpeva_singletons.h"
+
 namespace {
 
-__attribute__((constructor)) void onLoad() {}
+// Made at load, before any process-wide object, so that its end comes after all of theirs,
+// whether the host unloads the library or simply exits: the handlers go once nothing can
+// call them, and ICU's caches after the last open catalog.
+struct LibraryTeardown {
+    ~LibraryTeardown()
+    {
+        releaseErrorHandlers();
+        u_cleanup();
+    }
+};
 
-// ICU keeps caches for the life of the process; a host that unloads the provider gets
-// them back.
-__attribute__((destructor)) void onUnload()
+__attribute__((constructor)) void onLoad()
 {
-    u_cleanup();
+    static LibraryTeardown teardown;
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "qorinutil.h"
+#include "result_lists.h"
 
 namespace {
 
@@ -107,6 +108,7 @@ TEST(QorinBuilders, ProviderListCopiesEverythingAndLinksAt40)
     EXPECT_EQ(first->next, nullptr);
     setPointerAt(first, 40, second);
     EXPECT_EQ(first->next, second);
+    result_lists::freeList(first);
 }
 
 TEST(QorinBuilders, FimListCopiesWordsAndTextsAndLinksAt64)
@@ -128,6 +130,8 @@ TEST(QorinBuilders, FimListCopiesWordsAndTextsAndLinksAt64)
     }
     setPointerAt(rec, 64, rec);
     EXPECT_EQ(rec->next, rec);
+    rec->next = nullptr;
+    result_lists::freeList(rec);
 }
 
 TEST(QorinBuilders, NodeListKeepsTheIdentifierAndCopiesTextsLinksAt48)
@@ -148,6 +152,8 @@ TEST(QorinBuilders, NodeListKeepsTheIdentifierAndCopiesTextsLinksAt48)
     EXPECT_STREQ(rec->provider, L"tamlin");
     setPointerAt(rec, 48, rec);
     EXPECT_EQ(rec->next, rec);
+    rec->next = nullptr;
+    result_lists::freeList(rec);
 }
 
 TEST(QorinBuilders, EnclosureListCopiesTextsLinksAt64)
@@ -167,6 +173,8 @@ TEST(QorinBuilders, EnclosureListCopiesTextsLinksAt64)
     setPointerAt(rec, 64, rec);
     EXPECT_EQ(pointerAt(rec, 64), rec);
     EXPECT_EQ(rec->next, rec);
+    rec->next = nullptr;
+    result_lists::freeList(rec);
 }
 
 TEST(QorinBuilders, HostListCopiesPortsBoundedByCountLinksAt32)
@@ -190,6 +198,7 @@ TEST(QorinBuilders, HostListCopiesPortsBoundedByCountLinksAt32)
     EXPECT_EQ(short_->ports[2], nullptr);
     setPointerAt(rec, 32, short_);
     EXPECT_EQ(rec->next, short_);
+    result_lists::freeList(rec);
 }
 
 TEST(QorinSettings, InstallRootGetsATrailingSlash)
