@@ -259,9 +259,12 @@ TEST_F(Provider, FilterKeysSelectCellsAndDisks)
     EXPECT_TRUE(diskNames(0, L"node_prefix=\\DB\\").empty()) << "the prefix keeps its case";
     EXPECT_TRUE(site.log().find("Due to aggressive filtering ZERO disks are returned.") != std::string::npos);
 
+    // Any login from here on would use up the armed fault.
+    ASSERT_EQ(evasim("fault https --count 5").status, 0);
     std::vector<Disk> none;
     EXPECT_EQ(disks(none, 0, L"enclosure_name=NOWHERE"), 3);
     EXPECT_TRUE(none.empty());
+    EXPECT_EQ(table("faults").at(0).at("remaining"), "5") << "an enclosure that no cell is asks no array";
 }
 
 TEST_F(Provider, FlagsLeaveOutSnapshotsOrActiveDisksAndRefuseWithoutTheServedBit)
