@@ -271,6 +271,9 @@ TEST_F(ExecSSSU, ThreadsTakeTurns)
 
 TEST_F(ExecSSSU, ProcessesTakeTurns)
 {
+#if defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "ThreadSanitizer does not follow a multi-threaded process into fork";
+#endif
     site.output("default", "ok\n");
     site.hold(100);
     std::vector<pid_t> children;

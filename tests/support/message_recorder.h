@@ -1,7 +1,10 @@
-// An error handler that keeps what reaches it: trace lines and pushed messages.
+// An error handler that keeps what reaches it: trace lines and pushed messages. Threads
+// may report at once (the error manager calls handlers without a lock); read the vectors
+// once they are done.
 #ifndef MESSAGE_RECORDER_H
 #define MESSAGE_RECORDER_H
 
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -14,11 +17,13 @@ class MessageRecorder : public qorin_pdk_4_4::CFiErrorHandlerBase {
 public:
     int handleText(char *text, qrn_eseverity) override
     {
+        std::lock_guard<std::mutex> hold(m_lock);
         lines.push_back(text);
         return 0;
     }
     int handleMessage(qorin_pdk_4_4::CFiMessagePtr message) override
     {
+        std::lock_guard<std::mutex> hold(m_lock);
         keys.push_back(message->getMessageKey());
         messages.push_back(message);
         return 0;
@@ -43,6 +48,9 @@ public:
     std::vector<std::string> lines;
     std::vector<std::string> keys;
     std::vector<qorin_pdk_4_4::CFiMessagePtr> messages;
+
+private:
+    std::mutex m_lock;
 };
 
 }  // namespace tamlin_test
