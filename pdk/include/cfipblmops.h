@@ -80,6 +80,8 @@ private:
     };
 
     int allocLunNumEle(lunNum **out);
+    // A new, empty map for enclosureId at the head of the list; null when none can be made.
+    lunNum *addEnclMap(const char *enclosureId);
     int getCacheRecord(const char *path, std::vector<std::string> &values);
     bool getEnclMap(const char *enclosureId, lunNum **out);
     void fillBitMap(const char *enclosureId, const std::string &path);

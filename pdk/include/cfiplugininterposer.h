@@ -62,6 +62,12 @@ protected:
     // "<" + provider name + ">"
     std::wstring getInterposeNodePrefix();
 
+private:
+    // For the resource forms: 3 without a resource, 21 for one that is no UDID, else 0.
+    static int checkResource(const wchar_t *resource);
+    // The host, if one was given, as a list (traced for api).
+    std::vector<std::wstring> hostList(const wchar_t *host, const char *api);
+
     int32_t m_ignoreNodeTypes;
     int32_t m_defaultNodeType;
     CFiPblmOps m_pblmOps;

@@ -178,6 +178,18 @@ int CFiPblmOps::allocLunNumEle(lunNum **out)
     return 0;
 }
 
+CFiPblmOps::lunNum *CFiPblmOps::addEnclMap(const char *enclosureId)
+{
+    lunNum *element = nullptr;
+    if (allocLunNumEle(&element) != 0) {
+        trace(1, "CFiPblmOps::getEnclMap new memory alloc failure.");
+        return nullptr;
+    }
+    element->enclosureId = enclosureId;
+    m_head = element;
+    return element;
+}
+
 int CFiPblmOps::getCacheRecord(const char *path, std::vector<std::string> &values)
 {
     FILE *file = path != nullptr ? ACE_OS::fopen(path, "r") : nullptr;
@@ -294,14 +306,8 @@ bool CFiPblmOps::getEnclMap(const char *enclosureId, lunNum **out)
             trace(1, "CFiPblmOps::getEnclMap refreshCache returned false.");
             return false;
         }
-        if (m_head == nullptr) {
-            lunNum *element = nullptr;
-            if (allocLunNumEle(&element) != 0) {
-                trace(1, "CFiPblmOps::getEnclMap new memory alloc failure.");
-                return false;
-            }
-            element->enclosureId = enclosureId;
-            m_head = element;
+        if (m_head == nullptr && addEnclMap(enclosureId) == nullptr) {
+            return false;
         }
     }
     for (lunNum *element = m_head; element != nullptr; element = element->next) {
@@ -312,13 +318,10 @@ bool CFiPblmOps::getEnclMap(const char *enclosureId, lunNum **out)
         }
     }
     trace(6, "CFiPblmOps::getEnclMap No Lun Map for enclId=[%s].\n", enclosureId);
-    lunNum *element = nullptr;
-    if (allocLunNumEle(&element) != 0) {
-        trace(1, "CFiPblmOps::getEnclMap new memory alloc failure.");
+    lunNum *element = addEnclMap(enclosureId);
+    if (element == nullptr) {
         return false;
     }
-    element->enclosureId = enclosureId;
-    m_head = element;
     *out = element;
     trace(6, "CFiPblmOps::getEnclMap Added a Lun Map for enclId=[%s].\n", enclosureId);
     return true;

@@ -381,10 +381,8 @@ int CFiPluginInterposer::importTreeNode(qrn_domain *node, qorin_objid **, qorin_
     return result;
 }
 
-int CFiPluginInterposer::importResource(wchar_t **, wchar_t *resource, wchar_t *host, wchar_t *, int flags,
-                                        wchar_t **, wchar_t *)
+int CFiPluginInterposer::checkResource(const wchar_t *resource)
 {
-    INTERPOSER_TRACE("importResource");
     if (resource == nullptr) {
         return 3;
     }
@@ -393,13 +391,29 @@ int CFiPluginInterposer::importResource(wchar_t **, wchar_t *resource, wchar_t *
     } catch (const CFiUdidException &) {
         return 21;
     }
+    return 0;
+}
+
+std::vector<std::wstring> CFiPluginInterposer::hostList(const wchar_t *host, const char *api)
+{
     std::vector<std::wstring> hosts;
     if (host != nullptr) {
         hosts.emplace_back(host);
-        trace(3, "Hostname [%S] was passed to importResource API. Adding it hostList ", host);
+        trace(3, "Hostname [%S] was passed to %s API. Adding it hostList ", host, api);
     } else {
-        trace(3, "No hostname was passed to the importResource API");
+        trace(3, "No hostname was passed to the %s API", api);
     }
+    return hosts;
+}
+
+int CFiPluginInterposer::importResource(wchar_t **, wchar_t *resource, wchar_t *host, wchar_t *, int flags,
+                                        wchar_t **, wchar_t *)
+{
+    INTERPOSER_TRACE("importResource");
+    if (int refused = checkResource(resource)) {
+        return refused;
+    }
+    const std::vector<std::wstring> hosts = hostList(host, "importResource");
     if (flags & kImportNotProvided) {
         return 4;
     }
@@ -415,24 +429,13 @@ int CFiPluginInterposer::importResource(wchar_t **, wchar_t *resource, wchar_t *
 int CFiPluginInterposer::deportResource(wchar_t *resource, wchar_t *host, wchar_t *, wchar_t *, int flags)
 {
     INTERPOSER_TRACE("deportResource");
-    if (resource == nullptr) {
-        return 3;
-    }
-    try {
-        CFiUdid udid(resource);
-    } catch (const CFiUdidException &) {
-        return 21;
+    if (int refused = checkResource(resource)) {
+        return refused;
     }
     if (flags & kDeportNothing) {
         return 0;
     }
-    std::vector<std::wstring> hosts;
-    if (host != nullptr) {
-        hosts.emplace_back(host);
-        trace(3, "Hostname [%S] was passed to deportResource API. Adding it hostList ", host);
-    } else {
-        trace(3, "No hostname was passed to the deportResource API");
-    }
+    const std::vector<std::wstring> hosts = hostList(host, "deportResource");
     if (flags & kDeportSingleHost) {
         return importNode(resource, hosts, false, true, true, 2);
     }

@@ -34,11 +34,6 @@ const int NO_HOST_MATCH = 6;
 const int NO_CELL = 20;
 const int NO_SUPPORTED_VERSION = 30;
 
-bool holds(const std::string &line, const char *text)
-{
-    return line.find(text) != std::string::npos;
-}
-
 // The last element of a host path: "\Hosts\lab\rack\db01" gives "db01". The head is skipped
 // by position, as SSSU always prints it first.
 std::string hostLeaf(const std::string &entry)
@@ -135,12 +130,9 @@ void CHpEvaCliTool::getCellDetail(SHpEvaCell &cell) const
     ACE_WString command(L"LS CELL \"");
     command += CFiStringTool::wstr2tstr(cell.cellname);
     command += L"\" XML";
-    log->trace(2, "executing command [%S]", command.c_str());
-    std::vector<std::string> lines;
-    // The command names the cell; none is selected.
-    runScript(*this, cell, command, ACE_WString(), lines);
     CHpEvaLsCellHandler handler;
-    parseXmlOutput(lines, handler, command, __FILE__, __LINE__);
+    // The command names the cell; none is selected.
+    runListing(*this, cell, command, ACE_WString(), handler, __FILE__, __LINE__);
     SHpEvaCell detail = handler.getCell();
     static_cast<SFiCredential &>(detail) = static_cast<const SFiCredential &>(cell);
     cell = detail;
@@ -196,12 +188,8 @@ void CHpEvaCliTool::getHostInfoList(const SHpEvaCell &cell, std::vector<SHpEvaHo
     CFiTraceLogPtr log = cliTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::getHostInfoList");
     const ACE_WString command(L"LS HOST FULL XML");
-    log->trace(2, "executing command [%S]", command.c_str());
-    std::vector<std::string> lines;
-    lines.reserve(1024);
-    runScript(*this, cell, command, CFiStringTool::wstr2tstr(cell.cellname), lines);
     CHpEvaLsHostHandler handler;
-    parseXmlOutput(lines, handler, command, __FILE__, __LINE__);
+    runListing(*this, cell, command, CFiStringTool::wstr2tstr(cell.cellname), handler, __FILE__, __LINE__);
     hosts = handler.getHostList();
 }
 

@@ -80,12 +80,8 @@ void CHpEvaCliTool::getVirtualDiskList(const SHpEvaCell &cell, std::list<SHpEvaV
     CFiTraceLogPtr log = cliTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::getVirtualDiskList");
     const ACE_WString command(L"LS VDISK FULL XML");
-    log->trace(2, "executing command [%S]", command.c_str());
-    std::vector<std::string> lines;
-    lines.reserve(2048);
-    runScript(*this, cell, command, cellOf(cell), lines);
     CHpEvaLsVdiskHandler handler(cell);
-    parseXmlOutput(lines, handler, command, __FILE__, __LINE__);
+    runListing(*this, cell, command, cellOf(cell), handler, __FILE__, __LINE__);
     disks = std::move(handler.getVdiskList());
 }
 
@@ -94,11 +90,8 @@ SHpEvaVdisk CHpEvaCliTool::getVirtualDiskDetail(const SHpEvaCell &cell, std::str
     CFiTraceLogPtr log = cliTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::getVirtualDiskDetail");
     const ACE_WString command = quoted(L"LS VDISK ", name, L" XML");
-    log->trace(2, "executing command [%S]", command.c_str());
-    std::vector<std::string> lines;
-    runScript(*this, cell, command, cellOf(cell), lines);
     CHpEvaLsVdiskHandler handler(cell);
-    parseXmlOutput(lines, handler, command, __FILE__, __LINE__);
+    runListing(*this, cell, command, cellOf(cell), handler, __FILE__, __LINE__);
     // The cell part is set even when no object came back.
     SHpEvaVdisk disk = handler.getVdisk();
     static_cast<SHpEvaCell &>(disk) = cell;
@@ -188,10 +181,7 @@ SHpEvaDrGroup CHpEvaCliTool::getDRGroupDetail(const SHpEvaCell &cell, std::strin
     CFiTraceLogPtr log = cliTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::getDRGroupDetail");
     const ACE_WString command = quoted(L"LS DR_GROUP ", group, L" XML");
-    log->trace(2, "executing command [%S]", command.c_str());
-    std::vector<std::string> lines;
-    runScript(*this, cell, command, cellOf(cell), lines);
     CHpEvaLsDrGroupHandler handler;
-    parseXmlOutput(lines, handler, command, __FILE__, __LINE__);
+    runListing(*this, cell, command, cellOf(cell), handler, __FILE__, __LINE__);
     return handler.getDrGroup();
 }

@@ -16,10 +16,7 @@ const char OBJECT_END[] = "</object>";
 const char DOCUMENT_START[] = "<?xml version=\"1.0\" standalone=\"yes\" ?><hpeva_dataset>";
 const char DOCUMENT_END[] = "</hpeva_dataset>";
 
-bool holds(const std::string &line, const char *text)
-{
-    return line.find(text) != std::string::npos;
-}
+using hpeva_cli::holds;
 
 // The same test as holds(line, INFORMATION), run on every line of a listing: looking for the
 // rare ':' first keeps it from stopping at each 'i'.
@@ -85,6 +82,22 @@ void runScript(const CHpEvaCliTool &tool, const SFiCredential &credential, const
                const ACE_WString &cell, std::vector<std::string> &lines)
 {
     runScript(tool, credential, std::vector<ACE_WString>(1, command), cell, lines);
+}
+
+void runListing(const CHpEvaCliTool &tool, const SFiCredential &credential, const ACE_WString &command,
+                const ACE_WString &cell, CFiSaxParseHandler &handler, const char *file, int line)
+{
+    cliTraceLog()->trace(2, "executing command [%S]", command.c_str());
+    std::vector<std::string> lines;
+    // Listings run to thousands of lines; start with room for a fair share of them.
+    lines.reserve(1024);
+    runScript(tool, credential, command, cell, lines);
+    parseXmlOutput(lines, handler, command, file, line);
+}
+
+bool holds(const std::string &line, const char *text)
+{
+    return line.find(text) != std::string::npos;
 }
 
 void parseXmlOutput(std::vector<std::string> &lines, CFiSaxParseHandler &handler, const ACE_WString &command,

@@ -23,6 +23,15 @@ void runScript(const CHpEvaCliTool &tool, const qorin_pdk_4_4::SFiCredential &cr
 void runScript(const CHpEvaCliTool &tool, const qorin_pdk_4_4::SFiCredential &credential, const ACE_WString &command,
                const ACE_WString &cell, std::vector<std::string> &lines);
 
+// One XML listing from start to end: traces the command, runs its script and parses the
+// output with handler as parseXmlOutput does.
+void runListing(const CHpEvaCliTool &tool, const qorin_pdk_4_4::SFiCredential &credential,
+                const ACE_WString &command, const ACE_WString &cell, qorin_pdk_4_4::CFiSaxParseHandler &handler,
+                const char *file, int line);
+
+// Whether line holds text anywhere.
+bool holds(const std::string &line, const char *text);
+
 // The common tail of every XML listing: massages SSSU's lines into one document and parses
 // it with handler. A document that can't be read throws CHpEvaCliException
 // (CLI_COMMAND_FAILED) with the parser's message and the massaged lines; the source

@@ -44,19 +44,7 @@ inline std::string scriptOf(const std::string &login, const std::string &cell, c
 }
 
 // The key of every message pushed in this process.
-using Recorder = tamlin_test::MessageRecorder;
-
-inline Recorder &processRecorder()
-{
-    static Recorder *recorder = [] {
-        auto *r = new Recorder;
-        qorin_pdk_4_4::CFiErrorManagerPtr errors;
-        getErrorManagerSingleton(errors, false);
-        errors->registerHandler(r);
-        return r;
-    }();
-    return *recorder;
-}
+using tamlin_test::processRecorder;
 
 // The SSSU lock's file is named once per process, at the first run: one private directory
 // for the whole process keeps these tests out of other processes' way.

@@ -31,10 +31,9 @@ using Recorder = tamlin_test::MessageRecorder;
 inline Recorder &processRecorder()
 {
     static Recorder *recorder = [] {
-        auto *r = new Recorder;
+        Recorder *r = &tamlin_test::processRecorder();
         qorin_pdk_4_4::CFiErrorManagerPtr errors;
         getErrorManagerSingleton(errors, false);
-        errors->registerHandler(r);
         // The level comes from the install root's configuration, as in a real installation.
         static TempInstallRoot root;
         root.writeFile("ConfigFiles/tamlin.conf", "[DEBUG_TRACE_INFO]\n\"TRACELEVEL\"=dword:00000006\n");

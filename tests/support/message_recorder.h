@@ -10,6 +10,7 @@
 
 #include "cfierrorhandlerbase.h"
 #include "cfimessage.h"
+#include "hpeva_singletons.h"
 
 namespace tamlin_test {
 
@@ -52,6 +53,19 @@ public:
 private:
     std::mutex m_lock;
 };
+
+// One recorder on the process's error manager, made at the first call and kept for good.
+inline MessageRecorder &processRecorder()
+{
+    static MessageRecorder *recorder = [] {
+        auto *r = new MessageRecorder;
+        qorin_pdk_4_4::CFiErrorManagerPtr errors;
+        getErrorManagerSingleton(errors, false);
+        errors->registerHandler(r);
+        return r;
+    }();
+    return *recorder;
+}
 
 }  // namespace tamlin_test
 
