@@ -106,27 +106,6 @@ TEST(Configuration, ValuesSurviveExportAndImport)
     EXPECT_EQ(names(copy.enumerateSections()), std::vector<std::string>{"CV1"});
 }
 
-TEST(Configuration, ReadingAMissingSectionCreatesItInMemoryOnly)
-{
-    TempInstallRoot root;
-    CFiConfiguration config(ACE_WString(L"tamlin"));
-    const std::string before = root.readFile("ConfigFiles/tamlin.conf");
-    ACE_WString value(L"untouched");
-    EXPECT_NE(config.getStringValue(L"CLI_TOOL_INFO", L"CLIDIR", value), 0);
-    EXPECT_EQ(narrow(value), "untouched");
-    EXPECT_EQ(names(config.enumerateSections(config.configHeap().root_section())),
-              std::vector<std::string>{"CLI_TOOL_INFO"});
-    EXPECT_EQ(root.readFile("ConfigFiles/tamlin.conf"), before);
-
-    // Without a current section the plain forms fail instead of guessing.
-    CFiConfiguration empty;
-    EXPECT_NE(empty.getStringValue(L"X", value), 0);
-    EXPECT_NE(empty.setIntegerValue(L"X", 1), 0);
-    EXPECT_TRUE(empty.enumerateSections().empty());
-    ACE_Configuration_Section_Key key;
-    EXPECT_NE(empty.openSection(L"NOPE", key, 0), 0);
-}
-
 TEST(Configuration, ImportFailuresAreResultsWithTheirTexts)
 {
     TempInstallRoot root;
@@ -153,19 +132,6 @@ TEST(Configuration, ImportFailuresAreResultsWithTheirTexts)
     EXPECT_EQ(config.getStringValue(L"A", L"k", value), 0);
     EXPECT_EQ(narrow(value), "v");
     EXPECT_EQ(names(config.enumerateSections(config.configHeap().root_section())), std::vector<std::string>{"A"});
-}
-
-TEST(Configuration, ImportReplacesTheStore)
-{
-    TempInstallRoot root;
-    const std::wstring dir = wide(root.path("ConfigFiles/"));
-    root.writeFile("ConfigFiles/t.conf", "[A]\n\"old\"=\"1\"\n");
-    CFiConfiguration config(dir.c_str(), L"t.conf", true);
-    root.writeFile("ConfigFiles/t.conf", "[A]\n\"new\"=\"2\"\n");
-    ASSERT_EQ(config.importConfig(dir.c_str(), L"t.conf"), 0);
-    ACE_WString value;
-    EXPECT_NE(config.getStringValue(L"A", L"old", value), 0) << "a key gone from the file is gone";
-    EXPECT_EQ(config.getStringValue(L"A", L"new", value), 0);
 }
 
 TEST(Configuration, ExportNeedsAPathAndKeepsTheFileMode)

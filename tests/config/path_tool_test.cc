@@ -104,22 +104,6 @@ TEST(PathTool, InstallKeyWithoutTheValueFallsBackToTheFramework)
     EXPECT_EQ(narrow(path), "/kept/");
 }
 
-TEST(PathTool, ProgramFilesFallBackToOpt)
-{
-    TempInstallRoot root;
-    ACE_WString path;
-    EXPECT_NE(CFiConfigurationPathTool::getProgramFilesDir(path), 0);
-    EXPECT_EQ(narrow(path), "/opt");
-    EXPECT_NE(CFiConfigurationPathTool::getProgramFilesX86Dir(path), 0);
-    EXPECT_EQ(narrow(path), "/opt");
-
-    root.writeFile("registry.conf", kRegistry);
-    EXPECT_EQ(CFiConfigurationPathTool::getProgramFilesDir(path), 0);
-    EXPECT_EQ(narrow(path), "/usr/local");
-    EXPECT_NE(CFiConfigurationPathTool::getProgramFilesX86Dir(path), 0);
-    EXPECT_EQ(narrow(path), "/opt");
-}
-
 TEST(PathTool, WithoutAnInstallDirectoryNothingIsCreated)
 {
     TempInstallRoot root;

@@ -295,28 +295,6 @@ TEST(SupportsFiType, AnyKnownAndUnknownMethodsAndTheImportOptions)
     plugin->deInitNode(&node.domain);
 }
 
-TEST(NodeState, ReadinessAndExistence)
-{
-    CFiSmartPtr<Interposer> plugin(new Interposer);
-    Node node(kInterposed);
-    Node groupNode(group("HPEVA_VSnap"));
-    char method[] = "HPEVA_VSnap";
-    qrn_splitnode withGroup = {method, &node.domain, &groupNode.domain};
-    Node alone(kDisk);
-    qrn_splitnode noGroup = {method, &alone.domain, nullptr};
-    qrn_splitnode *list[] = {&withGroup, &noGroup};
-    EXPECT_EQ(plugin->isReady(nullptr, list, 2), 0);
-    EXPECT_EQ(node.domain.flags, static_cast<uint32_t>(QRN_NODE_READY));
-    EXPECT_EQ(groupNode.domain.flags, static_cast<uint32_t>(QRN_NODE_READY));
-    EXPECT_EQ(alone.domain.flags, static_cast<uint32_t>(QRN_NODE_READY));
-
-    int exists = -1;
-    EXPECT_EQ(plugin->checkNodeExistence(&node.domain, &exists), 0);
-    EXPECT_EQ(exists, 1);
-    EXPECT_EQ(plugin->checkNodeExistence(&alone.domain, &exists), 0);
-    EXPECT_EQ(exists, 0);
-}
-
 TEST(Import, AnAlternateNodeIsPresentedToTheSourcesHostsOnlyWhenLocalUntransportedAndWithoutIntent)
 {
     CFiSmartPtr<Interposer> plugin(new Interposer);

@@ -110,21 +110,6 @@ TEST_F(LunMap, RecordKeysLieBelowTheCacheLocationByTreeAndEnclosure)
     EXPECT_THROW(map.getDevKey(ACE_WString(L"no identity"), key), CFiUdidException);
 }
 
-TEST_F(LunMap, TheCacheLocationDefaultsToTheInstalls)
-{
-    TempInstallRoot root;
-    ASSERT_TRUE(root.ok());
-    CFiPblmOps map;
-    EXPECT_EQ(map.getCacheRoot(), root.path("CacheFiles/"));
-    std::string key;
-    ASSERT_EQ(map.getLunKey(udidOf(kEnclosure, 1), key), 0);
-    EXPECT_EQ(key, root.path("CacheFiles/luns/") + kEnclosure + "/" + udidOf(kEnclosure, 1));
-
-    root.setEnv("QORIN_INSTALL_ROOT", std::nullopt);
-    EXPECT_EQ(map.getCacheRoot(), "") << "the location is looked up at each use";
-    EXPECT_EQ(map.getLunKey(udidOf(kEnclosure, 1), key), 3) << "no location, no records";
-}
-
 TEST_F(LunMap, AFreshEnclosureOffersTheWholeRangeLowestFirstAndMarksNothing)
 {
     auto map = providerMap();

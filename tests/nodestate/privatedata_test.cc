@@ -168,48 +168,6 @@ TEST(PrivateData, NodeStateIsThreeTaggedLinesCountedWithTheTerminator)
     EXPECT_EQ(data.setNodeState(&blob), 0);
 }
 
-TEST(PrivateData, FieldsKeepWhatTheHostGaveAcrossCalls)
-{
-    CFiPrivateData data(L"UDID##HP##HSV##C##2", false);
-    EXPECT_STREQ(data.getObjName(), L"UDID##HP##HSV##C##2") << "the name form makes its own identifier";
-
-    wchar_t h1[] = L"host1";
-    wchar_t h2[] = L"host2";
-    wchar_t h3[] = L"host3";
-    qrn_host_infn third = {h3, nullptr};
-    qrn_host_infn unnamed = {nullptr, &third};
-    qrn_host_infn first = {h1, &unnamed};
-    qrn_host_infn second = {h2, nullptr};
-    data.setHostList(&first);
-    data.setHostList(&second);
-    EXPECT_EQ(data.getHostList(), (std::vector<std::wstring>{L"host1", L"host3", L"host2"}));
-
-    EXPECT_EQ(data.getSubObjectList(), nullptr);
-    EXPECT_EQ(data.getSubObjectListLength(), 0);
-    qorin_objid one = {nullptr, 0, 0};
-    qorin_objid two = {nullptr, 0, 0};
-    data.addSubObject(&one);
-    data.addSubObject(&two);
-    ASSERT_EQ(data.getSubObjectListLength(), 2);
-    EXPECT_EQ(data.getSubObjectList()[1], &two);
-
-    data.setSessionId("a");
-    data.setSessionId(nullptr);
-    EXPECT_EQ(data.getSessionId(), "a") << "a null id keeps the old one";
-
-    EXPECT_FALSE(data.hasConfigInfoList(1));
-    data.configInfoList(1);
-    EXPECT_TRUE(data.hasConfigInfoList(1));
-    EXPECT_FALSE(data.hasConfigInfoList(0));
-
-    data.setOwnerGID(12, 34);
-    qrn_ownergid ids = {0, 0};
-    EXPECT_EQ(data.getOwnerGID(&ids), 0);
-    EXPECT_EQ(ids.owner, 12);
-    EXPECT_EQ(ids.group, 34);
-    EXPECT_EQ(data.getOwnerGID(nullptr), 3);
-}
-
 TEST(PluginPrivateData, ReAccessMakesThePrivateDataAndRecordsIntentSessionAndMethod)
 {
     CFiSmartPtr<PluginWithPrivateData> plugin(new PluginWithPrivateData);

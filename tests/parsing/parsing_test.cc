@@ -149,17 +149,6 @@ TEST(SaxFrame, LinesOfAnyLengthAreReadInPlace)
     EXPECT_EQ(handler.texts, (std::vector<std::string>{"a=" + big, "b=tail", "r="}));
 }
 
-TEST(SaxFrame, AHandlerOutlivesItsParserWithTheMessage)
-{
-    TextCollector handler;
-    {
-        CFiSaxParser parser(&handler, nullptr);
-        parser.parse(std::string("<a>"));
-    }
-    EXPECT_TRUE(handler.hasLastError());
-    EXPECT_FALSE(handler.getLastErrorText().empty());
-}
-
 TEST(MassageOutput, KeepsOnlyTheObjectsInOneRoot)
 {
     std::vector<std::string> lines = {"",

@@ -239,40 +239,6 @@ TEST(TraceLog, HandlersGetEveryLevelWithItsSeverity)
     EXPECT_TRUE(std::regex_search(line, std::regex(R"( <Thread id - \d+> one\n$)"))) << line;
 }
 
-TEST(TraceLog, ExplicitDirectoryAndFileReplaceTheSettings)
-{
-    TempInstallRoot root;
-    writeSettings(root, "\"TRACEDIR\"=\"/nowhere/\"\n\"TRACELEVEL\"=dword:00000006\n\"TRACESTDOUT\"=dword:00000001\n");
-    root.writeFile("custom/.keep", "");
-    CFiTraceLogPtr log(new CFiTraceLog);
-    log->initialize(L"tamlin", CFiStringTool::str2tstr(root.path("custom")), L"mine", 1, false);
-    ASSERT_TRUE(log->isInitialized());
-    int level = 0;
-    log->GetTraceLevels(level);
-    EXPECT_EQ(level, 1) << "the level passed in is written too";
-    EXPECT_EQ(setting(root, L"TRACESTDOUT"), 0u);
-    EXPECT_FALSE(log->tracesToStdout());
-    log->trace(1, "here");
-    EXPECT_NE(root.readFile("custom/mine." + TempInstallRoot::logDate()).find("> here\n"), std::string::npos);
-}
-
-TEST(TraceLog, StdoutFlagIsSetByTheFileButNeverClearedByIt)
-{
-    TempInstallRoot root;
-    writeSettings(root, "\"TRACELEVEL\"=dword:00000001\n\"TRACESTDOUT\"=dword:00000000\n");
-    EXPECT_TRUE(openLog(true)->tracesToStdout());
-    EXPECT_FALSE(openLog(false)->tracesToStdout());
-    writeSettings(root, "\"TRACELEVEL\"=dword:00000001\n\"TRACESTDOUT\"=dword:00000001\n");
-    CFiTraceLogPtr log = openLog(false);
-    EXPECT_TRUE(log->tracesToStdout());
-
-    testing::internal::CaptureStdout();
-    log->trace(1, "on standard output");
-    std::string out = testing::internal::GetCapturedStdout();
-    EXPECT_EQ(out.rfind("tamlin:", 0), 0u) << out;
-    EXPECT_NE(out.find("> on standard output\n"), std::string::npos) << out;
-}
-
 TEST(TraceLog, RuntimeUpdateFollowsTheFile)
 {
     TempInstallRoot root;
