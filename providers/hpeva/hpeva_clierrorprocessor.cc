@@ -33,8 +33,7 @@ void CHpEvaCliErrorProcessor::cleanPassword(std::vector<std::string> &lines)
 
 bool CHpEvaCliErrorProcessor::processBuffer(const std::vector<std::string> &lines, const ACE_WString &command)
 {
-    CFiTraceLogPtr log;
-    getTraceLogSingleton(log, false);
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliErrorProcessor::processBuffer");
     if (lines.empty()) {
         log->trace(2, "No output was found for command [%S].", command.c_str());

@@ -35,8 +35,7 @@ ACE_WString CHpEvaCliTool::getPath() const
 
 void CHpEvaCliTool::execSSSU(const ACE_WString &arguments, std::vector<std::string> &lines, int timeout) const
 {
-    CFiTraceLogPtr log;
-    getTraceLogSingleton(log, false);
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::execSSSU");
 
     // Lives until the library unloads; the kernel drops the lock of a process that dies.

@@ -12,6 +12,7 @@
 #include "hpeva_commandtempfile.h"
 #include "hpeva_lscellhandler.h"
 #include "hpeva_lshosthandler.h"
+#include "hpeva_singletons.h"
 
 using namespace qorin_pdk_4_4;
 using namespace hpeva_cli;
@@ -50,7 +51,7 @@ std::string hostLeaf(const std::string &entry)
 
 int CHpEvaCliTool::checkVersion() const
 {
-    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::checkVersion");
     // No login: the banner alone tells the version.
     CHpEvaCommandTempFile script;
@@ -69,7 +70,7 @@ int CHpEvaCliTool::checkVersion() const
 
 std::vector<SHpEvaCell> CHpEvaCliTool::enumerateCells(const std::vector<SFiCredential> &credentials) const
 {
-    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::enumerateCells");
     std::vector<SHpEvaCell> cells;
     for (const SFiCredential &credential : credentials) {
@@ -125,7 +126,7 @@ std::vector<SHpEvaCell> CHpEvaCliTool::enumerateCells(const std::vector<SFiCrede
 
 void CHpEvaCliTool::getCellDetail(SHpEvaCell &cell) const
 {
-    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::getCellDetail");
     ACE_WString command(L"LS CELL \"");
     command += CFiStringTool::wstr2tstr(cell.cellname);
@@ -140,7 +141,7 @@ void CHpEvaCliTool::getCellDetail(SHpEvaCell &cell) const
 
 int CHpEvaCliTool::findCell(std::string wwn, const std::vector<SHpEvaCell> &cells, SHpEvaCell &cell)
 {
-    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::findCell");
     wwn = CFiStringTool::tostrupper(wwn);
     for (const SHpEvaCell &candidate : cells) {
@@ -156,7 +157,7 @@ int CHpEvaCliTool::findCell(std::string wwn, const std::vector<SHpEvaCell> &cell
 std::vector<std::string> CHpEvaCliTool::enumerate(const SHpEvaCell &cell, const ACE_WString &command,
                                                   const char *marker) const
 {
-    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::enumerate");
     std::vector<std::string> lines;
     runScript(*this, cell, command, CFiStringTool::wstr2tstr(cell.cellname), lines);
@@ -185,7 +186,7 @@ std::vector<std::string> CHpEvaCliTool::listVirtualDisks(const SHpEvaCell &cell)
 
 void CHpEvaCliTool::getHostInfoList(const SHpEvaCell &cell, std::vector<SHpEvaHost> &hosts) const
 {
-    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::getHostInfoList");
     const ACE_WString command(L"LS HOST FULL XML");
     CHpEvaLsHostHandler handler;
@@ -195,7 +196,7 @@ void CHpEvaCliTool::getHostInfoList(const SHpEvaCell &cell, std::vector<SHpEvaHo
 
 int CHpEvaCliTool::getSSSUHostName(const SHpEvaCell &cell, std::string &name, const char *hostName) const
 {
-    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::getSSSUHostName");
     CFiHostInfo info = hostName != nullptr ? CFiNetwork::resolve(std::string(hostName)) : CFiNetwork::resolve();
     // Arrays know machines by their short name.
@@ -242,7 +243,7 @@ int CHpEvaCliTool::getSSSUHostName(const SHpEvaCell &cell, std::string &name, co
 
 std::vector<SHpEvaVdisk> CHpEvaCliTool::getLocalVdiskList(const SHpEvaCell &cell, const char *hostName) const
 {
-    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::getLocalVdiskList");
     std::vector<SHpEvaVdisk> disks;
     std::string path;

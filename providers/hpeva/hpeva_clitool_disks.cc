@@ -10,6 +10,7 @@
 #include "hpeva_clitool_run.h"
 #include "hpeva_lsdrgrouphandler.h"
 #include "hpeva_lsvdiskhandler.h"
+#include "hpeva_singletons.h"
 
 using namespace qorin_pdk_4_4;
 using namespace hpeva_cli;
@@ -41,7 +42,7 @@ void setDrGroupSuspension(const CHpEvaCliTool &tool, const SHpEvaCell &cell, con
                           const wchar_t *state)
 {
     const ACE_WString command = quoted(L"SET DR_GROUP ", group, state);
-    cliTraceLog()->trace(2, "executing command [%S]", command.c_str());
+    processTraceLog()->trace(2, "executing command [%S]", command.c_str());
     std::vector<std::string> lines;
     runScript(tool, cell, command, cellOf(cell), lines);
 }
@@ -51,7 +52,7 @@ void setDrGroupSuspension(const CHpEvaCliTool &tool, const SHpEvaCell &cell, con
 SHpEvaVdisk CHpEvaCliTool::findVirtualDisk(const std::vector<SHpEvaCell> &cells, std::string cellWwn,
                                            const std::string &wwn) const
 {
-    CFiTraceLogFunction function(cliTraceLog(), "CHpEvaCliTool::findVirtualDisk");
+    CFiTraceLogFunction function(processTraceLog(), "CHpEvaCliTool::findVirtualDisk");
     // An unknown cell leaves an empty one: the script then has no login and SSSU's answer
     // tells the caller.
     SHpEvaCell cell;
@@ -61,7 +62,7 @@ SHpEvaVdisk CHpEvaCliTool::findVirtualDisk(const std::vector<SHpEvaCell> &cells,
 
 SHpEvaVdisk CHpEvaCliTool::findVirtualDisk(const SHpEvaCell &cell, const std::string &wwn) const
 {
-    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::findVirtualDisk");
     // A refresh first, so that a disk made moments ago through another server is seen.
     ACE_WString find(L"FIND VDISK LUNWWID=");
@@ -77,7 +78,7 @@ SHpEvaVdisk CHpEvaCliTool::findVirtualDisk(const SHpEvaCell &cell, const std::st
 
 void CHpEvaCliTool::getVirtualDiskList(const SHpEvaCell &cell, std::list<SHpEvaVdisk> &disks) const
 {
-    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::getVirtualDiskList");
     const ACE_WString command(L"LS VDISK FULL XML");
     CHpEvaLsVdiskHandler handler(cell);
@@ -87,7 +88,7 @@ void CHpEvaCliTool::getVirtualDiskList(const SHpEvaCell &cell, std::list<SHpEvaV
 
 SHpEvaVdisk CHpEvaCliTool::getVirtualDiskDetail(const SHpEvaCell &cell, std::string name) const
 {
-    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::getVirtualDiskDetail");
     const ACE_WString command = quoted(L"LS VDISK ", name, L" XML");
     CHpEvaLsVdiskHandler handler(cell);
@@ -101,7 +102,7 @@ SHpEvaVdisk CHpEvaCliTool::getVirtualDiskDetail(const SHpEvaCell &cell, std::str
 void CHpEvaCliTool::refresh(const SHpEvaCell &cell) const
 {
     const ACE_WString command(L"REFRESH");
-    cliTraceLog()->trace(2, "executing command [%S]", command.c_str());
+    processTraceLog()->trace(2, "executing command [%S]", command.c_str());
     std::vector<std::string> lines;
     runScript(*this, cell, command, cellOf(cell), lines);
 }
@@ -109,7 +110,7 @@ void CHpEvaCliTool::refresh(const SHpEvaCell &cell) const
 void CHpEvaCliTool::addLun(const SHpEvaCell &cell, const std::string &disk, const std::string &host,
                            unsigned int lun) const
 {
-    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::addLun");
     // The blanks are SSSU's contract as the provider has always sent it: two before VDISK,
     // one at the end. LUN 0 is written too; the array then chooses the number.
@@ -127,7 +128,7 @@ void CHpEvaCliTool::addLun(const SHpEvaCell &cell, const std::string &disk, cons
 
 void CHpEvaCliTool::deleteLuns(const SHpEvaVdisk &disk, const char *host) const
 {
-    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::deleteLuns");
     std::vector<ACE_WString> commands;
     for (const auto &presentation : disk.presentations) {
@@ -152,7 +153,7 @@ void CHpEvaCliTool::deleteLuns(const SHpEvaVdisk &disk, const char *host) const
 
 void CHpEvaCliTool::deleteVirtualDisk(const SHpEvaVdisk &disk) const
 {
-    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::deleteVirtualDisk");
     // The array refuses to delete a presented disk.
     if (!disk.presentations.empty()) {
@@ -166,19 +167,19 @@ void CHpEvaCliTool::deleteVirtualDisk(const SHpEvaVdisk &disk) const
 
 void CHpEvaCliTool::suspendDrGroup(const SHpEvaCell &cell, std::string group) const
 {
-    CFiTraceLogFunction function(cliTraceLog(), "CHpEvaCliTool::suspendDrGroup");
+    CFiTraceLogFunction function(processTraceLog(), "CHpEvaCliTool::suspendDrGroup");
     setDrGroupSuspension(*this, cell, group, L" SUSPEND");
 }
 
 void CHpEvaCliTool::resumeDrGroup(const SHpEvaCell &cell, std::string group) const
 {
-    CFiTraceLogFunction function(cliTraceLog(), "CHpEvaCliTool::resumeDrGroup");
+    CFiTraceLogFunction function(processTraceLog(), "CHpEvaCliTool::resumeDrGroup");
     setDrGroupSuspension(*this, cell, group, L" NOSUSPEND");
 }
 
 SHpEvaDrGroup CHpEvaCliTool::getDRGroupDetail(const SHpEvaCell &cell, std::string group) const
 {
-    CFiTraceLogPtr log = cliTraceLog();
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::getDRGroupDetail");
     const ACE_WString command = quoted(L"LS DR_GROUP ", group, L" XML");
     CHpEvaLsDrGroupHandler handler;

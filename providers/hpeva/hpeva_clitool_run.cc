@@ -63,13 +63,6 @@ void CHpEvaCliTool::massageOutput(std::vector<std::string> &lines)
 
 namespace hpeva_cli {
 
-CFiTraceLogPtr cliTraceLog()
-{
-    CFiTraceLogPtr log;
-    getTraceLogSingleton(log, false);
-    return log;
-}
-
 void runScript(const CHpEvaCliTool &tool, const SFiCredential &credential, const std::vector<ACE_WString> &commands,
                const ACE_WString &cell, std::vector<std::string> &lines)
 {
@@ -87,7 +80,7 @@ void runScript(const CHpEvaCliTool &tool, const SFiCredential &credential, const
 void runListing(const CHpEvaCliTool &tool, const SFiCredential &credential, const ACE_WString &command,
                 const ACE_WString &cell, CFiSaxParseHandler &handler, const char *file, int line)
 {
-    cliTraceLog()->trace(2, "executing command [%S]", command.c_str());
+    processTraceLog()->trace(2, "executing command [%S]", command.c_str());
     std::vector<std::string> lines;
     // Listings run to thousands of lines; start with room for a fair share of them.
     lines.reserve(1024);

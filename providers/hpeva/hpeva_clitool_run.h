@@ -14,9 +14,6 @@
 // What the array operations of CHpEvaCliTool share: one script, one run, one parse.
 namespace hpeva_cli {
 
-// The process's trace log.
-qorin_pdk_4_4::CFiTraceLogPtr cliTraceLog();
-
 // Writes one script (login of credential, cell selected unless cell is empty) and runs it.
 void runScript(const CHpEvaCliTool &tool, const qorin_pdk_4_4::SFiCredential &credential,
                const std::vector<ACE_WString> &commands, const ACE_WString &cell, std::vector<std::string> &lines);

@@ -71,13 +71,6 @@ void checkValues(const SFiCredential *credential, const std::vector<ACE_WString>
     }
 }
 
-CFiTraceLogPtr traceLog()
-{
-    CFiTraceLogPtr log;
-    getTraceLogSingleton(log, false);
-    return log;
-}
-
 }  // namespace
 
 CHpEvaCommandTempFile::CHpEvaCommandTempFile() : m_created(false)
@@ -117,7 +110,7 @@ ACE_WString CHpEvaCommandTempFile::getCommandFileOption() const
 void CHpEvaCommandTempFile::write(const SFiCredential *credential, const std::vector<ACE_WString> &commands,
                                   const ACE_WString &cell)
 {
-    CFiTraceLogPtr log = traceLog();
+    CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCommandTempFile::CHpEvaCommandTempFile");
     checkValues(credential, commands, cell);
 

@@ -51,13 +51,6 @@ CFiPluginPtr plugin()
     return p;
 }
 
-CFiTraceLogPtr traceLog()
-{
-    CFiTraceLogPtr log;
-    getTraceLogSingleton(log, false);
-    return log;
-}
-
 CFiSessionPtr sessionFor(const char *sessionId)
 {
     CFiSessionManagerPtr sessions;
@@ -68,7 +61,7 @@ CFiSessionPtr sessionFor(const char *sessionId)
 }  // namespace
 
 #define ENTRY(name)                                                    \
-    CFiTraceLogFunction entryTrace(traceLog(), "tamlin_fi_pgn_" name); \
+    CFiTraceLogFunction entryTrace(processTraceLog(), "tamlin_fi_pgn_" name); \
     CFiPluginPtr p = plugin()
 
 #define DELAYED()                       \
@@ -129,7 +122,7 @@ int32_t tamlin_fi_pgn_init(qrn_host_context *host, uint16_t *version)
 
 void tamlin_fi_pgn_fini(void)
 {
-    CFiTraceLogFunction entryTrace(traceLog(), "tamlin_fi_pgn_fini");
+    CFiTraceLogFunction entryTrace(processTraceLog(), "tamlin_fi_pgn_fini");
     {
         CFiPluginPtr p = plugin();
         CFiPluginBase::isShuttingDown(true);

@@ -13,13 +13,6 @@ const char kSourceFile[] = "providers/hpeva/hpeva_plugin";
 // Version of the snapshot methods as the host sees them.
 const wchar_t kFimVersion[] = L"4.1";
 
-CFiTraceLogPtr traceLog()
-{
-    CFiTraceLogPtr log;
-    getTraceLogSingleton(log, false);
-    return log;
-}
-
 }  // namespace
 
 CHpEvaPlugin::CHpEvaPlugin() = default;
@@ -33,7 +26,7 @@ CHpEvaGuard CHpEvaPlugin::guard(const char *operation, int line, bool initialisa
 
 int CHpEvaPlugin::getProviderInfo(qrn_provider_list **out)
 {
-    CFiTraceLogFunction traceFunction(traceLog(), "CHpEvaPlugin::getProviderInfo");
+    CFiTraceLogFunction traceFunction(processTraceLog(), "CHpEvaPlugin::getProviderInfo");
     return guard("getProviderInfo", __LINE__).run([&] {
         {
             CFiProviderInfoListFactory factory(PROVIDER_NAME, out);
@@ -47,7 +40,7 @@ int CHpEvaPlugin::getProviderInfo(qrn_provider_list **out)
 
 int CHpEvaPlugin::enumerateFims(qrn_fim_list **out)
 {
-    CFiTraceLogFunction traceFunction(traceLog(), "CHpEvaPlugin::enumerateFims");
+    CFiTraceLogFunction traceFunction(processTraceLog(), "CHpEvaPlugin::enumerateFims");
     return guard("enumerateFims", __LINE__).run([&] {
         {
             // The host's order; the FIM table of init lists VSnap first.

@@ -59,3 +59,10 @@ void getSessionManagerSingleton(CFiSessionManagerPtr &out, bool destroy)
 {
     accessSingleton<CFiSessionManager, CFiSessionManager>(out, destroy);
 }
+
+CFiTraceLogPtr processTraceLog()
+{
+    CFiTraceLogPtr log;
+    getTraceLogSingleton(log, false);
+    return log;
+}

@@ -21,6 +21,9 @@ void getErrorManagerSingleton(qorin_pdk_4_4::CFiErrorManagerPtr &out, bool destr
 void getPrivateDataManagerSingleton(qorin_pdk_4_4::CFiPrivateDataManagerPtr &out, bool destroy);
 void getSessionManagerSingleton(qorin_pdk_4_4::CFiSessionManagerPtr &out, bool destroy);
 
+// The process's trace log, made on first use like the others.
+qorin_pdk_4_4::CFiTraceLogPtr processTraceLog();
+
 // Drops the handlers through which init connected the host's callback to the error
 // manager. Only for the library's unload, after the process-wide objects: a registered
 // handler must not go while its error manager can still call it.
