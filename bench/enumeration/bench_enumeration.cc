@@ -142,8 +142,8 @@ int main(int argc, char **argv)
         return 1;
     }
 
-    std::printf("\n%-5s %8s %12s %12s %13s %13s %12s %12s\n", "round", "disks", "first s", "listing s",
-                "provider cpu", "evasim cpu", "provider MB", "evasim MB");
+    std::printf("\n%-5s %8s %12s %12s %13s %13s %12s %12s\n", "round", "disks", "first s", "listing s", "provider cpu",
+                "evasim cpu", "provider MB", "evasim MB");
     int failures = 0;
     for (int round = 1; round <= rounds; ++round) {
         int fds[2];

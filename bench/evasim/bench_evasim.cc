@@ -14,19 +14,19 @@
 
 namespace {
 
-std::string besideMe(char const *argv0, char const *name)
+std::string besideMe(const char *argv0, const char *name)
 {
     std::string self = argv0;
-    size_t const at = self.rfind('/');
+    const size_t at = self.rfind('/');
     return (at == std::string::npos ? std::string(".") : self.substr(0, at)) + "/" + name;
 }
 
-int runQuiet(std::string const &command)
+int runQuiet(const std::string &command)
 {
     return std::system((command + " > /dev/null").c_str());
 }
 
-} // namespace
+}  // namespace
 
 int main(int argc, char **argv)
 {
@@ -41,13 +41,16 @@ int main(int argc, char **argv)
             return 0;
         }
         if ((a == "--disks" || a == "--runs") && i + 1 < argc) {
-            long const v = std::strtol(argv[++i], nullptr, 10);
+            const long v = std::strtol(argv[++i], nullptr, 10);
             if (v < 1) {
                 std::fprintf(stderr, "bench_evasim: %s needs a positive number\n", a.c_str());
                 return 2;
             }
-            if (a == "--disks") disks = v;
-            else runs = static_cast<int>(v);
+            if (a == "--disks") {
+                disks = v;
+            } else {
+                runs = static_cast<int>(v);
+            }
             continue;
         }
         std::fprintf(stderr, "bench_evasim: unknown argument '%s'; try --help\n", a.c_str());
@@ -72,7 +75,7 @@ int main(int argc, char **argv)
 
     double best = 1e9;
     for (int r = 1; r <= runs; ++r) {
-        auto const start = std::chrono::steady_clock::now();
+        const auto start = std::chrono::steady_clock::now();
         FILE *p = ::popen(("'" + evasim + "' 'FILE " + script + "'").c_str(), "r");
         if (!p) {
             std::perror("bench_evasim: popen");
@@ -84,19 +87,22 @@ int main(int argc, char **argv)
         while (size_t n = std::fread(buf, 1, sizeof buf, p)) {
             bytes += n;
             std::string chunk = carry + std::string(buf, n);
-            for (size_t at = chunk.find("</object>"); at != std::string::npos; at = chunk.find("</object>", at + 1))
+            for (size_t at = chunk.find("</object>"); at != std::string::npos; at = chunk.find("</object>", at + 1)) {
                 ++objects;
+            }
             carry = chunk.size() > 8 ? chunk.substr(chunk.size() - 8) : chunk;
         }
-        int const status = ::pclose(p);
-        double const seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        const int status = ::pclose(p);
+        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
         if (status != 0 || objects != static_cast<size_t>(disks)) {
             std::fprintf(stderr, "bench_evasim: run %d gave status %d and %zu objects\n", r, status, objects);
             return 1;
         }
         std::printf("LS VDISK FULL XML, %ld disks: run %d took %.3f s (%.1f MB of output)\n", disks, r, seconds,
                     static_cast<double>(bytes) / 1e6);
-        if (seconds < best) best = seconds;
+        if (seconds < best) {
+            best = seconds;
+        }
     }
     std::printf("best: %.3f s %s\n", best, best < 1.0 ? "(under 1 s)" : "(NOT under 1 s)");
     std::system((std::string("rm -rf '") + dir + "'").c_str());

@@ -34,10 +34,7 @@ struct Source {
     std::string program;
     long long bytes;
     long line;
-    std::string command() const
-    {
-        return "\"" + program + "\" " + std::to_string(bytes) + " " + std::to_string(line);
-    }
+    std::string command() const { return "\"" + program + "\" " + std::to_string(bytes) + " " + std::to_string(line); }
 };
 
 double seconds(std::chrono::steady_clock::time_point since)

@@ -36,8 +36,8 @@ struct World {
     std::string dir;
     CHpEvaCliTool tool;
     SHpEvaCell cell;
-    std::vector<std::string> raw;  // SSSU's lines as execSSSU gives them
-    std::string document;          // the same after massaging, joined
+    std::vector<std::string> raw;      // SSSU's lines as execSSSU gives them
+    std::string document;              // the same after massaging, joined
     double emptyHandlerSeconds = 0.0;  // mean parse of document by Xerces alone, from its benchmark
     bool ready = false;
 };
@@ -91,8 +91,8 @@ double emptyHandlerParse(const std::string &document)
         xercesc::DefaultHandler handler;
         reader->setContentHandler(&handler);
         reader->setErrorHandler(&handler);
-        xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte *>(document.data()), document.size(),
-                                          "bench", false);
+        xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte *>(document.data()), document.size(), "bench",
+                                          false);
         reader->parse(source);
         delete reader;
     }
@@ -287,8 +287,8 @@ int main(int argc, char **argv)
         std::printf("\nOne getVirtualDiskList of %zu disks in a fresh process: %.3f s wall\n"
                     "  provider: %.3f s CPU, peak RSS %.1f MB\n"
                     "  evasim:   %.3f s CPU, peak RSS %.1f MB\n",
-                    fresh.disks, fresh.wallSeconds, fresh.providerCpu, fresh.providerPeakKb / 1024.0,
-                    fresh.evasimCpu, fresh.evasimPeakKb / 1024.0);
+                    fresh.disks, fresh.wallSeconds, fresh.providerCpu, fresh.providerPeakKb / 1024.0, fresh.evasimCpu,
+                    fresh.evasimPeakKb / 1024.0);
     } else {
         std::printf("\nThe fresh-process run failed.\n");
     }

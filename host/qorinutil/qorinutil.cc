@@ -229,8 +229,8 @@ qrn_node_list *qorin_build_nodelist_node(const qrn_node_name *name, const qrn_no
 
 qrn_enclosure_node_list *qorin_build_enclosure_list_node(const wchar_t *name, const wchar_t *provider,
                                                          const wchar_t *enclosureId, const wchar_t *vendor,
-                                                         const wchar_t *product, uint64_t available,
-                                                         uint64_t total, uint32_t lastWord)
+                                                         const wchar_t *product, uint64_t available, uint64_t total,
+                                                         uint32_t lastWord)
 {
     auto *rec = static_cast<qrn_enclosure_node_list *>(calloc(1, sizeof(qrn_enclosure_node_list)));
     if (rec == nullptr) {

@@ -2,8 +2,10 @@
 
 #include <cstdio>
 
-CommandArgs::CommandArgs(const std::string &command, const std::vector<std::string> &args)
-    : m_command(command), m_args(args), m_used(args.size(), false)
+CommandArgs::CommandArgs(const std::string &command, const std::vector<std::string> &args) :
+    m_command(command),
+    m_args(args),
+    m_used(args.size(), false)
 {
 }
 

@@ -53,10 +53,14 @@ int runCheck(CliOptions &options)
     if (options.json) {
         JsonWriter json;
         json.beginObject()
-            .key("provider").value(options.provider)
-            .key("entries").value(static_cast<uint64_t>(n))
-            .key("interface").value(versionText(session.version()))
-            .key("init").value(session.initResult())
+            .key("provider")
+            .value(options.provider)
+            .key("entries")
+            .value(static_cast<uint64_t>(n))
+            .key("interface")
+            .value(versionText(session.version()))
+            .key("init")
+            .value(session.initResult())
             .endObject();
         fprintf(options.out, "%s\n", json.text().c_str());
     } else {
@@ -131,7 +135,7 @@ int runInfo(CliOptions &options)
             fprintf(options.out, "Claim patterns  %s\n", patterns(p->claimPatterns).c_str());
         }
         fprintf(options.out, "Initialisation  %s\n\nSnapshot methods\n",
-               session.initResult() == 0 ? "ok" : ("failed (" + std::to_string(session.initResult()) + ")").c_str());
+                session.initResult() == 0 ? "ok" : ("failed (" + std::to_string(session.initResult()) + ")").c_str());
         TablePrinter table({"METHOD", "ATTRIBUTES", "VERSION", "DESCRIPTION"});
         for (qrn_fim_list *f : result_lists::elements(fims)) {
             table.addRow({toUtf8(f->name ? f->name : L""), words(f->words, 6), toUtf8(f->version ? f->version : L""),

@@ -64,8 +64,8 @@ bool buildFilter(CommandArgs &args, const char *command, const std::vector<std::
     return true;
 }
 
-const std::vector<std::pair<std::string, std::string>> kEnclosureKeys = {
-    {"--enclosure-id", "enclosure_id"}, {"--enclosure-name", "enclosure_name"}};
+const std::vector<std::pair<std::string, std::string>> kEnclosureKeys = {{"--enclosure-id", "enclosure_id"},
+                                                                         {"--enclosure-name", "enclosure_name"}};
 
 // Runs a list entry after a successful init; the filter is null when empty.
 template <class Record, class Entry>

@@ -22,12 +22,11 @@ struct Command {
     std::function<int(CliOptions &)> run;
 };
 
-const char kFilterHelp[] =
-    "  --filter KEY=VALUE     a filter item of the provider (repeatable); keys:\n"
-    "                         provider_name, vendor_id, product_id, enclosure_id,\n"
-    "                         enclosure_name (all compared without regard to case)\n"
-    "  --enclosure-id WWN     short for --filter enclosure_id=WWN\n"
-    "  --enclosure-name NAME  short for --filter enclosure_name=NAME\n";
+const char kFilterHelp[] = "  --filter KEY=VALUE     a filter item of the provider (repeatable); keys:\n"
+                           "                         provider_name, vendor_id, product_id, enclosure_id,\n"
+                           "                         enclosure_name (all compared without regard to case)\n"
+                           "  --enclosure-id WWN     short for --filter enclosure_id=WWN\n"
+                           "  --enclosure-name NAME  short for --filter enclosure_name=NAME\n";
 
 std::map<std::string, Command> commands()
 {
@@ -58,7 +57,7 @@ std::map<std::string, Command> commands()
                                      "with their world wide names and space.\n"
                                      "\n"
                                      "Filter options:\n") +
-                                 kFilterHelp,
+                             kFilterHelp,
                          runEnclosures};
     all["hosts"] = {"list the hosts the arrays know, with their ports",
                     std::string("Usage: tamlinctl [global options] hosts [filter options]\n"

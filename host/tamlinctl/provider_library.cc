@@ -27,10 +27,10 @@ bool ProviderLibrary::open(const std::string &path)
         m_error = "cannot load " + path + ": " + (reason != nullptr ? reason : "unknown reason");
         return false;
     }
-#define TAMLIN_RESOLVE_ENTRY(name)                                                               \
-    m_entries.name = reinterpret_cast<decltype(m_entries.name)>(dlsym(m_handle, "tamlin_fi_pgn_" #name)); \
-    if (m_entries.name == nullptr) {                                                             \
-        m_missing.push_back("tamlin_fi_pgn_" #name);                                             \
+#define TAMLIN_RESOLVE_ENTRY(name)                                                                                     \
+    m_entries.name = reinterpret_cast<decltype(m_entries.name)>(dlsym(m_handle, "tamlin_fi_pgn_" #name));              \
+    if (m_entries.name == nullptr) {                                                                                   \
+        m_missing.push_back("tamlin_fi_pgn_" #name);                                                                   \
     }
     TAMLIN_ENTRY_NAMES(TAMLIN_RESOLVE_ENTRY)
 #undef TAMLIN_RESOLVE_ENTRY

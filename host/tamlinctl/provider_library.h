@@ -24,11 +24,26 @@ public:
     bool open(const std::string &path);
     void close();
 
-    const std::string &error() const { return m_error; }
-    const std::vector<std::string> &missing() const { return m_missing; }
-    const Entries &entries() const { return m_entries; }
-    const Entries *operator->() const { return &m_entries; }
-    bool isOpen() const { return m_handle != nullptr; }
+    const std::string &error() const
+    {
+        return m_error;
+    }
+    const std::vector<std::string> &missing() const
+    {
+        return m_missing;
+    }
+    const Entries &entries() const
+    {
+        return m_entries;
+    }
+    const Entries *operator->() const
+    {
+        return &m_entries;
+    }
+    bool isOpen() const
+    {
+        return m_handle != nullptr;
+    }
     static size_t entryCount();
 
     // The provider installed beside this program: <dir of executable>/../lib/libtamlin.so.

@@ -12,12 +12,20 @@ namespace qorin_pdk_4_4 {
 // Description of one tunable parameter that a provider offers to the host.
 class QORIN_PDK_API CFiConfigParamInfo {
 public:
-    enum ValueType { STRING = 0, INT = 1, BOOLEAN = 2, STRING_LIST = 3, INT_LIST = 4, BOOLEAN_LIST = 5, UNKNOWN_VALUE = 6 };
+    enum ValueType {
+        STRING = 0,
+        INT = 1,
+        BOOLEAN = 2,
+        STRING_LIST = 3,
+        INT_LIST = 4,
+        BOOLEAN_LIST = 5,
+        UNKNOWN_VALUE = 6
+    };
     enum UsageType { SELECT = 0, AUTO = 1, NO_MODIFY = 2, UNKNOWN_USAGE = 3 };
 
     CFiConfigParamInfo();
-    CFiConfigParamInfo(const char *key, int defaultValue, int usage, int rangeMin, int rangeMax,
-                       const char *messageId, bool list, bool shared);
+    CFiConfigParamInfo(const char *key, int defaultValue, int usage, int rangeMin, int rangeMax, const char *messageId,
+                       bool list, bool shared);
     CFiConfigParamInfo(const char *key, bool defaultValue, int usage, const char *messageId, bool list, bool shared);
     CFiConfigParamInfo(const char *key, const char *defaultValue, int usage, const char *messageId, bool list,
                        bool shared);

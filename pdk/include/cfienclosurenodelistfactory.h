@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include "cfiexport.h"
 #include "cfienclosurenode.h"
+#include "cfiexport.h"
 #include "cfilist.h"
 #include "qrn_records.h"
 

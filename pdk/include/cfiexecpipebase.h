@@ -43,8 +43,8 @@ public:
     virtual int IsAbortRequested();
     virtual int IsChildContext();
     virtual int ExecCommandInChildContext(std::string command, std::vector<std::string> &output);
-    virtual int ExecMain(std::string command, std::vector<std::string> &output, std::string extra,
-                         uint32_t seconds, std::string directory, std::string user, std::string password);
+    virtual int ExecMain(std::string command, std::vector<std::string> &output, std::string extra, uint32_t seconds,
+                         std::string directory, std::string user, std::string password);
     // Runs command and fills output with its lines. 0 on success; 3 when the child couldn't
     // be started (getLastError holds the real code); 5 on a time-out; 8 or 11 from Close.
     // An empty user runs the child as the caller.

@@ -25,8 +25,8 @@ class QORIN_PDK_API CFiIcuMessage : public CFiMessage {
 public:
     // args may be null with count 0. file is the raise site's source path, such as
     // "providers/hpeva/hpeva_plugin".
-    CFiIcuMessage(const char *key, const icu::Formattable *args, int count, qrn_eseverity severity,
-                  const char *file, int line);
+    CFiIcuMessage(const char *key, const icu::Formattable *args, int count, qrn_eseverity severity, const char *file,
+                  int line);
     // Reads the serialised text of info (length bytes); file and line stay empty.
     explicit CFiIcuMessage(const qrn_msg_info *info);
     ~CFiIcuMessage() override;

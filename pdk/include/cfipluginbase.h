@@ -48,8 +48,8 @@ public:
     virtual int initNode(qrn_domain *node, qrn_domain **parents, int count, qorin_objid *id);
     virtual int config(qrn_domain *node, int op, char *sessionId, qrn_confspec *spec);
     virtual int initAltNode(qrn_domain *source, qrn_domain *other, qrn_domain *target, bool remote);
-    virtual int reAccessTmpObj(qrn_domain *node, qorin_objid *id, char *splitType, qrn_domain *other,
-                               char *sessionId, qrn_intent intent);
+    virtual int reAccessTmpObj(qrn_domain *node, qorin_objid *id, char *splitType, qrn_domain *other, char *sessionId,
+                               qrn_intent intent);
     virtual int reAccessAltNode(qrn_domain *node, qorin_objid *id, qorin_objid *altId, char *sessionId,
                                 qorin_objid **list, qorin_objid **list2, int count, qrn_intent intent);
     virtual void deInitNode(qrn_domain *node);
@@ -109,8 +109,8 @@ public:
                                wchar_t **out2, wchar_t *other2);
     virtual int format(wchar_t **a, int b, wchar_t *c, wchar_t *d, wchar_t *e, int f, wchar_t ***g, int *h);
     virtual int enumerateHostNodes(qrn_host_node_list **out, int *count, wchar_t *filter);
-    virtual int onlineResource(wchar_t **a, int b, wchar_t *c, wchar_t *d, wchar_t *e, wchar_t *f, int g,
-                               wchar_t ***h, int *i);
+    virtual int onlineResource(wchar_t **a, int b, wchar_t *c, wchar_t *d, wchar_t *e, wchar_t *f, int g, wchar_t ***h,
+                               int *i);
     virtual int deportResource(wchar_t *resource, wchar_t *host, wchar_t *other, wchar_t *other2, int flags);
     virtual int isParentPgn(wchar_t *name, int *isParent, int flag);
     virtual int unformat(wchar_t **a, int b, int c);

@@ -15,7 +15,8 @@ public:
     CFiPrivateDataPtr find(qrn_domain *node) override { return findInHandle(node); }
     CFiPrivateDataPtr create(qrn_domain *node, bool isAltNode) override
     {
-        return createWith(node, isAltNode, [](qorin_objid *id, bool alt) -> CFiPrivateData * { return new T(id, alt); });
+        return createWith(node, isAltNode,
+                          [](qorin_objid *id, bool alt) -> CFiPrivateData * { return new T(id, alt); });
     }
     int destroy(qrn_domain *node) override { return destroyNode(node); }
 };

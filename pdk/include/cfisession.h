@@ -30,8 +30,7 @@ public:
     // The name a node is known by in a session.
     static std::wstring nodeName(const qrn_domain *node);
     // An array of identifiers from qorin_alloc_buf, each from qorin_get_objid: 0, or 5.
-    static int makeIdArray(const std::vector<std::wstring> &texts, uint32_t flags, qorin_objid ***out,
-                           int *outCount);
+    static int makeIdArray(const std::vector<std::wstring> &texts, uint32_t flags, qorin_objid ***out, int *outCount);
 
 private:
     std::string m_sessionId;

@@ -39,8 +39,7 @@ public:
     CFiTraceLog();
     ~CFiTraceLog() override;
 
-    void initialize(const ACE_WString &providerName, ACE_WString directory, ACE_WString file, int level,
-                    bool toStdout);
+    void initialize(const ACE_WString &providerName, ACE_WString directory, ACE_WString file, int level, bool toStdout);
     bool isInitialized() const { return m_initialized; }
     void GetTraceLevels(int &level) const { level = m_level; }
     bool tracesToStdout() const { return m_stdout; }

@@ -30,17 +30,18 @@ QORINUTIL_API int32_t qorin_get_consumer_name(wchar_t **out);
 QORINUTIL_API int32_t qorin_get_install_root(wchar_t **out);
 QORINUTIL_API int32_t qorin_get_credential_blob(wchar_t **out);
 
-QORINUTIL_API qrn_provider_list *qorin_build_providerlist_node(const wchar_t *provider, uint64_t word1,
-                                                               uint64_t word2, const uint16_t *version,
-                                                               wchar_t *const *claimPatterns);
+QORINUTIL_API qrn_provider_list *qorin_build_providerlist_node(const wchar_t *provider, uint64_t word1, uint64_t word2,
+                                                               const uint16_t *version, wchar_t *const *claimPatterns);
 QORINUTIL_API qrn_fim_list *qorin_build_fim_list_node(const wchar_t *name, const qrn_fim_words *words,
                                                       const wchar_t *extra, const wchar_t *provider);
 // Takes over the identifier in name->id: it becomes part of the record.
 QORINUTIL_API qrn_node_list *qorin_build_nodelist_node(const qrn_node_name *name, const qrn_node_words *words,
                                                        const wchar_t *provider);
-QORINUTIL_API qrn_enclosure_node_list *qorin_build_enclosure_list_node(
-    const wchar_t *name, const wchar_t *provider, const wchar_t *enclosureId, const wchar_t *vendor,
-    const wchar_t *product, uint64_t available, uint64_t total, uint32_t lastWord);
+QORINUTIL_API qrn_enclosure_node_list *qorin_build_enclosure_list_node(const wchar_t *name, const wchar_t *provider,
+                                                                       const wchar_t *enclosureId,
+                                                                       const wchar_t *vendor, const wchar_t *product,
+                                                                       uint64_t available, uint64_t total,
+                                                                       uint32_t lastWord);
 QORINUTIL_API qrn_host_node_list *qorin_build_host_list_node(const wchar_t *hostName, wchar_t *const *ports,
                                                              uint32_t portCount, const wchar_t *enclosureId);
 

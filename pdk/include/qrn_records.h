@@ -16,9 +16,9 @@ extern "C" {
 
 // Opaque object identifier made by qorin_get_objid; only its text is read here.
 typedef struct qorin_objid {
-    wchar_t *text;       // 0: identifier text
-    uint32_t size;       // 8: size of the text in bytes, terminator included
-    uint32_t flags;      // 12
+    wchar_t *text;   // 0: identifier text
+    uint32_t size;   // 8: size of the text in bytes, terminator included
+    uint32_t flags;  // 12
 } qorin_objid;
 
 struct qrn_host_context;
@@ -44,45 +44,41 @@ struct qrn_domain;
 struct qrn_method_entry;
 
 typedef struct qrn_member_list {
-    uint32_t count;               // 0
+    uint32_t count;  // 0
     uint32_t reserved4;
     struct qrn_domain **members;  // 8
 } qrn_member_list;
 
 // One node as the host holds it.
 typedef struct qrn_domain {
-    uint32_t type;                        // 0: node type word
-    uint32_t flags;                       // 4: QRN_NODE_* bits
-    qorin_objid *id;                      // 8: the node's identifier
-    uint8_t reserved16[8];                // 16
-    uint32_t *capability;                 // 24: filled by supportsFiType
-    uint8_t reserved32[48];               // 32
-    uint64_t cleared80;                   // 80: cleared on initialisation, not read
-    struct qrn_method_entry *methods;     // 88: list of snapshot methods
-    qrn_member_list *members;             // 96: may be null
-    uint8_t reserved104[8];               // 104
-    qorin_objid *importId;                // 112: identifier that importTreeNode hands back
-    uint8_t reserved120[24];              // 120
-    void *privateData;                    // 144: heap cell holding the node's private data
-    wchar_t *name;                        // 152: copied from the identifier's text
+    uint32_t type;                     // 0: node type word
+    uint32_t flags;                    // 4: QRN_NODE_* bits
+    qorin_objid *id;                   // 8: the node's identifier
+    uint8_t reserved16[8];             // 16
+    uint32_t *capability;              // 24: filled by supportsFiType
+    uint8_t reserved32[48];            // 32
+    uint64_t cleared80;                // 80: cleared on initialisation, not read
+    struct qrn_method_entry *methods;  // 88: list of snapshot methods
+    qrn_member_list *members;          // 96: may be null
+    uint8_t reserved104[8];            // 104
+    qorin_objid *importId;             // 112: identifier that importTreeNode hands back
+    uint8_t reserved120[24];           // 120
+    void *privateData;                 // 144: heap cell holding the node's private data
+    wchar_t *name;                     // 152: copied from the identifier's text
 } qrn_domain;
 
-enum {
-    QRN_NODE_MADE = 0x1,
-    QRN_NODE_READY = 0x8,
-    QRN_NODE_ACCESS_DISABLED = 0x40
-};
+enum { QRN_NODE_MADE = 0x1, QRN_NODE_READY = 0x8, QRN_NODE_ACCESS_DISABLED = 0x40 };
 
 typedef struct qrn_quiescenode {
-    char *quiesceType;     // 0: such as "FI_QUIESCE_NONE"
-    qrn_domain *node;      // 8
-    qrn_domain *group;     // 16: may be null
+    char *quiesceType;  // 0: such as "FI_QUIESCE_NONE"
+    qrn_domain *node;   // 8
+    qrn_domain *group;  // 16: may be null
 } qrn_quiescenode;
 
 typedef struct qrn_splitnode {
-    char *method;          // 0: snapshot method name, such as "HPEVA_VSnap"
-    qrn_domain *node;      // 8
-    qrn_domain *group;     // 16: may be null
+    char *method;       // 0: snapshot method name, such as "HPEVA_VSnap"
+    qrn_domain *node;   // 8
+    qrn_domain *group;  // 16: may be null
 } qrn_splitnode;
 
 typedef struct qrn_method_entry {
@@ -92,31 +88,31 @@ typedef struct qrn_method_entry {
 } qrn_method_entry;
 
 typedef struct qrn_confspec {
-    int64_t selector1;     // 0: not 0 means mode 1
-    int64_t selector2;     // 8: both 0 means nothing to do
-    wchar_t *text;         // 16: parameter XML in, result XML out
+    int64_t selector1;  // 0: not 0 means mode 1
+    int64_t selector2;  // 8: both 0 means nothing to do
+    wchar_t *text;      // 16: parameter XML in, result XML out
 } qrn_confspec;
 
 typedef struct qrn_blob {
-    uint64_t length;       // 0: bytes, terminator included
-    void *data;            // 8
-    uint32_t filled;       // 16: 1 when filled by getNodeState
+    uint64_t length;  // 0: bytes, terminator included
+    void *data;       // 8
+    uint32_t filled;  // 16: 1 when filled by getNodeState
 } qrn_blob;
 
 typedef struct qrn_msg_info {
-    const char *text;      // 0: serialised message
-    uint32_t length;       // 8: bytes, without terminator
+    const char *text;  // 0: serialised message
+    uint32_t length;   // 8: bytes, without terminator
 } qrn_msg_info;
 
 typedef struct qrn_host_infn {
-    wchar_t *name;                 // 0: null names are skipped
-    struct qrn_host_infn *next;    // 8
+    wchar_t *name;               // 0: null names are skipped
+    struct qrn_host_infn *next;  // 8
 } qrn_host_infn;
 
 typedef struct qrn_node_subobj_list {
-    qrn_domain *node;                      // 0: may be null
-    uint8_t reserved8[16];                 // 8
-    struct qrn_node_subobj_list *next;     // 24
+    qrn_domain *node;                   // 0: may be null
+    uint8_t reserved8[16];              // 8
+    struct qrn_node_subobj_list *next;  // 24
 } qrn_node_subobj_list;
 
 typedef struct qrn_ownergid {
@@ -137,73 +133,73 @@ typedef struct qrn_bkupset qrn_bkupset;
 
 // Result lists, built by libqorinutil.
 typedef struct qrn_provider_list {
-    wchar_t *provider;                 // 0
-    uint64_t word1;                    // 8
-    uint64_t word2;                    // 16
-    uint16_t version[4];               // 24
-    wchar_t **claimPatterns;           // 32: null-terminated
-    struct qrn_provider_list *next;    // 40
+    wchar_t *provider;               // 0
+    uint64_t word1;                  // 8
+    uint64_t word2;                  // 16
+    uint16_t version[4];             // 24
+    wchar_t **claimPatterns;         // 32: null-terminated
+    struct qrn_provider_list *next;  // 40
 } qrn_provider_list;
 
 // The block a FIM item hands to its builder: six words and two text pointers.
 typedef struct qrn_fim_words {
-    uint32_t words[6];                 // 0
-    const wchar_t *description;        // 24
-    const wchar_t *version;            // 32
+    uint32_t words[6];           // 0
+    const wchar_t *description;  // 24
+    const wchar_t *version;      // 32
 } qrn_fim_words;
 
 typedef struct qrn_fim_list {
-    wchar_t *name;                     // 0
-    uint32_t words[6];                 // 8
-    wchar_t *description;              // 32
-    wchar_t *version;                  // 40
-    wchar_t *extra;                    // 48
-    wchar_t *provider;                 // 56
-    struct qrn_fim_list *next;         // 64
+    wchar_t *name;              // 0
+    uint32_t words[6];          // 8
+    wchar_t *description;       // 32
+    wchar_t *version;           // 40
+    wchar_t *extra;             // 48
+    wchar_t *provider;          // 56
+    struct qrn_fim_list *next;  // 64
 } qrn_fim_list;
 
 // The pair a node item hands to its builder: display name and identifier.
 typedef struct qrn_node_name {
-    const wchar_t *displayName;        // 0
-    qorin_objid *id;                   // 8
+    const wchar_t *displayName;  // 0
+    qorin_objid *id;             // 8
 } qrn_node_name;
 
 typedef struct qrn_node_words {
-    uint32_t word1;                    // 0
-    uint32_t word2;                    // 4
-    uint64_t word3;                    // 8
-    uint64_t size;                     // 16
+    uint32_t word1;  // 0
+    uint32_t word2;  // 4
+    uint64_t word3;  // 8
+    uint64_t size;   // 16
 } qrn_node_words;
 
 typedef struct qrn_node_list {
-    wchar_t *displayName;              // 0
-    qorin_objid *id;                   // 8
-    uint32_t word1;                    // 16
-    uint32_t word2;                    // 20
-    uint64_t word3;                    // 24
-    uint64_t size;                     // 32
-    wchar_t *provider;                 // 40
-    struct qrn_node_list *next;        // 48
+    wchar_t *displayName;        // 0
+    qorin_objid *id;             // 8
+    uint32_t word1;              // 16
+    uint32_t word2;              // 20
+    uint64_t word3;              // 24
+    uint64_t size;               // 32
+    wchar_t *provider;           // 40
+    struct qrn_node_list *next;  // 48
 } qrn_node_list;
 
 typedef struct qrn_enclosure_node_list {
-    wchar_t *name;                     // 0
-    wchar_t *provider;                 // 8
-    wchar_t *enclosureId;              // 16
-    wchar_t *vendor;                   // 24
-    wchar_t *product;                  // 32
-    uint64_t available;                // 40
-    uint64_t total;                    // 48
-    uint32_t lastWord;                 // 56
+    wchar_t *name;                         // 0
+    wchar_t *provider;                     // 8
+    wchar_t *enclosureId;                  // 16
+    wchar_t *vendor;                       // 24
+    wchar_t *product;                      // 32
+    uint64_t available;                    // 40
+    uint64_t total;                        // 48
+    uint32_t lastWord;                     // 56
     struct qrn_enclosure_node_list *next;  // 64
 } qrn_enclosure_node_list;
 
 typedef struct qrn_host_node_list {
-    wchar_t *hostName;                 // 0
-    wchar_t **ports;                   // 8: null-terminated
-    uint32_t portCount;                // 16
-    wchar_t *enclosureId;              // 24
-    struct qrn_host_node_list *next;   // 32
+    wchar_t *hostName;                // 0
+    wchar_t **ports;                  // 8: null-terminated
+    uint32_t portCount;               // 16
+    wchar_t *enclosureId;             // 24
+    struct qrn_host_node_list *next;  // 32
 } qrn_host_node_list;
 
 // Enumerations are 32 bits wide at the boundary.
@@ -214,33 +210,23 @@ typedef int32_t qrn_intent;
 typedef int32_t qrn_op_providerstate;
 typedef int32_t qrn_eseverity;
 
-enum {
-    QRN_CLAIM_NONE = 0,
-    QRN_CLAIM_SECONDARY = 2
-};
+enum { QRN_CLAIM_NONE = 0, QRN_CLAIM_SECONDARY = 2 };
 
-enum {
-    QRN_NOT_INTERPOSED = 0,
-    QRN_INTERPOSED = 1
-};
+enum { QRN_NOT_INTERPOSED = 0, QRN_INTERPOSED = 1 };
 
-enum {
-    QRN_DISPOSITION_REMOVE = 1
-};
+enum { QRN_DISPOSITION_REMOVE = 1 };
 
-enum {
-    QRN_PROVIDERSTATE_READ = 1
-};
+enum { QRN_PROVIDERSTATE_READ = 1 };
 
 #ifdef __cplusplus
 }  // extern "C"
 #endif
 
 #ifdef __cplusplus
-#define QRN_CHECK_OFFSET(rec, field, off) \
+#define QRN_CHECK_OFFSET(rec, field, off)                                                                              \
     static_assert(offsetof(rec, field) == (off), #rec "." #field " must be at offset " #off)
 #else
-#define QRN_CHECK_OFFSET(rec, field, off) \
+#define QRN_CHECK_OFFSET(rec, field, off)                                                                              \
     _Static_assert(offsetof(rec, field) == (off), #rec "." #field " must be at offset " #off)
 #endif
 

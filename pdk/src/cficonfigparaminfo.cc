@@ -21,8 +21,8 @@ CFiConfigParamInfo::CFiConfigParamInfo(const char *key, int defaultValue, int us
     m_shared = shared;
 }
 
-CFiConfigParamInfo::CFiConfigParamInfo(const char *key, bool defaultValue, int usage, const char *messageId,
-                                       bool list, bool shared)
+CFiConfigParamInfo::CFiConfigParamInfo(const char *key, bool defaultValue, int usage, const char *messageId, bool list,
+                                       bool shared)
 {
     clear();
     m_key = key != nullptr ? key : "";

@@ -64,7 +64,7 @@ ACE_WString CFiConfigurationPathTool::registryFile()
 {
     const char *fromEnvironment = ACE_OS::getenv("QORIN_REGISTRY");
     return CFiStringTool::str2tstr(fromEnvironment != nullptr && *fromEnvironment != '\0' ? fromEnvironment
-                                                                                         : kDefaultRegistryFile);
+                                                                                          : kDefaultRegistryFile);
 }
 
 int CFiConfigurationPathTool::getInstallPath(ACE_WString &path)
@@ -146,16 +146,14 @@ int CFiConfigurationPathTool::getTraceFileInfo(const ACE_WString &name, ACE_WStr
     return status;
 }
 
-int CFiConfigurationPathTool::getConfigFileInfo(const ACE_WString &name, ACE_WString &directory,
-                                                ACE_WString &file)
+int CFiConfigurationPathTool::getConfigFileInfo(const ACE_WString &name, ACE_WString &directory, ACE_WString &file)
 {
     int status = location(L"ConfigFiles/", directory);
     file = status == 0 ? name + ACE_WString(L".conf") : ACE_WString();
     return status;
 }
 
-int CFiConfigurationPathTool::getMessageFileInfo(const ACE_WString &name, ACE_WString &directory,
-                                                 ACE_WString &file)
+int CFiConfigurationPathTool::getMessageFileInfo(const ACE_WString &name, ACE_WString &directory, ACE_WString &file)
 {
     int status = location(L"Messages/", directory);
     file = status == 0 ? ACE_WString(L"lib") + name : ACE_WString();

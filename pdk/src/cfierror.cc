@@ -6,8 +6,12 @@
 namespace qorin_pdk_4_4 {
 
 CFiError::CFiError(int32_t code, const std::wstring &text, const std::wstring &file, int32_t line,
-                   const std::wstring &function)
-    : m_code(code), m_text(text), m_file(file), m_line(line), m_function(function)
+                   const std::wstring &function) :
+    m_code(code),
+    m_text(text),
+    m_file(file),
+    m_line(line),
+    m_function(function)
 {
 }
 

@@ -4,8 +4,9 @@
 
 namespace qorin_pdk_4_4 {
 
-CFiErrorHandler::CFiErrorHandler(qrn_host_context *host, const CFiMessageCatalogManagerPtr &catalogs)
-    : m_host(host), m_catalogs(catalogs)
+CFiErrorHandler::CFiErrorHandler(qrn_host_context *host, const CFiMessageCatalogManagerPtr &catalogs) :
+    m_host(host),
+    m_catalogs(catalogs)
 {
     if (host != nullptr && host->language != nullptr && host->language->name != nullptr) {
         m_hostLanguage = host->language->name;

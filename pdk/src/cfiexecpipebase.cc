@@ -4,16 +4,18 @@
 
 namespace qorin_pdk_4_4 {
 
-CFiExecPipeBase::CFiExecPipeBase(int closeAfterExec)
-    : m_abort(0), m_lastError(std::string(), QRN_EXEC_PIPE_SUCCESS), m_closeAfterExec(closeAfterExec != 0)
+CFiExecPipeBase::CFiExecPipeBase(int closeAfterExec) :
+    m_abort(0),
+    m_lastError(std::string(), QRN_EXEC_PIPE_SUCCESS),
+    m_closeAfterExec(closeAfterExec != 0)
 {
 }
 
-CFiExecPipeBase::CFiExecPipeBase(std::vector<std::string> arguments, int closeAfterExec)
-    : m_abort(0),
-      m_arguments(std::move(arguments)),
-      m_lastError(std::string(), QRN_EXEC_PIPE_SUCCESS),
-      m_closeAfterExec(closeAfterExec != 0)
+CFiExecPipeBase::CFiExecPipeBase(std::vector<std::string> arguments, int closeAfterExec) :
+    m_abort(0),
+    m_arguments(std::move(arguments)),
+    m_lastError(std::string(), QRN_EXEC_PIPE_SUCCESS),
+    m_closeAfterExec(closeAfterExec != 0)
 {
 }
 

@@ -209,15 +209,17 @@ std::vector<std::string> CFiExecPipePosix::splitCommandLine(const std::string &c
     return words;
 }
 
-CFiExecPipePosix::CFiExecPipePosix(int closeAfterExec)
-    : CFiExecPipeBase(closeAfterExec), m_closeWait(DEFAULT_CLOSE_WAIT)
+CFiExecPipePosix::CFiExecPipePosix(int closeAfterExec) :
+    CFiExecPipeBase(closeAfterExec),
+    m_closeWait(DEFAULT_CLOSE_WAIT)
 {
     resetState();
     Init();
 }
 
-CFiExecPipePosix::CFiExecPipePosix(std::vector<std::string> arguments, int closeAfterExec)
-    : CFiExecPipeBase(std::move(arguments), closeAfterExec), m_closeWait(DEFAULT_CLOSE_WAIT)
+CFiExecPipePosix::CFiExecPipePosix(std::vector<std::string> arguments, int closeAfterExec) :
+    CFiExecPipeBase(std::move(arguments), closeAfterExec),
+    m_closeWait(DEFAULT_CLOSE_WAIT)
 {
     resetState();
     Init();

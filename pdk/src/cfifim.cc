@@ -12,11 +12,11 @@ std::wstring orEmpty(const wchar_t *text)
 }  // namespace
 
 CFiFim::CFiFim(const wchar_t *name, uint32_t word1, uint32_t word2, uint32_t word3, uint32_t word4, uint32_t word5,
-               uint32_t word6, const wchar_t *description, const wchar_t *version)
-    : m_words{{word1, word2, word3, word4, word5, word6}, nullptr, nullptr},
-      m_description(orEmpty(description)),
-      m_version(orEmpty(version)),
-      m_name(orEmpty(name))
+               uint32_t word6, const wchar_t *description, const wchar_t *version) :
+    m_words{{word1, word2, word3, word4, word5, word6}, nullptr, nullptr},
+    m_description(orEmpty(description)),
+    m_version(orEmpty(version)),
+    m_name(orEmpty(name))
 {
 }
 

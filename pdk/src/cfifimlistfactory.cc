@@ -4,8 +4,9 @@
 
 namespace qorin_pdk_4_4 {
 
-CFiFimListFactory::CFiFimListFactory(const std::wstring &providerName, qrn_fim_list **out)
-    : CFiList(out, nullptr), m_providerName(providerName)
+CFiFimListFactory::CFiFimListFactory(const std::wstring &providerName, qrn_fim_list **out) :
+    CFiList(out, nullptr),
+    m_providerName(providerName)
 {
 }
 

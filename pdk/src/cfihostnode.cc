@@ -4,10 +4,10 @@
 
 namespace qorin_pdk_4_4 {
 
-CFiHostNode::CFiHostNode(const wchar_t *hostName, const wchar_t *enclosureId)
-    : m_portArray(nullptr),
-      m_hostName(hostName != nullptr ? hostName : L""),
-      m_enclosureId(enclosureId != nullptr ? enclosureId : L"")
+CFiHostNode::CFiHostNode(const wchar_t *hostName, const wchar_t *enclosureId) :
+    m_portArray(nullptr),
+    m_hostName(hostName != nullptr ? hostName : L""),
+    m_enclosureId(enclosureId != nullptr ? enclosureId : L"")
 {
 }
 

@@ -56,15 +56,17 @@ bool readValue(int type, const std::string &text, icu::Formattable &out)
 }  // namespace
 
 CFiIcuMessage::CFiIcuMessage(const char *key, const icu::Formattable *args, int count, qrn_eseverity severity,
-                             const char *file, int line)
-    : CFiMessage(key, severity, file, line),
-      m_args(args, args != nullptr && count > 0 ? count : 0),
-      m_info{nullptr, 0}
+                             const char *file, int line) :
+    CFiMessage(key, severity, file, line),
+    m_args(args, args != nullptr && count > 0 ? count : 0),
+    m_info{nullptr, 0}
 {
 }
 
-CFiIcuMessage::CFiIcuMessage(const qrn_msg_info *info)
-    : CFiMessage(nullptr, 0, nullptr, 0), m_args(static_cast<const icu::Formattable *>(nullptr), 0), m_info{nullptr, 0}
+CFiIcuMessage::CFiIcuMessage(const qrn_msg_info *info) :
+    CFiMessage(nullptr, 0, nullptr, 0),
+    m_args(static_cast<const icu::Formattable *>(nullptr), 0),
+    m_info{nullptr, 0}
 {
     if (info != nullptr && info->text != nullptr) {
         // The length bounds the read: the host's text needn't be terminated.
@@ -166,8 +168,7 @@ std::wstring CFiIcuMessage::formatMessage(const std::wstring &pattern)
     const icu::Formattable *args = arguments(count);
     icu::UnicodeString result;
     UErrorCode status = U_ZERO_ERROR;
-    icu::MessageFormat::format(CFiStringTool::tstr2ustr(pattern), args, count, result,
-                               status);
+    icu::MessageFormat::format(CFiStringTool::tstr2ustr(pattern), args, count, result, status);
     if (U_FAILURE(status) && result.isEmpty()) {
         return pattern;
     }

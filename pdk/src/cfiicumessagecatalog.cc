@@ -7,8 +7,9 @@
 
 namespace qorin_pdk_4_4 {
 
-CFiIcuMessageCatalog::CFiIcuMessageCatalog(const std::string &language, const std::wstring &catalogName)
-    : CFiMessageCatalog(language, catalogName), m_open(false)
+CFiIcuMessageCatalog::CFiIcuMessageCatalog(const std::string &language, const std::wstring &catalogName) :
+    CFiMessageCatalog(language, catalogName),
+    m_open(false)
 {
 }
 
@@ -18,8 +19,7 @@ int CFiIcuMessageCatalog::init()
 {
     ACE_WString directory;
     ACE_WString file;
-    if (CFiConfigurationPathTool::getMessageFileInfo(CFiStringTool::wstr2tstr(m_catalogName), directory, file) !=
-        0) {
+    if (CFiConfigurationPathTool::getMessageFileInfo(CFiStringTool::wstr2tstr(m_catalogName), directory, file) != 0) {
         return 3;
     }
     m_bundlePath = CFiStringTool::tstr2wstr(directory + file);

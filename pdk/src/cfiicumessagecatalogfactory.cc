@@ -6,8 +6,8 @@
 namespace qorin_pdk_4_4 {
 
 CFiIcuMessageCatalogFactory::CFiIcuMessageCatalogFactory(const std::wstring &catalogName,
-                                                         const std::string &defaultLanguage)
-    : CFiMessageCatalogFactory(catalogName, defaultLanguage)
+                                                         const std::string &defaultLanguage) :
+    CFiMessageCatalogFactory(catalogName, defaultLanguage)
 {
 }
 

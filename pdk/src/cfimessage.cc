@@ -2,8 +2,11 @@
 
 namespace qorin_pdk_4_4 {
 
-CFiMessage::CFiMessage(const char *key, qrn_eseverity severity, const char *file, int line)
-    : m_key(key != nullptr ? key : ""), m_severity(severity), m_file(file != nullptr ? file : ""), m_line(line)
+CFiMessage::CFiMessage(const char *key, qrn_eseverity severity, const char *file, int line) :
+    m_key(key != nullptr ? key : ""),
+    m_severity(severity),
+    m_file(file != nullptr ? file : ""),
+    m_line(line)
 {
 }
 

@@ -2,8 +2,10 @@
 
 namespace qorin_pdk_4_4 {
 
-CFiMessageCatalogFactory::CFiMessageCatalogFactory(const std::wstring &catalogName, const std::string &defaultLanguage)
-    : m_defaultLanguage(defaultLanguage), m_catalogName(catalogName)
+CFiMessageCatalogFactory::CFiMessageCatalogFactory(const std::wstring &catalogName,
+                                                   const std::string &defaultLanguage) :
+    m_defaultLanguage(defaultLanguage),
+    m_catalogName(catalogName)
 {
 }
 

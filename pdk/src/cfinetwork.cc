@@ -106,8 +106,8 @@ int CFiNetwork::getHostbyAddr(const char *address, std::string &name)
     peer.sin_family = AF_INET;
     peer.sin_addr.s_addr = raw;
     char host[NI_MAXHOST];
-    if (getnameinfo(reinterpret_cast<sockaddr *>(&peer), sizeof peer, host, sizeof host, nullptr, 0,
-                    NI_NAMEREQD) != 0) {
+    if (getnameinfo(reinterpret_cast<sockaddr *>(&peer), sizeof peer, host, sizeof host, nullptr, 0, NI_NAMEREQD) !=
+        0) {
         return 3;
     }
     name = host;

@@ -6,12 +6,12 @@
 namespace qorin_pdk_4_4 {
 
 CFiNode::CFiNode(const wchar_t *provider, const char *displayName, const char *udid, uint64_t size, uint32_t word1,
-                 uint32_t word2, uint64_t word3)
-    : m_words{word1, word2, word3, size},
-      m_name{nullptr, nullptr},
-      m_displayName(CFiStringTool::str2wstr(displayName != nullptr ? displayName : "")),
-      m_udid(CFiStringTool::str2wstr(udid != nullptr ? udid : "")),
-      m_provider(provider != nullptr ? provider : L"")
+                 uint32_t word2, uint64_t word3) :
+    m_words{word1, word2, word3, size},
+    m_name{nullptr, nullptr},
+    m_displayName(CFiStringTool::str2wstr(displayName != nullptr ? displayName : "")),
+    m_udid(CFiStringTool::str2wstr(udid != nullptr ? udid : "")),
+    m_provider(provider != nullptr ? provider : L"")
 {
 }
 

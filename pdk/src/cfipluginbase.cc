@@ -1,10 +1,10 @@
 #include "cfipluginbase.h"
 
 #include "cfierror.h"
-#include "cfiprivatedatamanager.h"
-#include "cfistringtool.h"
-#include "cfisessionmanager.h"
 #include "cfimutexwrapper.h"
+#include "cfiprivatedatamanager.h"
+#include "cfisessionmanager.h"
+#include "cfistringtool.h"
 #include "cfitracelogfunction.h"
 
 namespace qorin_pdk_4_4 {
@@ -490,8 +490,7 @@ int CFiPluginBase::verifyQSCombos(qrn_splitnode **, int)
     return 0;
 }
 
-int CFiPluginBase::setImportOptions(qrn_splitnode **list, int count, qrn_host_infn *hosts, int transportable,
-                                    void *)
+int CFiPluginBase::setImportOptions(qrn_splitnode **list, int count, qrn_host_infn *hosts, int transportable, void *)
 {
     PLUGIN_BASE_TRACE("setImportOptions");
     CFiPrivateDataFactoryPtr factory = privateDataFactory();
@@ -541,8 +540,7 @@ int CFiPluginBase::enumerateHostNodes(qrn_host_node_list **, int *, wchar_t *)
     return 0;
 }
 
-int CFiPluginBase::onlineResource(wchar_t **, int, wchar_t *, wchar_t *, wchar_t *, wchar_t *, int, wchar_t ***,
-                                  int *)
+int CFiPluginBase::onlineResource(wchar_t **, int, wchar_t *, wchar_t *, wchar_t *, wchar_t *, int, wchar_t ***, int *)
 {
     PLUGIN_BASE_TRACE("onlineResource");
     return 0;

@@ -12,8 +12,7 @@
 
 namespace qorin_pdk_4_4 {
 
-#define INTERPOSER_TRACE(op) \
-    CFiTraceLogFunction traceFunction(m_traceLog, "qorin_pdk_4_4::CFiPluginInterposer::" op)
+#define INTERPOSER_TRACE(op) CFiTraceLogFunction traceFunction(m_traceLog, "qorin_pdk_4_4::CFiPluginInterposer::" op)
 
 namespace {
 
@@ -47,8 +46,7 @@ qorin_objid *makeId(const std::wstring &text)
 
 }  // namespace
 
-CFiPluginInterposer::CFiPluginInterposer()
-    : m_ignoreNodeTypes(kIgnoredNodeTypes), m_defaultNodeType(kDefaultNodeType)
+CFiPluginInterposer::CFiPluginInterposer() : m_ignoreNodeTypes(kIgnoredNodeTypes), m_defaultNodeType(kDefaultNodeType)
 {
 }
 
@@ -263,7 +261,8 @@ void CFiPluginInterposer::deInitNode(qrn_domain *node)
     if (node == nullptr) {
         return;
     }
-    trace(3, "CFiPluginInterposer::deInitNode for Node [%S]", printable(node->id != nullptr ? node->id->text : nullptr));
+    trace(3, "CFiPluginInterposer::deInitNode for Node [%S]",
+          printable(node->id != nullptr ? node->id->text : nullptr));
     for (auto &kv : m_fimGroups) {
         if (qorin_objidcmp(node->id, kv.second.id) == 0) {
             kv.second.node = nullptr;
@@ -406,8 +405,8 @@ std::vector<std::wstring> CFiPluginInterposer::hostList(const wchar_t *host, con
     return hosts;
 }
 
-int CFiPluginInterposer::importResource(wchar_t **, wchar_t *resource, wchar_t *host, wchar_t *, int flags,
-                                        wchar_t **, wchar_t *)
+int CFiPluginInterposer::importResource(wchar_t **, wchar_t *resource, wchar_t *host, wchar_t *, int flags, wchar_t **,
+                                        wchar_t *)
 {
     INTERPOSER_TRACE("importResource");
     if (int refused = checkResource(resource)) {

@@ -18,19 +18,19 @@ int modeIndex(int mode)
 
 CFiPrivateData::CFiPrivateData() : CFiPrivateData(static_cast<qorin_objid *>(nullptr), false) {}
 
-CFiPrivateData::CFiPrivateData(qorin_objid *id, bool isAltNode)
-    : m_objectId(id),
-      m_ownsObjectId(false),
-      m_isAltNode(isAltNode),
-      m_transportable(false),
-      m_intent(0),
-      m_owner(0),
-      m_group(0)
+CFiPrivateData::CFiPrivateData(qorin_objid *id, bool isAltNode) :
+    m_objectId(id),
+    m_ownsObjectId(false),
+    m_isAltNode(isAltNode),
+    m_transportable(false),
+    m_intent(0),
+    m_owner(0),
+    m_group(0)
 {
 }
 
-CFiPrivateData::CFiPrivateData(const wchar_t *name, bool isAltNode)
-    : CFiPrivateData(static_cast<qorin_objid *>(nullptr), isAltNode)
+CFiPrivateData::CFiPrivateData(const wchar_t *name, bool isAltNode) :
+    CFiPrivateData(static_cast<qorin_objid *>(nullptr), isAltNode)
 {
     if (name != nullptr) {
         m_objectId = qorin_get_objid(name, static_cast<uint32_t>((wcslen(name) + 1) * sizeof(wchar_t)), 3);
@@ -127,8 +127,8 @@ int CFiPrivateData::getNodeState(qrn_blob *blob)
     }
     const wchar_t *name = getObjName();
     std::string text = "<NODE_NAME>" + CFiStringTool::wstr2str(name != nullptr ? name : L"") + "</NODE_NAME>\n" +
-                       "<IS_ALT_NODE>" + CFiStringTool::bool2str(m_isAltNode) + "</IS_ALT_NODE>\n" +
-                       "<SESSION_ID>" + m_sessionId + "</SESSION_ID>\n";
+                       "<IS_ALT_NODE>" + CFiStringTool::bool2str(m_isAltNode) + "</IS_ALT_NODE>\n" + "<SESSION_ID>" +
+                       m_sessionId + "</SESSION_ID>\n";
     std::wstring wide = CFiStringTool::str2wstr(text);
     size_t bytes = (wide.size() + 1) * sizeof(wchar_t);
     void *data = qorin_alloc_buf(bytes);

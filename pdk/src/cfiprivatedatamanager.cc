@@ -4,8 +4,9 @@
 
 namespace qorin_pdk_4_4 {
 
-CFiPrivateDataManager::CFiPrivateDataManager()
-    : m_defaultFactory(new CFiPrivateDataConcreteFactory<CFiPrivateData>), m_activeFactory(m_defaultFactory)
+CFiPrivateDataManager::CFiPrivateDataManager() :
+    m_defaultFactory(new CFiPrivateDataConcreteFactory<CFiPrivateData>),
+    m_activeFactory(m_defaultFactory)
 {
 }
 

@@ -4,8 +4,10 @@
 
 namespace qorin_pdk_4_4 {
 
-CFiProviderInfo::CFiProviderInfo(uint64_t word1, uint64_t word2)
-    : m_word1(word1), m_word2(word2), m_patternArray(nullptr)
+CFiProviderInfo::CFiProviderInfo(uint64_t word1, uint64_t word2) :
+    m_word1(word1),
+    m_word2(word2),
+    m_patternArray(nullptr)
 {
 }
 

@@ -4,8 +4,10 @@
 
 namespace qorin_pdk_4_4 {
 
-CFiProviderInfoListFactory::CFiProviderInfoListFactory(const wchar_t *providerName, qrn_provider_list **out)
-    : CFiList(out, nullptr), m_version{7, 0, 0, 0}, m_providerName(providerName != nullptr ? providerName : L"")
+CFiProviderInfoListFactory::CFiProviderInfoListFactory(const wchar_t *providerName, qrn_provider_list **out) :
+    CFiList(out, nullptr),
+    m_version{7, 0, 0, 0},
+    m_providerName(providerName != nullptr ? providerName : L"")
 {
 }
 

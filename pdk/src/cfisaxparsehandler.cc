@@ -3,8 +3,8 @@
 #include <unicode/unistr.h>
 #include <unicode/ustring.h>
 #include <xercesc/util/PlatformUtils.hpp>
-#include <xercesc/util/XMLUniDefs.hpp>
 #include <xercesc/util/XMLUni.hpp>
+#include <xercesc/util/XMLUniDefs.hpp>
 
 #include "cfistringtool.h"
 
@@ -23,9 +23,9 @@ CFiSaxParseHandler::XercesUse::~XercesUse()
     XMLPlatformUtils::Terminate();
 }
 
-CFiSaxParseHandler::CFiSaxParseHandler()
-    : m_lastError(XMLUni::fgZeroLenString, XMLUni::fgZeroLenString, XMLUni::fgZeroLenString, 0, 0),
-      m_hasError(false)
+CFiSaxParseHandler::CFiSaxParseHandler() :
+    m_lastError(XMLUni::fgZeroLenString, XMLUni::fgZeroLenString, XMLUni::fgZeroLenString, 0, 0),
+    m_hasError(false)
 {
 }
 
@@ -55,14 +55,9 @@ void CFiSaxParseHandler::assignText(const XMLCh *chars, XMLSize_t length)
     m_text.resize(static_cast<size_t>(written));
 }
 
-void CFiSaxParseHandler::startElement(const XMLCh *const, const XMLCh *const, const XMLCh *const,
-                                      const Attributes &)
-{
-}
+void CFiSaxParseHandler::startElement(const XMLCh *const, const XMLCh *const, const XMLCh *const, const Attributes &) {}
 
-void CFiSaxParseHandler::endElement(const XMLCh *const, const XMLCh *const, const XMLCh *const)
-{
-}
+void CFiSaxParseHandler::endElement(const XMLCh *const, const XMLCh *const, const XMLCh *const) {}
 
 void CFiSaxParseHandler::warning(const SAXParseException &exc)
 {

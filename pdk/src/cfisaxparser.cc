@@ -5,9 +5,9 @@
 
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/sax/InputSource.hpp>
-#include <xercesc/util/BinInputStream.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/sax2/XMLReaderFactory.hpp>
+#include <xercesc/util/BinInputStream.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLException.hpp>
@@ -69,8 +69,10 @@ private:
 
 }  // namespace
 
-CFiSaxParser::CFiSaxParser(DefaultHandler *handler, const char *schema)
-    : m_handler(nullptr), m_reader(nullptr), m_initialized(false)
+CFiSaxParser::CFiSaxParser(DefaultHandler *handler, const char *schema) :
+    m_handler(nullptr),
+    m_reader(nullptr),
+    m_initialized(false)
 {
     init();
     if (handler != nullptr) {

@@ -71,8 +71,7 @@ int CFiSession::getTargets(qrn_splitnode **list, int count, qorin_objid ***out, 
     return makeIdArray(targets, 1, out, outCount);
 }
 
-int CFiSession::makeIdArray(const std::vector<std::wstring> &texts, uint32_t flags, qorin_objid ***out,
-                            int *outCount)
+int CFiSession::makeIdArray(const std::vector<std::wstring> &texts, uint32_t flags, qorin_objid ***out, int *outCount)
 {
     if (out == nullptr || outCount == nullptr) {
         return 3;

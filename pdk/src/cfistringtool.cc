@@ -388,8 +388,7 @@ std::string CFiStringTool::trim(const std::string &text, const char *chars)
     return rtrim(ltrim(text, chars), chars);
 }
 
-std::string CFiStringTool::searchreplace(const std::string &text, const std::string &search,
-                                         const std::string &replace)
+std::string CFiStringTool::searchreplace(const std::string &text, const std::string &search, const std::string &replace)
 {
     if (search.empty()) {
         return text;

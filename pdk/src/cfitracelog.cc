@@ -330,8 +330,8 @@ void CFiTraceLog::vtrace(int level, const char *format, va_list args)
                                 : std::string("<time error>");
 
     if (level <= m_level) {
-        std::string line = timestamp + " <Pid - " + std::to_string(pid) + " / Thread id - " +
-                           std::to_string(thread) + "> " + text + "\n";
+        std::string line = timestamp + " <Pid - " + std::to_string(pid) + " / Thread id - " + std::to_string(thread) +
+                           "> " + text + "\n";
         writeLine(line.data(), line.size());
         if (m_stdout) {
             std::string provider = toUtf8(m_providerName.c_str());

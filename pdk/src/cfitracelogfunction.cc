@@ -2,8 +2,10 @@
 
 namespace qorin_pdk_4_4 {
 
-CFiTraceLogFunction::CFiTraceLogFunction(const CFiTraceLogPtr &log, const char *name)
-    : m_log(log), m_name(name != nullptr ? name : ""), m_code(0)
+CFiTraceLogFunction::CFiTraceLogFunction(const CFiTraceLogPtr &log, const char *name) :
+    m_log(log),
+    m_name(name != nullptr ? name : ""),
+    m_code(0)
 {
     if (!m_log.isNull()) {
         m_log->trace(6, "Entering Function %s", m_name);

@@ -26,13 +26,19 @@ const char *const kCodeNames[] = {
 
 EFiExecPipe::EFiExecPipe(const std::string &command, int32_t code) : m_command(command), m_code(code), m_status(0) {}
 
-EFiExecPipe::EFiExecPipe(const std::string &command, int32_t code, const std::wstring &text)
-    : m_command(command), m_text(text), m_code(code), m_status(0)
+EFiExecPipe::EFiExecPipe(const std::string &command, int32_t code, const std::wstring &text) :
+    m_command(command),
+    m_text(text),
+    m_code(code),
+    m_status(0)
 {
 }
 
-EFiExecPipe::EFiExecPipe(const std::string &command, int32_t code, const std::wstring &text, int32_t status)
-    : m_command(command), m_text(text), m_code(code), m_status(status)
+EFiExecPipe::EFiExecPipe(const std::string &command, int32_t code, const std::wstring &text, int32_t status) :
+    m_command(command),
+    m_text(text),
+    m_code(code),
+    m_status(status)
 {
 }
 

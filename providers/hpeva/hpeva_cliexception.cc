@@ -10,19 +10,19 @@ using namespace qorin_pdk_4_4;
 
 CHpEvaCliException::CHpEvaCliException(Kind kind, const ACE_WString &command, const std::string &errorText,
                                        const std::vector<std::string> &output, const char *sourceFile,
-                                       int32_t sourceLine)
-    : m_command(command),
-      m_kind(kind),
-      m_output(output),
-      m_errorText(errorText),
-      m_sourceFile(sourceFile != nullptr ? sourceFile : ""),
-      m_sourceLine(sourceLine)
+                                       int32_t sourceLine) :
+    m_command(command),
+    m_kind(kind),
+    m_output(output),
+    m_errorText(errorText),
+    m_sourceFile(sourceFile != nullptr ? sourceFile : ""),
+    m_sourceLine(sourceLine)
 {
 }
 
 CHpEvaCliException::CHpEvaCliException(Kind kind, const ACE_WString &command, const char *sourceFile,
-                                       int32_t sourceLine)
-    : CHpEvaCliException(kind, command, std::string(), std::vector<std::string>(), sourceFile, sourceLine)
+                                       int32_t sourceLine) :
+    CHpEvaCliException(kind, command, std::string(), std::vector<std::string>(), sourceFile, sourceLine)
 {
 }
 
@@ -42,8 +42,7 @@ int CHpEvaCliException::report(const CFiErrorManagerPtr &errors) const
     }
     CHpEvaGuard::pushError(errors, "MSG_ERROR_CLI_COMMAND_FAILED",
                            {icu::Formattable(CFiStringTool::tstr2ustr(m_command)),
-                            icu::Formattable(CFiStringTool::str2ustr(m_sourceFile)),
-                            icu::Formattable(m_sourceLine),
+                            icu::Formattable(CFiStringTool::str2ustr(m_sourceFile)), icu::Formattable(m_sourceLine),
                             icu::Formattable(CFiStringTool::str2ustr(m_errorText)),
                             icu::Formattable(CFiStringTool::str2ustr(output))},
                            3, m_sourceFile.c_str(), m_sourceLine);

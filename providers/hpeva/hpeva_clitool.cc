@@ -21,8 +21,9 @@ const char *const kConnectionFailed = "Error opening https connection";
 
 CHpEvaCliTool::CHpEvaCliTool() = default;
 
-CHpEvaCliTool::CHpEvaCliTool(const ACE_WString &directory, const ACE_WString &fileName)
-    : m_fileName(fileName), m_directory(directory)
+CHpEvaCliTool::CHpEvaCliTool(const ACE_WString &directory, const ACE_WString &fileName) :
+    m_fileName(fileName),
+    m_directory(directory)
 {
 }
 
@@ -61,8 +62,8 @@ void CHpEvaCliTool::execSSSU(const ACE_WString &arguments, std::vector<std::stri
     do {
         repeat = false;
         log->trace(3, "Command going to execute is :[%S]", command.c_str());
-        status = pipe.Exec(narrow, lines, std::string(), static_cast<uint32_t>(timeout), std::string(),
-                           std::string(), std::string());
+        status = pipe.Exec(narrow, lines, std::string(), static_cast<uint32_t>(timeout), std::string(), std::string(),
+                           std::string());
         log->trace(3, "execSSSU : command returned [%d] lines .", static_cast<int>(lines.size()));
         if (lines.empty()) {
             break;

@@ -89,8 +89,7 @@ std::vector<SHpEvaCell> CHpEvaCliTool::enumerateCells(const std::vector<SFiCrede
             runScript(*this, credential, command, ACE_WString(), lines);
             size_t marker = 0;
             if (CFiStringTool::find(lines, MANAGER_MARKER, marker, false) == std::string::npos) {
-                CHpEvaCliException(CHpEvaCliException::CLI_NO_DATA, command, MANAGER_MARKER, lines, __FILE__,
-                                   __LINE__)
+                CHpEvaCliException(CHpEvaCliException::CLI_NO_DATA, command, MANAGER_MARKER, lines, __FILE__, __LINE__)
                     .report();
                 continue;
             }

@@ -22,9 +22,8 @@ void runScript(const CHpEvaCliTool &tool, const qorin_pdk_4_4::SFiCredential &cr
 
 // One XML listing from start to end: traces the command, runs its script and parses the
 // output with handler as parseXmlOutput does.
-void runListing(const CHpEvaCliTool &tool, const qorin_pdk_4_4::SFiCredential &credential,
-                const ACE_WString &command, const ACE_WString &cell, qorin_pdk_4_4::CFiSaxParseHandler &handler,
-                const char *file, int line);
+void runListing(const CHpEvaCliTool &tool, const qorin_pdk_4_4::SFiCredential &credential, const ACE_WString &command,
+                const ACE_WString &cell, qorin_pdk_4_4::CFiSaxParseHandler &handler, const char *file, int line);
 
 // Whether line holds text anywhere.
 bool holds(const std::string &line, const char *text);

@@ -18,10 +18,9 @@ using namespace qorin_pdk_4_4;
 
 namespace {
 
-const char *const kPrelude =
-    "set option NOCOMMAND_DELAY\n"
-    "set option DISPLAY_WIDTH=200\n"
-    "set option ON_ERROR=EXIT_ON_ERROR\n";
+const char *const kPrelude = "set option NOCOMMAND_DELAY\n"
+                             "set option DISPLAY_WIDTH=200\n"
+                             "set option ON_ERROR=EXIT_ON_ERROR\n";
 
 bool breaksLine(const std::wstring &value)
 {
@@ -79,15 +78,15 @@ CHpEvaCommandTempFile::CHpEvaCommandTempFile() : m_created(false)
 }
 
 CHpEvaCommandTempFile::CHpEvaCommandTempFile(const SFiCredential &credential, const ACE_WString &command,
-                                             const ACE_WString &cell)
-    : m_created(false)
+                                             const ACE_WString &cell) :
+    m_created(false)
 {
     write(&credential, std::vector<ACE_WString>(1, command), cell);
 }
 
-CHpEvaCommandTempFile::CHpEvaCommandTempFile(const SFiCredential &credential,
-                                             const std::vector<ACE_WString> &commands, const ACE_WString &cell)
-    : m_created(false)
+CHpEvaCommandTempFile::CHpEvaCommandTempFile(const SFiCredential &credential, const std::vector<ACE_WString> &commands,
+                                             const ACE_WString &cell) :
+    m_created(false)
 {
     write(&credential, commands, cell);
 }

@@ -29,9 +29,9 @@ ACE_WString programFiles()
 
 }  // namespace
 
-CHpEvaConfiguration::CHpEvaConfiguration()
-    : CFiConfiguration(ACE_WString(CHpEvaPlugin::PROVIDER_NAME)),
-      m_fileNames{L"sssu_linux_x64", L"sssu_linux_x86", L"sssu_linux_ia64", L"sssu", L"SSSU"}
+CHpEvaConfiguration::CHpEvaConfiguration() :
+    CFiConfiguration(ACE_WString(CHpEvaPlugin::PROVIDER_NAME)),
+    m_fileNames{L"sssu_linux_x64", L"sssu_linux_x86", L"sssu_linux_ia64", L"sssu", L"SSSU"}
 {
 }
 

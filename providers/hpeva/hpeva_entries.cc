@@ -60,14 +60,14 @@ CFiSessionPtr sessionFor(const char *sessionId)
 
 }  // namespace
 
-#define ENTRY(name)                                                    \
-    CFiTraceLogFunction entryTrace(processTraceLog(), "tamlin_fi_pgn_" name); \
+#define ENTRY(name)                                                                                                    \
+    CFiTraceLogFunction entryTrace(processTraceLog(), "tamlin_fi_pgn_" name);                                          \
     CFiPluginPtr p = plugin()
 
-#define DELAYED()                       \
-    do {                                \
-        if (p->invokeDelayedInit() != 0) \
-            return 1;                   \
+#define DELAYED()                                                                                                      \
+    do {                                                                                                               \
+        if (p->invokeDelayedInit() != 0)                                                                               \
+            return 1;                                                                                                  \
     } while (0)
 
 extern "C" {
@@ -196,8 +196,7 @@ int32_t tamlin_fi_pgn_deport_tree(qrn_domain *node, qrn_domain *other, qrn_acces
     return p->deportTree(node, other, access);
 }
 
-int32_t tamlin_fi_pgn_import_tree(qrn_domain *node, qorin_objid **a, qorin_objid **b, int32_t count,
-                                  qorin_objid **out)
+int32_t tamlin_fi_pgn_import_tree(qrn_domain *node, qorin_objid **a, qorin_objid **b, int32_t count, qorin_objid **out)
 {
     ENTRY("import_tree");
     DELAYED();
@@ -236,8 +235,7 @@ int32_t tamlin_fi_pgn_config(qrn_domain *node, int32_t op, char *sessionId, qrn_
     return p->config(node, op, sessionId, spec);
 }
 
-int32_t tamlin_fi_pgn_dispose(qrn_domain *node, qrn_domain *other, qrn_splitnode *split,
-                              qrn_disposition disposition)
+int32_t tamlin_fi_pgn_dispose(qrn_domain *node, qrn_domain *other, qrn_splitnode *split, qrn_disposition disposition)
 {
     ENTRY("dispose");
     DELAYED();
@@ -284,8 +282,8 @@ void tamlin_fi_pgn_unquiesce(qrn_quiescenode *one, qrn_quiescenode **list, int32
     p->unquiesce(list, count);
 }
 
-int32_t tamlin_fi_pgn_make(qrn_splitnode *one, char *sessionId, qrn_splitnode **list, int32_t count,
-                           qorin_objid ***out, int32_t *outCount)
+int32_t tamlin_fi_pgn_make(qrn_splitnode *one, char *sessionId, qrn_splitnode **list, int32_t count, qorin_objid ***out,
+                           int32_t *outCount)
 {
     ENTRY("make");
     DELAYED();
@@ -305,8 +303,7 @@ int32_t tamlin_fi_pgn_make(qrn_splitnode *one, char *sessionId, qrn_splitnode **
     return result;
 }
 
-int32_t tamlin_fi_pgn_prepare(qrn_splitnode *one, char *sessionId, qrn_splitnode **list, int32_t count,
-                              int32_t flag)
+int32_t tamlin_fi_pgn_prepare(qrn_splitnode *one, char *sessionId, qrn_splitnode **list, int32_t count, int32_t flag)
 {
     ENTRY("prepare");
     DELAYED();
@@ -373,8 +370,7 @@ qrn_interpose tamlin_fi_pgn_interpose(qrn_domain *node, qorin_objid **outId, qor
     return p->interpose(node, outId, outGroups, outCount);
 }
 
-int32_t tamlin_fi_pgn_getattr(qrn_domain *node, qrn_domain *other, qrn_splitnode *split,
-                              qrn_attributes *attributes)
+int32_t tamlin_fi_pgn_getattr(qrn_domain *node, qrn_domain *other, qrn_splitnode *split, qrn_attributes *attributes)
 {
     ENTRY("getattr");
     DELAYED();
@@ -517,8 +513,8 @@ int32_t tamlin_fi_pgn_resync(qorin_objid **sources, qorin_objid **targets, int32
     return p->resync(sources, targets, count, a, b, flags, status);
 }
 
-int32_t tamlin_fi_pgn_get_status(qorin_objid **sources, qorin_objid **targets, int32_t count, wchar_t *a,
-                                 int32_t flags, int32_t *status)
+int32_t tamlin_fi_pgn_get_status(qorin_objid **sources, qorin_objid **targets, int32_t count, wchar_t *a, int32_t flags,
+                                 int32_t *status)
 {
     ENTRY("get_status");
     DELAYED();
@@ -553,8 +549,8 @@ int32_t tamlin_fi_pgn_verify_qscombos(qrn_splitnode *one, qrn_splitnode **list, 
     return p->verifyQSCombos(list, count);
 }
 
-int32_t tamlin_fi_pgn_set_import_options(qrn_splitnode *one, qrn_splitnode **list, int32_t count,
-                                         qrn_host_infn *hosts, int32_t transportable, void *opaque)
+int32_t tamlin_fi_pgn_set_import_options(qrn_splitnode *one, qrn_splitnode **list, int32_t count, qrn_host_infn *hosts,
+                                         int32_t transportable, void *opaque)
 {
     ENTRY("set_import_options");
     DELAYED();
@@ -586,8 +582,8 @@ int32_t tamlin_fi_pgn_enumerate_enclosures(qrn_enclosure_node_list **out, int32_
     return p->enumerateEnclosures(out, count, filter);
 }
 
-int32_t tamlin_fi_pgn_import_resource(wchar_t **out, wchar_t *resource, wchar_t *host, wchar_t *other,
-                                      int32_t flags, wchar_t **out2, wchar_t *other2)
+int32_t tamlin_fi_pgn_import_resource(wchar_t **out, wchar_t *resource, wchar_t *host, wchar_t *other, int32_t flags,
+                                      wchar_t **out2, wchar_t *other2)
 {
     ENTRY("import_resource");
     DELAYED();
@@ -608,16 +604,15 @@ int32_t tamlin_fi_pgn_enumerate_host_nodes(qrn_host_node_list **out, int32_t *co
     return p->enumerateHostNodes(out, count, filter);
 }
 
-int32_t tamlin_fi_pgn_online_resource(wchar_t **a, int32_t b, wchar_t *c, wchar_t *d, wchar_t *e, wchar_t *f,
-                                      int32_t g, wchar_t ***h, int32_t *i)
+int32_t tamlin_fi_pgn_online_resource(wchar_t **a, int32_t b, wchar_t *c, wchar_t *d, wchar_t *e, wchar_t *f, int32_t g,
+                                      wchar_t ***h, int32_t *i)
 {
     ENTRY("online_resource");
     DELAYED();
     return p->onlineResource(a, b, c, d, e, f, g, h, i);
 }
 
-int32_t tamlin_fi_pgn_deport_resource(wchar_t *resource, wchar_t *host, wchar_t *other, wchar_t *other2,
-                                      int32_t flags)
+int32_t tamlin_fi_pgn_deport_resource(wchar_t *resource, wchar_t *host, wchar_t *other, wchar_t *other2, int32_t flags)
 {
     ENTRY("deport_resource");
     DELAYED();

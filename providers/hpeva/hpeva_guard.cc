@@ -26,13 +26,13 @@ icu::Formattable text(const std::wstring &wide)
 }  // namespace
 
 CHpEvaGuard::CHpEvaGuard(const CFiErrorManagerPtr &errors, const CFiTraceLogPtr &log, const char *operation,
-                         const char *file, int line, bool initialisation)
-    : m_errors(errors),
-      m_log(log),
-      m_operation(operation != nullptr ? operation : ""),
-      m_file(file != nullptr ? file : ""),
-      m_line(line),
-      m_initialisation(initialisation)
+                         const char *file, int line, bool initialisation) :
+    m_errors(errors),
+    m_log(log),
+    m_operation(operation != nullptr ? operation : ""),
+    m_file(file != nullptr ? file : ""),
+    m_line(line),
+    m_initialisation(initialisation)
 {
 }
 
@@ -70,8 +70,8 @@ int CHpEvaGuard::ladder() const
         pushError(m_errors, "MSG_ERROR_UNHANDLED_FIERROR_EXCEPTION",
                   {text(std::wstring(e.getText())), text(e.getFunction()), file, line}, 3, m_file, m_line);
     } catch (const CFiUdidException &e) {
-        pushError(m_errors, "MSG_ERROR_UDID_PARSING_EXCEPTION", {text(e.getText()), icu::Formattable(e.getNumber())},
-                  3, m_file, m_line);
+        pushError(m_errors, "MSG_ERROR_UDID_PARSING_EXCEPTION", {text(e.getText()), icu::Formattable(e.getNumber())}, 3,
+                  m_file, m_line);
     } catch (const std::runtime_error &e) {
         pushError(m_errors, "MSG_ERROR_UNHANDLED_RUNTIME_EXCEPTION",
                   {text(std::string("std::runtime_error")), text(std::string(e.what())), file, line}, 3, m_file,

@@ -5,9 +5,7 @@
 // Literal views: comparing with one costs a length check and a memcmp.
 using namespace std::string_view_literals;
 
-CHpEvaLsDrGroupHandler::CHpEvaLsDrGroupHandler() : m_inMember(false), m_inLink(false)
-{
-}
+CHpEvaLsDrGroupHandler::CHpEvaLsDrGroupHandler() : m_inMember(false), m_inLink(false) {}
 
 CHpEvaLsDrGroupHandler::~CHpEvaLsDrGroupHandler() = default;
 

@@ -14,11 +14,21 @@ namespace {
 // The elements whose text is kept; all other text is skipped without transcoding.
 bool isCollected(std::u16string_view name)
 {
-    static const std::u16string_view names[] = {
-        u"objectname",    u"wwlunid",   u"familyname",   u"parentvdiskname",       u"childvdiskname",
-        u"objecttype",    u"objecthexuid", u"hostname",  u"lunnumber",             u"presentation",
-        u"drmgroupname",  u"drmnode",   u"remotevirtualdiskname", u"sharingrelationship",
-        u"requestedcapacityblocks"};
+    static const std::u16string_view names[] = {u"objectname",
+                                                u"wwlunid",
+                                                u"familyname",
+                                                u"parentvdiskname",
+                                                u"childvdiskname",
+                                                u"objecttype",
+                                                u"objecthexuid",
+                                                u"hostname",
+                                                u"lunnumber",
+                                                u"presentation",
+                                                u"drmgroupname",
+                                                u"drmnode",
+                                                u"remotevirtualdiskname",
+                                                u"sharingrelationship",
+                                                u"requestedcapacityblocks"};
     for (const std::u16string_view &candidate : names) {
         if (candidate == name) {
             return true;
@@ -29,8 +39,7 @@ bool isCollected(std::u16string_view name)
 
 }  // namespace
 
-CHpEvaLsVdiskHandler::CHpEvaLsVdiskHandler(const SHpEvaCell &cell)
-    : m_lunNumber(0), m_cell(cell), m_collecting(false)
+CHpEvaLsVdiskHandler::CHpEvaLsVdiskHandler(const SHpEvaCell &cell) : m_lunNumber(0), m_cell(cell), m_collecting(false)
 {
 }
 

@@ -92,9 +92,10 @@ int CHpEvaPlugin::enumerateNodes(qrn_node_list **out, int *count, int flags, wch
                     tool.getVirtualDiskList(cell, disks);
                     break;
                 } catch (const CHpEvaCliException &e) {
-                    trace(2, "%s", e.getKind() == CHpEvaCliException::CLI_NO_DATA
-                                       ? "HPEVA command did not return any data for command"
-                                       : "HPEVA command failed to get the disk information");
+                    trace(2, "%s",
+                          e.getKind() == CHpEvaCliException::CLI_NO_DATA
+                              ? "HPEVA command did not return any data for command"
+                              : "HPEVA command failed to get the disk information");
                 }
             }
             if (attempt == kDiskListAttempts) {
@@ -160,8 +161,8 @@ int CHpEvaPlugin::enumerateEnclosures(qrn_enclosure_node_list **out, int *count,
         for (const SHpEvaCell &cell : cells) {
             if (cellPasses(filter, cell)) {
                 const std::wstring id = CFiStringTool::str2wstr(cell.objectwwn);
-                CFiEnclosureNode node(cell.cellname.c_str(), PROVIDER_NAME, id.c_str(), vendor.c_str(),
-                                      product.c_str(), cell.availablestoragespace, cell.totalstoragespace, 0);
+                CFiEnclosureNode node(cell.cellname.c_str(), PROVIDER_NAME, id.c_str(), vendor.c_str(), product.c_str(),
+                                      cell.availablestoragespace, cell.totalstoragespace, 0);
                 factory.add(node);
             }
         }

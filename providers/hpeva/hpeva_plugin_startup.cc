@@ -74,8 +74,7 @@ int CHpEvaPlugin::init()
         ACE_WString file;
         CFiConfigurationPathTool::getConfigFileInfo(ACE_WString(PROVIDER_NAME), directory, file);
         directory += file;
-        CHpEvaGuard::pushError(m_errorManager, "MSG_ERROR_NO_CREDENTIALS", {text(directory)}, 2, kSourceFile,
-                               __LINE__);
+        CHpEvaGuard::pushError(m_errorManager, "MSG_ERROR_NO_CREDENTIALS", {text(directory)}, 2, kSourceFile, __LINE__);
         return 30;
     });
 }
@@ -86,8 +85,8 @@ int CHpEvaPlugin::delayedInit()
     return guard("delayedInit", __LINE__, true).run([&] {
         CHpEvaCliTool tool(cliTool);
         if (tool.checkVersion() != 0) {
-            CHpEvaGuard::pushError(m_errorManager, "MSG_ERROR_VERSION_CHECK", {text(tool.getPath())}, 2,
-                                   kSourceFile, __LINE__);
+            CHpEvaGuard::pushError(m_errorManager, "MSG_ERROR_VERSION_CHECK", {text(tool.getPath())}, 2, kSourceFile,
+                                   __LINE__);
             return 29;
         }
         cells = tool.enumerateCells(credentials);

@@ -8,8 +8,9 @@
 #include "cfisessionmanager.h"
 #include "cfitracelog.h"
 
-using CFiPluginPtr = qorin_pdk_4_4::CFiSmartPtr<qorin_pdk_4_4::CFiPluginBase,
-                                                qorin_pdk_4_4::CFiContextSingletonAllocator<qorin_pdk_4_4::CFiPluginBase>>;
+using CFiPluginPtr =
+    qorin_pdk_4_4::CFiSmartPtr<qorin_pdk_4_4::CFiPluginBase,
+                               qorin_pdk_4_4::CFiContextSingletonAllocator<qorin_pdk_4_4::CFiPluginBase>>;
 
 // The six process-wide objects. Each accessor fills out with the one object, creating it
 // when there is none; with destroy set it first drops the process's reference, so that a

@@ -21,7 +21,7 @@ struct SHpEvaVdisk : public SHpEvaCell {
     std::string drmnode;
     std::string remotevirtualdiskname;
     std::string sharingrelationship;
-    uint64_t capacity = 0;                    // bytes
+    uint64_t capacity = 0;                         // bytes
     std::map<std::string, int32_t> presentations;  // host -> LUN
 
     // Clears the disk's own fields and keeps the cell part.

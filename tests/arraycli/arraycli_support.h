@@ -29,8 +29,7 @@ using tamlin_test::writeFile;
 // The script a run gets: fixed prelude, login, cell, the commands, exit.
 inline std::string scriptOf(const std::string &login, const std::string &cell, const std::vector<std::string> &commands)
 {
-    std::string text =
-        "set option NOCOMMAND_DELAY\nset option DISPLAY_WIDTH=200\nset option ON_ERROR=EXIT_ON_ERROR\n";
+    std::string text = "set option NOCOMMAND_DELAY\nset option DISPLAY_WIDTH=200\nset option ON_ERROR=EXIT_ON_ERROR\n";
     if (!login.empty()) {
         text += "select manager " + login + "\n";
     }

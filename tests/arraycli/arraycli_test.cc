@@ -46,14 +46,20 @@ std::string world()
            "cell EVA03 wwn=5000-1FE1-5000-0003 firmware=6100 total=1.5GB servers=cvB\n"
            "host EVA01 \"\\Hosts\\h1\" ports=1000-0000-C900-0001\n"
            "host EVA01 \"\\Hosts\\lab\\h2\" ports=1000-0000-C900-0002,1000-0000-C900-0003\n"
-           "host EVA01 \"\\Hosts\\lab\\rack\\" + shortName() + "\" ports=1000-0000-C900-0004\n"
-           "vdisk EVA01 \"\\Virtual Disks\\d1\" size=10GB wwlunid=" + D1_WWN + "\n"
+           "host EVA01 \"\\Hosts\\lab\\rack\\" +
+           shortName() +
+           "\" ports=1000-0000-C900-0004\n"
+           "vdisk EVA01 \"\\Virtual Disks\\d1\" size=10GB wwlunid=" +
+           D1_WWN +
+           "\n"
            "vdisk EVA01 \"\\Virtual Disks\\f\\d2\" size=20GB redundancy=vraid0\n"
            "vdisk EVA01 \"\\Virtual Disks\\d5\" size=1GB\n"
            "container EVA01 \"\\Virtual Disks\\f\\c1\" size=1GB\n"
            "present EVA01 \"\\Virtual Disks\\d1\" \"\\Hosts\\h1\" lun=1\n"
            "present EVA01 \"\\Virtual Disks\\d1\" \"\\Hosts\\lab\\h2\" lun=4\n"
-           "present EVA01 \"\\Virtual Disks\\d1\" \"\\Hosts\\lab\\rack\\" + shortName() + "\" lun=2\n"
+           "present EVA01 \"\\Virtual Disks\\d1\" \"\\Hosts\\lab\\rack\\" +
+           shortName() +
+           "\" lun=2\n"
            "drgroup DRG1 source=EVA01 destination=EVA02\n"
            "member DRG1 \"\\Virtual Disks\\f\\d2\" remote=\"\\Virtual Disks\\r\\d2\"\n";
 }
@@ -165,7 +171,8 @@ TEST_F(ArrayCli, CellDetailInBytesAndTheCellFound)
     for (const auto &row : array.table("cells")) {
         if (row[0] == "EVA01") {
             // "981.50 GB": evasim's two decimals, in bytes.
-            EXPECT_EQ(eva01.availablestoragespace, static_cast<uint64_t>(std::strtod(row[5].c_str(), nullptr) * GIGABYTE));
+            EXPECT_EQ(eva01.availablestoragespace,
+                      static_cast<uint64_t>(std::strtod(row[5].c_str(), nullptr) * GIGABYTE));
         }
     }
 
@@ -258,7 +265,8 @@ TEST_F(ArrayCli, HostEntryEqualToTheMachinesAddressMatches)
     arraycli::Array byAddress("server cvA user=admin password=secret\n"
                               "cell EVA01 wwn=5000-1FE1-5000-0001 servers=cvA\n"
                               "host EVA01 \"\\Hosts\\tamlin-other\"\n"
-                              "host EVA01 \"\\Hosts\\byaddress\\" + self.address + "\"\n");
+                              "host EVA01 \"\\Hosts\\byaddress\\" +
+                              self.address + "\"\n");
     ASSERT_TRUE(byAddress.loaded);
     std::string name;
     EXPECT_EQ(byAddress.tool().getSSSUHostName(eva01, name, nullptr), 0);

@@ -128,7 +128,8 @@ TEST(Concurrency, EightThreadsTracingAndPushing)
     EXPECT_EQ(g_messages.load(), total);
     EXPECT_EQ(g_lines.load(), 2 * total) << "every trace line reaches the handler, whatever its level";
 
-    const std::regex line(R"(^\d{4}-\d{2}-\d{2} \d{2}:\d{2}:\d{2}\.\d{6} <Pid - \d+ / Thread id - \d+> T(\d) (\d+) disk-(\d)-(\d+)$)");
+    const std::regex line(
+        R"(^\d{4}-\d{2}-\d{2} \d{2}:\d{2}:\d{2}\.\d{6} <Pid - \d+ / Thread id - \d+> T(\d) (\d+) disk-(\d)-(\d+)$)");
     std::istringstream in(root.readFile("Logs/tamlin.log." + TempInstallRoot::logDate()));
     std::vector<int> seen(8, 0);
     for (std::string l; std::getline(in, l);) {

@@ -22,11 +22,11 @@ struct Call {
 
 class Host {
 public:
-    explicit Host(const std::string &language)
-        : context(language, [this](const std::wstring &hostText, const std::wstring &defaultText, int severity) {
-              std::lock_guard<std::mutex> guard(lock);
-              calls.push_back({hostText, defaultText, severity});
-          })
+    explicit Host(const std::string &language) :
+        context(language, [this](const std::wstring &hostText, const std::wstring &defaultText, int severity) {
+            std::lock_guard<std::mutex> guard(lock);
+            calls.push_back({hostText, defaultText, severity});
+        })
     {
     }
 

@@ -194,8 +194,8 @@ std::vector<RaiseSite> raiseSites()
             for (std::sregex_iterator it(text.begin(), text.end(), literal), end; it != end; ++it) {
                 size_t at = it->position();
                 RaiseSite site{entry.path().string(),
-                               static_cast<size_t>(std::count(text.begin(), text.begin() + at, '\n') + 1),
-                               (*it)[1], -1};
+                               static_cast<size_t>(std::count(text.begin(), text.begin() + at, '\n') + 1), (*it)[1],
+                               -1};
                 size_t before = at > 200 ? at - 200 : 0;
                 bool pushed = text.substr(before, at - before).find("pushError(") != std::string::npos;
                 size_t next = text.find_first_not_of(" \t\r\n", at + it->length());
@@ -288,8 +288,8 @@ TEST(CatalogKeys, PlaceholdersFollowTheRaiseSitesArguments)
     int checked = 0;
     for (const RaiseSite &site : raiseSites()) {
         auto listed = kRaisedKeys.find(site.key);
-        EXPECT_TRUE(listed != kRaisedKeys.end()) << site.key << " at " << site.file << ":" << site.line
-                                                 << " is not a known message";
+        EXPECT_TRUE(listed != kRaisedKeys.end())
+            << site.key << " at " << site.file << ":" << site.line << " is not a known message";
         if (site.arguments < 0 || listed == kRaisedKeys.end()) {
             continue;
         }

@@ -67,17 +67,16 @@ std::vector<SFiCredential> parse(const std::string &blob, bool openArray = false
     return out;
 }
 
-const char kBlob[] =
-    "[STORAGE_MANAGEMENT_SERVICE\\HP_HSV_CV1\\1]\n"
-    "\"HOSTNAME\"=\"cv1.example.com\"\n"
-    "\"USERNAME\"=\"admin\"\n"
-    "\"PASSWORD\"=  \"from-\"blob\"\"  \n"
-    "\"PORT\"=dword:00002372\n"
-    "\"DATA\"=\"x\"\n"
-    "[STORAGE_MANAGEMENT_SERVICE\\EMC_CLARIION\\1]\n"
-    "\"HOSTNAME\"=\"emc.example.com\"\n"
-    "\"USERNAME\"=\"u\"\n"
-    "\"PASSWORD\"=\"p\"\n";
+const char kBlob[] = "[STORAGE_MANAGEMENT_SERVICE\\HP_HSV_CV1\\1]\n"
+                     "\"HOSTNAME\"=\"cv1.example.com\"\n"
+                     "\"USERNAME\"=\"admin\"\n"
+                     "\"PASSWORD\"=  \"from-\"blob\"\"  \n"
+                     "\"PORT\"=dword:00002372\n"
+                     "\"DATA\"=\"x\"\n"
+                     "[STORAGE_MANAGEMENT_SERVICE\\EMC_CLARIION\\1]\n"
+                     "\"HOSTNAME\"=\"emc.example.com\"\n"
+                     "\"USERNAME\"=\"u\"\n"
+                     "\"PASSWORD\"=\"p\"\n";
 
 }  // namespace
 
@@ -104,10 +103,9 @@ TEST(CredentialsParser, SectionsOfTheVendorAndProductBecomeRecords)
 
 TEST(CredentialsParser, OpenArraySectionsAreTheirOwnSet)
 {
-    const std::string blob = std::string(kBlob) +
-                             "[STORAGE_MANAGEMENT_SERVICE\\HP_HSV_OPENARRAY\\1]\n"
-                             "\"HOSTNAME\"=\"open.example.com\"\n"
-                             "\"USERNAME\"=\"u\"\n";
+    const std::string blob = std::string(kBlob) + "[STORAGE_MANAGEMENT_SERVICE\\HP_HSV_OPENARRAY\\1]\n"
+                                                  "\"HOSTNAME\"=\"open.example.com\"\n"
+                                                  "\"USERNAME\"=\"u\"\n";
     std::vector<SFiCredential> closed = parse(blob, false);
     ASSERT_EQ(closed.size(), 1u);
     EXPECT_EQ(narrow(closed[0].hostname), "cv1.example.com");
@@ -122,18 +120,18 @@ TEST(CredentialsParser, IncompleteRecordsAndForeignLinesAreDropped)
 {
     // No password: dropped with openArray false; the last section, closed by the end of
     // the text, is taken like any other.
-    std::vector<SFiCredential> list = parse(
-        "[STORAGE_MANAGEMENT_SERVICE\\HP_HSV_A\\1]\n\"HOSTNAME\"=\"a\"\n\"USERNAME\"=\"u\"\n"
-        "[storage_management_service\\HP_HSV_B\\1]\n\"HOSTNAME\"=\"b\"\n\"USERNAME\"=\"u\"\n\"PASSWORD\"=\"p\"\n"
-        "\"hostname\"=\"lower case keys are not ours\"\n\"OTHER\"=\"ignored\"\nno equals sign here\n");
+    std::vector<SFiCredential> list =
+        parse("[STORAGE_MANAGEMENT_SERVICE\\HP_HSV_A\\1]\n\"HOSTNAME\"=\"a\"\n\"USERNAME\"=\"u\"\n"
+              "[storage_management_service\\HP_HSV_B\\1]\n\"HOSTNAME\"=\"b\"\n\"USERNAME\"=\"u\"\n\"PASSWORD\"=\"p\"\n"
+              "\"hostname\"=\"lower case keys are not ours\"\n\"OTHER\"=\"ignored\"\nno equals sign here\n");
     ASSERT_EQ(list.size(), 1u);
     EXPECT_EQ(narrow(list[0].hostname), "b");
 
     // A header with two tokens ends the section before it and starts none.
-    list = parse(
-        "[STORAGE_MANAGEMENT_SERVICE\\HP_HSV_A\\1]\n\"HOSTNAME\"=\"a\"\n\"USERNAME\"=\"u\"\n\"PASSWORD\"=\"p\"\n"
-        "[STORAGE_MANAGEMENT_SERVICE\\HP_HSV_C]\n\"HOSTNAME\"=\"c\"\n\"USERNAME\"=\"u\"\n\"PASSWORD\"=\"p\"\n"
-        "[OTHER_SERVICE\\HP_HSV_D\\1]\n\"HOSTNAME\"=\"d\"\n\"USERNAME\"=\"u\"\n\"PASSWORD\"=\"p\"\n");
+    list =
+        parse("[STORAGE_MANAGEMENT_SERVICE\\HP_HSV_A\\1]\n\"HOSTNAME\"=\"a\"\n\"USERNAME\"=\"u\"\n\"PASSWORD\"=\"p\"\n"
+              "[STORAGE_MANAGEMENT_SERVICE\\HP_HSV_C]\n\"HOSTNAME\"=\"c\"\n\"USERNAME\"=\"u\"\n\"PASSWORD\"=\"p\"\n"
+              "[OTHER_SERVICE\\HP_HSV_D\\1]\n\"HOSTNAME\"=\"d\"\n\"USERNAME\"=\"u\"\n\"PASSWORD\"=\"p\"\n");
     ASSERT_EQ(list.size(), 1u);
     EXPECT_EQ(narrow(list[0].hostname), "a");
 

@@ -20,13 +20,12 @@ std::string narrow(const ACE_WString &text)
     return CFiStringTool::tstr2str(text);
 }
 
-const char kRegistry[] =
-    "[SOFTWARE\\Orvanta\\Qorin]\n"
-    "\"InstallDir64\"=\"/srv/qorin\"\n"
-    "[SOFTWARE\\Orvanta\\Qorin\\acme]\n"
-    "\"InstallDir64\"=\"/srv/acme/\"\n"
-    "[SOFTWARE\\Microsoft\\Windows\\CurrentVersion]\n"
-    "\"ProgramFilesDir\"=\"/usr/local\"\n";
+const char kRegistry[] = "[SOFTWARE\\Orvanta\\Qorin]\n"
+                         "\"InstallDir64\"=\"/srv/qorin\"\n"
+                         "[SOFTWARE\\Orvanta\\Qorin\\acme]\n"
+                         "\"InstallDir64\"=\"/srv/acme/\"\n"
+                         "[SOFTWARE\\Microsoft\\Windows\\CurrentVersion]\n"
+                         "\"ProgramFilesDir\"=\"/usr/local\"\n";
 
 }  // namespace
 

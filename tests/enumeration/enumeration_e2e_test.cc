@@ -16,8 +16,8 @@
 
 #include "host_context.h"
 #include "provider_fixture.h"
-#include "result_lists.h"
 #include "provider_install.h"
+#include "result_lists.h"
 #include "text.h"
 
 using result_lists::freeList;
@@ -96,8 +96,8 @@ struct Message {
 // The world of these tests: three cells behind three servers (tests/enumeration/site.scn).
 class Site : public ProviderInstall {
 public:
-    explicit Site(const std::vector<Login> &logins)
-        : ProviderInstall(logins, sourceDir() + "/tests/enumeration/site.scn")
+    explicit Site(const std::vector<Login> &logins) :
+        ProviderInstall(logins, sourceDir() + "/tests/enumeration/site.scn")
     {
         EXPECT_TRUE(ok()) << loadReport();
     }
@@ -169,8 +169,8 @@ protected:
         int rc = provider()->enumerate_nodes(&list, &count, flags, filter != nullptr ? &text[0] : nullptr);
         out.clear();
         for (qrn_node_list *n = list; n != nullptr; n = n->next) {
-            out.push_back({narrow(n->displayName), n->id != nullptr ? narrow(n->id->text) : "", narrow(n->provider),
-                           n->size});
+            out.push_back(
+                {narrow(n->displayName), n->id != nullptr ? narrow(n->id->text) : "", narrow(n->provider), n->size});
         }
         EXPECT_EQ(static_cast<size_t>(count), out.size());
         freeList(list);

@@ -10,11 +10,13 @@ using evasim_test::Outcome;
 namespace {
 
 // The text of the first <tag> element of an output.
-std::string element(std::string const &out, std::string const &tag)
+std::string element(const std::string &out, const std::string &tag)
 {
-    size_t const open = out.find("<" + tag + ">");
-    if (open == std::string::npos) return "(missing)";
-    size_t const start = open + tag.size() + 2;
+    const size_t open = out.find("<" + tag + ">");
+    if (open == std::string::npos) {
+        return "(missing)";
+    }
+    const size_t start = open + tag.size() + 2;
     return out.substr(start, out.find("</" + tag + ">", start) - start);
 }
 
@@ -23,7 +25,7 @@ protected:
     void SetUp() override { h.init(); }
 
     // Runs the commands and expects success.
-    Outcome ok(std::vector<std::string> const &commands, std::string const &cell = "EVA01")
+    Outcome ok(const std::vector<std::string> &commands, const std::string &cell = "EVA01")
     {
         Outcome r = h.sssu(commands, cell);
         EXPECT_EQ(r.status, 0) << r.out;
@@ -31,20 +33,23 @@ protected:
         return r;
     }
     // Runs one command and gives the error line it ends with.
-    std::string refused(std::string const &command, std::string const &cell = "EVA01")
+    std::string refused(const std::string &command, const std::string &cell = "EVA01")
     {
-        Outcome const r = h.sssu({command}, cell);
+        const Outcome r = h.sssu({command}, cell);
         EXPECT_EQ(r.status, 1) << r.out;
         return r.lines().back();
     }
-    std::string sharing(std::string const &path)
+    std::string sharing(const std::string &path)
     {
         return element(h.sssu({"LS VDISK \"" + path + "\" XML"}).out, "sharingrelationship");
     }
-    double usedGb(std::string const &cell)
+    double usedGb(const std::string &cell)
     {
-        for (auto const &row : h.table("cells"))
-            if (row.at("name") == cell) return std::stod(row.at("used"));
+        for (const auto &row : h.table("cells")) {
+            if (row.at("name") == cell) {
+                return std::stod(row.at("used"));
+            }
+        }
         return -1;
     }
 
@@ -53,7 +58,7 @@ protected:
 
 TEST_F(ArrayRules, TextListingsGiveTheMarkerThenOneFullPathALine)
 {
-    Outcome const r = ok({"LS VDISK", "LS HOST"});
+    const Outcome r = ok({"LS VDISK", "LS HOST"});
     EXPECT_TRUE(r.has("EVA01> LS VDISK\n\nVdisks available on this Cell:\n"
                       "\\Virtual Disks\\d1\\ACTIVE\n\\Virtual Disks\\f\\d2\\ACTIVE\n\\Virtual Disks\\f\\d3\\ACTIVE\n"
                       "\\Virtual Disks\\f\\d3\\d3_vsnap000\nEVA01> LS HOST\n"));
@@ -62,24 +67,26 @@ TEST_F(ArrayRules, TextListingsGiveTheMarkerThenOneFullPathALine)
 
 TEST_F(ArrayRules, HostTextListingNamesEachPresentedDiskAfterVirtualDisk)
 {
-    Outcome const r = ok({"LS HOST \\Hosts\\h1"});
+    const Outcome r = ok({"LS HOST \\Hosts\\h1"});
     EXPECT_TRUE(r.has("\\Hosts\\h1 information:"));
     EXPECT_TRUE(r.has(" Virtual_disk : \\Virtual Disks\\d1\\ACTIVE\n"));
 }
 
 TEST_F(ArrayRules, SnapshotsLieInTheFamilyAndASnapshotOfASnapshotIsRefused)
 {
-    double const before = usedGb("EVA01");
-    ok({"ADD SNAPSHOT \"d1_vsnap000\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\" ALLOCATION_POLICY=DEMAND  REDUNDANCY=Vraid0 "});
-    auto const vsnap = h.disk("\\Virtual Disks\\d1\\d1_vsnap000");
+    const double before = usedGb("EVA01");
+    ok({"ADD SNAPSHOT \"d1_vsnap000\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\" ALLOCATION_POLICY=DEMAND  "
+        "REDUNDANCY=Vraid0 "});
+    const auto vsnap = h.disk("\\Virtual Disks\\d1\\d1_vsnap000");
     ASSERT_FALSE(vsnap.empty());
     EXPECT_EQ(vsnap.at("type"), "vsnap");
     EXPECT_EQ(vsnap.at("parent"), "\\Virtual Disks\\d1\\ACTIVE");
     EXPECT_DOUBLE_EQ(usedGb("EVA01"), before) << "a vsnap takes space on demand only";
 
-    ok({"ADD SNAPSHOT \"d1_snap000\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\" ALLOCATION_POLICY=FULLY  REDUNDANCY=Vraid0 "});
+    ok({"ADD SNAPSHOT \"d1_snap000\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\" ALLOCATION_POLICY=FULLY  "
+        "REDUNDANCY=Vraid0 "});
     EXPECT_DOUBLE_EQ(usedGb("EVA01"), before + 10) << "a full snapshot in vraid0 takes its size";
-    Outcome const parent = ok({"LS VDISK \"\\Virtual Disks\\d1\\ACTIVE\" XML"});
+    const Outcome parent = ok({"LS VDISK \"\\Virtual Disks\\d1\\ACTIVE\" XML"});
     EXPECT_EQ(element(parent.out, "childvdiskname"), "\\Virtual Disks\\d1\\d1_snap000");
     EXPECT_EQ(element(parent.out, "sharingrelationship"), "parent");
 
@@ -101,7 +108,7 @@ TEST_F(ArrayRules, SnapcloneIsAFamilyBesideTheSourceAndRunsForTheConfiguredReads
     EXPECT_EQ(sharing(clone), "snapclone_in_progress");
     EXPECT_EQ(sharing(clone), "none");
     EXPECT_EQ(sharing(clone), "none");
-    Outcome const source = ok({"LS VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\" XML"});
+    const Outcome source = ok({"LS VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\" XML"});
     EXPECT_EQ(element(source.out, "childvdiskname"), "n/a") << "a finished clone is no child";
 
     EXPECT_EQ(refused("ADD COPY \"c\" VDISK=\"\\Virtual Disks\\f\\d3\\ACTIVE\""),
@@ -120,7 +127,7 @@ TEST_F(ArrayRules, DeleteRefusesPresentedDisksDisksWithSnapshotsAndDrMembers)
               "Error: Cannot delete Vdisks when snapshots are still present.");
     EXPECT_EQ(refused("DELETE VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\""),
               "Error: Cannot delete a Vdisk that is a member of a DR group.");
-    double const before = usedGb("EVA01");
+    const double before = usedGb("EVA01");
     ok({"DELETE VDISK \"\\Virtual Disks\\f\\d3\\d3_vsnap000\"", "DELETE VDISK \"\\Virtual Disks\\f\\d3\\ACTIVE\""});
     EXPECT_TRUE(h.disk("\\Virtual Disks\\f\\d3\\ACTIVE").empty());
     EXPECT_DOUBLE_EQ(usedGb("EVA01"), before - 10) << "the space comes back";
@@ -132,7 +139,7 @@ TEST_F(ArrayRules, DeleteRefusesPresentedDisksDisksWithSnapshotsAndDrMembers)
 TEST_F(ArrayRules, DeletionQuirkReportsSuccessAsAnErrorThatStopsTheScript)
 {
     ASSERT_EQ(h.evasim({"set", "quirk_deletion_completed=on"}).status, 0);
-    Outcome const r = h.sssu({"DELETE LUN \"\\Hosts\\h1\\1\"", "LS HOST"});
+    const Outcome r = h.sssu({"DELETE LUN \"\\Hosts\\h1\\1\"", "LS HOST"});
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(r.lines().back(), "Error: Deletion completed");
     EXPECT_EQ(h.disk("\\Virtual Disks\\d1\\ACTIVE").at("presentations"), "") << "the delete took effect";
@@ -164,7 +171,7 @@ TEST_F(ArrayRules, AddLunTakesTheProvidersTemplateAndKeepsLunsUniquePerHost)
 TEST_F(ArrayRules, PresentQuirkReportsTheToleratedErrorAfterASuccessfulAddLun)
 {
     ASSERT_EQ(h.evasim({"set", "quirk_present_failed=on"}).status, 0);
-    Outcome const r = h.sssu({"ADD LUN 3 HOST=\"\\Hosts\\h1\"  VDISK=\"\\Virtual Disks\\f\\d3\\ACTIVE\" "});
+    const Outcome r = h.sssu({"ADD LUN 3 HOST=\"\\Hosts\\h1\"  VDISK=\"\\Virtual Disks\\f\\d3\\ACTIVE\" "});
     EXPECT_EQ(r.lines().back(),
               "Error: Error the call to present the virtual disk has failed. [Logical disk Presented]");
     EXPECT_EQ(h.disk("\\Virtual Disks\\f\\d3\\ACTIVE").at("presentations"), "\\Hosts\\h1:3");
@@ -185,7 +192,7 @@ TEST_F(ArrayRules, RestoreTurnsThePrimaryIntoAContainerAndCopiesTheCloneIntoIt)
         "SET VDISK \"d1_clone000\" writecache=writethrough", "REDISCOVER", "REFRESH",
         "ADD COPY \"d1\" VDISK=\"d1_clone000\" CONTAINER=\"d1\"", "SET VDISK \"d1_clone000\" writecache=writeback",
         "ADD LUN 1 HOST=\"\\Hosts\\h1\"  VDISK=\"d1\" "});
-    auto const restored = h.disk(primary);
+    const auto restored = h.disk(primary);
     EXPECT_EQ(restored.at("type"), "snapclone");
     EXPECT_EQ(restored.at("wwlunid"), wwn) << "the primary keeps its identity";
     EXPECT_EQ(restored.at("presentations"), "\\Hosts\\h1:1");
@@ -200,7 +207,7 @@ TEST_F(ArrayRules, ContainersAreListedAsSuchAndOnlyACopyOfTheirSizeFillsThem)
 {
     ok({"SET VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\" writecache=writethrough"});
     ok({"ADD VDISK \"\\Virtual Disks\\box\" SIZE=20GB REDUNDANCY=vraid0", "SET VDISK \"box\" CHANGE_INTO_CONTAINER"});
-    Outcome const r = ok({"LS VDISK \"box\" XML"});
+    const Outcome r = ok({"LS VDISK \"box\" XML"});
     EXPECT_EQ(element(r.out, "objecttype"), "container");
     EXPECT_EQ(refused("ADD COPY \"box\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\" CONTAINER=\"box\""),
               "Error: The capacity of container \\Virtual Disks\\box\\ACTIVE does not match the source Vdisk");
@@ -224,7 +231,7 @@ TEST_F(ArrayRules, WorldWideNamesAndFamilyNamesCanBeTraded)
     ok({"SET VDISK \"" + p + "\" WORLD_WIDE_LUN_NAME=" + temp, "SET VDISK \"" + s + "\" WORLD_WIDE_LUN_NAME=" + pw,
         "SET VDISK \"" + p + "\" WORLD_WIDE_LUN_NAME=" + sw, "SET VDISK \"" + p + "\" NAME=\"d3_RESTORING\""});
     EXPECT_EQ(h.disk(s).at("wwlunid"), pw);
-    auto const moved = h.disk("\\Virtual Disks\\f\\d3_RESTORING\\ACTIVE");
+    const auto moved = h.disk("\\Virtual Disks\\f\\d3_RESTORING\\ACTIVE");
     ASSERT_FALSE(moved.empty());
     EXPECT_EQ(moved.at("wwlunid"), sw);
     EXPECT_FALSE(h.disk("\\Virtual Disks\\f\\d3_RESTORING\\d3_vsnap000").empty()) << "snapshots move with the family";
@@ -235,16 +242,16 @@ TEST_F(ArrayRules, WorldWideNamesAndFamilyNamesCanBeTraded)
 TEST_F(ArrayRules, DrGroupSuspendShowsOnBothCellsAndDisksNameTheirPartners)
 {
     ok({"SET DR_GROUP \"\\Data Replication\\DRG1\" SUSPEND"});
-    Outcome const there = ok({"LS DR_GROUP \"\\Data Replication\\DRG1\" XML"}, "EVA02");
+    const Outcome there = ok({"LS DR_GROUP \"\\Data Replication\\DRG1\" XML"}, "EVA02");
     EXPECT_EQ(element(there.out, "suspendstate"), "suspended");
     EXPECT_EQ(element(there.out, "drmmode"), "destination");
     EXPECT_EQ(element(there.out, "scellname"), "EVA01");
     ok({"SET DR_GROUP \"DRG1\" NOSUSPEND"}, "EVA02");
-    Outcome const here = ok({"LS DR_GROUP \"\\Data Replication\\DRG1\" XML"});
+    const Outcome here = ok({"LS DR_GROUP \"\\Data Replication\\DRG1\" XML"});
     EXPECT_EQ(element(here.out, "suspendstate"), "notsuspended");
     EXPECT_EQ(element(here.out, "drmmode"), "source");
 
-    Outcome const disk = ok({"LS VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\" XML"});
+    const Outcome disk = ok({"LS VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\" XML"});
     EXPECT_EQ(element(disk.out, "drmgroupname"), "\\Data Replication\\DRG1");
     EXPECT_EQ(element(disk.out, "remotevirtualdiskname"), "\\Virtual Disks\\r\\d2\\ACTIVE");
     EXPECT_EQ(refused("SET DR_GROUP \"nosuch\" SUSPEND"), "Error: nosuch not found");
@@ -252,9 +259,9 @@ TEST_F(ArrayRules, DrGroupSuspendShowsOnBothCellsAndDisksNameTheirPartners)
 
 TEST_F(ArrayRules, FindVdiskMatchesTheLunIdInAnyCase)
 {
-    Outcome const r = ok({"REFRESH", "FIND VDISK LUNWWID=6005-08b4-0001-0000-0000-0000-0001-0000 XML"});
+    const Outcome r = ok({"REFRESH", "FIND VDISK LUNWWID=6005-08b4-0001-0000-0000-0000-0001-0000 XML"});
     EXPECT_EQ(element(r.out, "objectname"), "\\Virtual Disks\\d1\\ACTIVE");
-    Outcome const upper = ok({"FIND VDISK LUNWWID=6005-08B4-0001-0000-0000-0000-0001-0000 XML"});
+    const Outcome upper = ok({"FIND VDISK LUNWWID=6005-08B4-0001-0000-0000-0000-0001-0000 XML"});
     EXPECT_EQ(element(upper.out, "objectname"), "\\Virtual Disks\\d1\\ACTIVE");
     EXPECT_EQ(refused("FIND VDISK LUNWWID=6005-08b4-0001-0000-0000-0000-0009-0000 XML"),
               "Error: 6005-08b4-0001-0000-0000-0000-0009-0000 not found");
@@ -262,7 +269,7 @@ TEST_F(ArrayRules, FindVdiskMatchesTheLunIdInAnyCase)
 
 TEST_F(ArrayRules, SpaceShrinksWithNewDisksAndATooLargeDiskIsRefused)
 {
-    double const before = usedGb("EVA01");
+    const double before = usedGb("EVA01");
     ok({"ADD VDISK \"\\Virtual Disks\\new\\big\" SIZE=100GB REDUNDANCY=vraid1"});
     EXPECT_DOUBLE_EQ(usedGb("EVA01"), before + 200) << "vraid1 takes twice the size";
     std::string const error = refused("ADD VDISK \"huge\" SIZE=2048GB REDUNDANCY=vraid0");
@@ -271,4 +278,4 @@ TEST_F(ArrayRules, SpaceShrinksWithNewDisksAndATooLargeDiskIsRefused)
               "Error: \\Virtual Disks\\new\\big already exists");
 }
 
-} // namespace
+}  // namespace

@@ -37,53 +37,66 @@ std::vector<std::string> Outcome::lines() const
 
 Harness::Harness()
 {
-    char const *tmp = std::getenv("TMPDIR");
+    const char *tmp = std::getenv("TMPDIR");
     std::string pattern = std::string(tmp && *tmp ? tmp : "/tmp") + "/evasim_test_XXXXXX";
     std::vector<char> buf(pattern.begin(), pattern.end());
     buf.push_back('\0');
-    if (!::mkdtemp(buf.data())) throw std::runtime_error("mkdtemp failed");
+    if (!::mkdtemp(buf.data())) {
+        throw std::runtime_error("mkdtemp failed");
+    }
     m_home = buf.data();
 }
 
 Harness::~Harness()
 {
     std::string const command = "rm -rf '" + m_home + "'";
-    if (std::system(command.c_str()) != 0) std::fprintf(stderr, "could not remove %s\n", m_home.c_str());
+    if (std::system(command.c_str()) != 0) {
+        std::fprintf(stderr, "could not remove %s\n", m_home.c_str());
+    }
 }
 
 std::string Harness::binary()
 {
-    char const *build = std::getenv("TAMLIN_BUILD_DIR");
+    const char *build = std::getenv("TAMLIN_BUILD_DIR");
     return std::string(build ? build : ".") + "/bin/evasim";
 }
 
-std::string Harness::scenario(std::string const &name)
+std::string Harness::scenario(const std::string &name)
 {
-    char const *source = std::getenv("TAMLIN_SOURCE_DIR");
+    const char *source = std::getenv("TAMLIN_SOURCE_DIR");
     return std::string(source ? source : ".") + "/tools/evasim/scenarios/" + name;
 }
 
-Outcome Harness::evasim(std::vector<std::string> const &args, std::function<void(pid_t)> const &meanwhile) const
+Outcome Harness::evasim(const std::vector<std::string> &args, const std::function<void(pid_t)> &meanwhile) const
 {
-    auto const start = std::chrono::steady_clock::now();
+    const auto start = std::chrono::steady_clock::now();
     auto elapsed = [&]() { return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(); };
     std::vector<std::string> env;
-    for (char **e = environ; *e; ++e)
-        if (std::strncmp(*e, "EVASIM_HOME=", 12) != 0) env.push_back(*e);
+    for (char **e = environ; *e; ++e) {
+        if (std::strncmp(*e, "EVASIM_HOME=", 12) != 0) {
+            env.push_back(*e);
+        }
+    }
     env.push_back("EVASIM_HOME=" + m_home);
     std::vector<char *> envp;
-    for (std::string &e : env) envp.push_back(e.data());
+    for (std::string &e : env) {
+        envp.push_back(e.data());
+    }
     envp.push_back(nullptr);
 
     std::string const bin = binary();
     std::vector<std::string> argStore{bin};
     argStore.insert(argStore.end(), args.begin(), args.end());
     std::vector<char *> argv;
-    for (std::string &a : argStore) argv.push_back(a.data());
+    for (std::string &a : argStore) {
+        argv.push_back(a.data());
+    }
     argv.push_back(nullptr);
 
     int outPipe[2], errPipe[2];
-    if (::pipe(outPipe) != 0 || ::pipe(errPipe) != 0) throw std::runtime_error("pipe failed");
+    if (::pipe(outPipe) != 0 || ::pipe(errPipe) != 0) {
+        throw std::runtime_error("pipe failed");
+    }
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, outPipe[1], 1);
@@ -91,7 +104,7 @@ Outcome Harness::evasim(std::vector<std::string> const &args, std::function<void
     posix_spawn_file_actions_addclose(&actions, outPipe[0]);
     posix_spawn_file_actions_addclose(&actions, errPipe[0]);
     pid_t pid = 0;
-    int const rc = posix_spawn(&pid, bin.c_str(), &actions, nullptr, argv.data(), envp.data());
+    const int rc = posix_spawn(&pid, bin.c_str(), &actions, nullptr, argv.data(), envp.data());
     posix_spawn_file_actions_destroy(&actions);
     ::close(outPipe[1]);
     ::close(errPipe[1]);
@@ -102,69 +115,87 @@ Outcome Harness::evasim(std::vector<std::string> const &args, std::function<void
         throw std::runtime_error("cannot start " + bin);
     }
     std::thread helper;
-    if (meanwhile) helper = std::thread(meanwhile, pid);
+    if (meanwhile) {
+        helper = std::thread(meanwhile, pid);
+    }
     pollfd fds[2] = {{outPipe[0], POLLIN, 0}, {errPipe[0], POLLIN, 0}};
     int open = 2;
     char buf[65536];
     while (open > 0) {
-        if (::poll(fds, 2, -1) < 0) break;
+        if (::poll(fds, 2, -1) < 0) {
+            break;
+        }
         for (int i = 0; i < 2; ++i) {
-            if (fds[i].fd < 0 || !(fds[i].revents & (POLLIN | POLLHUP))) continue;
-            ssize_t const n = ::read(fds[i].fd, buf, sizeof buf);
+            if (fds[i].fd < 0 || !(fds[i].revents & (POLLIN | POLLHUP))) {
+                continue;
+            }
+            const ssize_t n = ::read(fds[i].fd, buf, sizeof buf);
             if (n <= 0) {
                 ::close(fds[i].fd);
                 fds[i].fd = -1;
                 --open;
             } else {
                 (i == 0 ? run.out : run.err).append(buf, static_cast<size_t>(n));
-                if (i == 0)
-                    for (ssize_t k = 0; k < n; ++k)
-                        if (buf[k] == '\n') run.lineTimes.push_back(elapsed());
+                if (i == 0) {
+                    for (ssize_t k = 0; k < n; ++k) {
+                        if (buf[k] == '\n') {
+                            run.lineTimes.push_back(elapsed());
+                        }
+                    }
+                }
             }
         }
     }
     int status = 0;
     ::waitpid(pid, &status, 0);
-    if (helper.joinable()) helper.join();
+    if (helper.joinable()) {
+        helper.join();
+    }
     run.seconds = elapsed();
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     return run;
 }
 
-void Harness::init(std::string const &scenarioName) const
+void Harness::init(const std::string &scenarioName) const
 {
-    Outcome const r = evasim({"init", "--scenario", scenario(scenarioName)});
+    const Outcome r = evasim({"init", "--scenario", scenario(scenarioName)});
     ASSERT_EQ(r.status, 0) << r.err;
 }
 
-std::string Harness::script(std::vector<std::string> const &lines) const
+std::string Harness::script(const std::vector<std::string> &lines) const
 {
     std::string const path = m_home + "/script" + std::to_string(++m_scripts) + ".txt";
     std::ofstream f(path);
-    for (std::string const &l : lines) f << l << "\n";
+    for (const std::string &l : lines) {
+        f << l << "\n";
+    }
     return path;
 }
 
-Outcome Harness::sssu(std::vector<std::string> const &commands, std::string const &cell, std::string const &login) const
+Outcome Harness::sssu(const std::vector<std::string> &commands, const std::string &cell, const std::string &login) const
 {
     std::vector<std::string> lines{"set option NOCOMMAND_DELAY", "set option DISPLAY_WIDTH=200",
                                    "set option ON_ERROR=EXIT_ON_ERROR"};
-    if (!login.empty()) lines.push_back(login);
-    if (!cell.empty()) lines.push_back("select cell \"" + cell + "\"");
+    if (!login.empty()) {
+        lines.push_back(login);
+    }
+    if (!cell.empty()) {
+        lines.push_back("select cell \"" + cell + "\"");
+    }
     lines.insert(lines.end(), commands.begin(), commands.end());
     lines.push_back("exit");
     return evasim({"FILE " + script(lines)});
 }
 
-std::vector<std::map<std::string, std::string>> Harness::table(std::string const &what) const
+std::vector<std::map<std::string, std::string>> Harness::table(const std::string &what) const
 {
-    Outcome const r = evasim({"show", what, "--format", "tsv"});
+    const Outcome r = evasim({"show", what, "--format", "tsv"});
     EXPECT_EQ(r.status, 0) << r.err;
     std::vector<std::map<std::string, std::string>> rows;
     std::istringstream in(r.out);
     std::string line;
     std::vector<std::string> header;
-    auto cells = [](std::string const &l) {
+    auto cells = [](const std::string &l) {
         std::vector<std::string> out;
         std::string cur;
         for (char c : l) {
@@ -179,48 +210,65 @@ std::vector<std::map<std::string, std::string>> Harness::table(std::string const
         return out;
     };
     while (std::getline(in, line)) {
-        if (line.rfind("# ", 0) == 0) continue;
+        if (line.rfind("# ", 0) == 0) {
+            continue;
+        }
         if (header.empty()) {
             header = cells(line);
             continue;
         }
-        std::vector<std::string> const values = cells(line);
+        const std::vector<std::string> values = cells(line);
         std::map<std::string, std::string> row;
-        for (size_t i = 0; i < header.size() && i < values.size(); ++i) row[header[i]] = values[i];
+        for (size_t i = 0; i < header.size() && i < values.size(); ++i) {
+            row[header[i]] = values[i];
+        }
         rows.push_back(row);
     }
     return rows;
 }
 
-std::map<std::string, std::string> Harness::disk(std::string const &path) const
+std::map<std::string, std::string> Harness::disk(const std::string &path) const
 {
-    for (auto const &row : table("disks"))
-        if (row.at("path") == path) return row;
+    for (const auto &row : table("disks")) {
+        if (row.at("path") == path) {
+            return row;
+        }
+    }
     return {};
 }
 
-std::string xmlDocument(std::vector<std::string> const &in)
+std::string xmlDocument(const std::vector<std::string> &in)
 {
     std::vector<std::string> lines = in;
-    for (std::string &l : lines)
-        if (l.find("information:") != std::string::npos) l.clear();
+    for (std::string &l : lines) {
+        if (l.find("information:") != std::string::npos) {
+            l.clear();
+        }
+    }
     long last = -1;
-    for (long i = static_cast<long>(lines.size()) - 1; i >= 0; --i)
+    for (long i = static_cast<long>(lines.size()) - 1; i >= 0; --i) {
         if (lines[static_cast<size_t>(i)].find("</object>") != std::string::npos) {
             last = i;
             break;
         }
+    }
     std::string doc;
     if (last <= 0) {
-        for (std::string const &l : lines) doc += l;
+        for (const std::string &l : lines) {
+            doc += l;
+        }
         return doc;
     }
     size_t i = 0;
-    while (i < lines.size() && lines[i].find("<object>") == std::string::npos) ++i;
+    while (i < lines.size() && lines[i].find("<object>") == std::string::npos) {
+        ++i;
+    }
     doc = "<?xml version=\"1.0\" standalone=\"yes\" ?><hpeva_dataset>";
-    for (; i <= static_cast<size_t>(last); ++i) doc += lines[i];
+    for (; i <= static_cast<size_t>(last); ++i) {
+        doc += lines[i];
+    }
     doc += "</hpeva_dataset>";
     return doc;
 }
 
-} // namespace evasim_test
+}  // namespace evasim_test

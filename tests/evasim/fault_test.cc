@@ -20,11 +20,11 @@ protected:
     void arm(std::vector<std::string> args)
     {
         args.insert(args.begin(), "fault");
-        Outcome const r = h.evasim(args);
+        const Outcome r = h.evasim(args);
         ASSERT_EQ(r.status, 0) << r.err;
     }
     size_t armed() { return h.table("faults").size(); }
-    static bool normal(Outcome const &r) { return r.status == 0 && r.has("Hosts available on this Cell:"); }
+    static bool normal(const Outcome &r) { return r.status == 0 && r.has("Hosts available on this Cell:"); }
     Outcome listHosts() { return h.sssu({"LS HOST"}); }
 
     Harness h;
@@ -33,10 +33,10 @@ protected:
 TEST_F(Faults, HttpsFailsTheNextLoginsThenIsGone)
 {
     arm({"https", "--count", "2"});
-    Outcome const versionOnly = h.sssu({}, "", "");
+    const Outcome versionOnly = h.sssu({}, "", "");
     EXPECT_TRUE(versionOnly.has("Version: ")) << "a run without a login uses no https fault";
     for (int i = 0; i < 2; ++i) {
-        Outcome const r = listHosts();
+        const Outcome r = listHosts();
         EXPECT_EQ(r.status, 0);
         EXPECT_EQ(r.lines().back(), "Error opening https connection") << "run " << i;
         EXPECT_FALSE(r.has("LS HOST"));
@@ -58,18 +58,18 @@ TEST_F(Faults, HttpsForOneServerSparesTheOthers)
 TEST_F(Faults, SilenceBeforeOutputDelaysTheFirstLine)
 {
     arm({"silence", "--seconds", "1"});
-    Outcome const r = listHosts();
+    const Outcome r = listHosts();
     EXPECT_TRUE(normal(r));
     ASSERT_FALSE(r.lineTimes.empty());
     EXPECT_GE(r.lineTimes.front(), 0.95);
-    Outcome const next = listHosts();
+    const Outcome next = listHosts();
     EXPECT_LT(next.lineTimes.front(), 0.8) << "used up";
 }
 
 TEST_F(Faults, SilenceAfterALineLetsThatLineOutWholeFirst)
 {
     arm({"silence", "--seconds", "1", "--after-line", "3"});
-    Outcome const r = listHosts();
+    const Outcome r = listHosts();
     EXPECT_TRUE(normal(r));
     ASSERT_GE(r.lineTimes.size(), 4u);
     EXPECT_LT(r.lineTimes[2], 0.8) << "line 3 came before the pause";
@@ -85,12 +85,12 @@ TEST_F(Faults, IgnoredSignalsLetTheRunFinish)
         ::kill(pid, SIGTERM);
     };
     arm({"silence", "--seconds", "0.8"});
-    Outcome const killed = h.evasim({"FILE " + h.script({"exit"})}, signalLater);
+    const Outcome killed = h.evasim({"FILE " + h.script({"exit"})}, signalLater);
     EXPECT_EQ(killed.status, 128 + SIGINT) << "without the fault SIGINT ends the run";
 
     arm({"silence", "--seconds", "0.8"});
     arm({"ignore-signals"});
-    Outcome const survived = h.evasim({"FILE " + h.script({"exit"})}, signalLater);
+    const Outcome survived = h.evasim({"FILE " + h.script({"exit"})}, signalLater);
     EXPECT_EQ(survived.status, 0);
     EXPECT_TRUE(survived.has("NoSystemSelected> exit"));
     EXPECT_EQ(armed(), 0u);
@@ -99,7 +99,7 @@ TEST_F(Faults, IgnoredSignalsLetTheRunFinish)
 TEST_F(Faults, ExitAfterEndsTheProcessAfterThatManyLines)
 {
     arm({"exit-after", "--lines", "8", "--status", "3"});
-    Outcome const r = listHosts();
+    const Outcome r = listHosts();
     EXPECT_EQ(r.status, 3);
     EXPECT_EQ(r.lineTimes.size(), 8u);
     EXPECT_EQ(r.out.back(), '\n');
@@ -109,7 +109,7 @@ TEST_F(Faults, ExitAfterEndsTheProcessAfterThatManyLines)
 TEST_F(Faults, NoOutputPrintsNothing)
 {
     arm({"no-output", "--status", "0"});
-    Outcome const r = listHosts();
+    const Outcome r = listHosts();
     EXPECT_EQ(r.status, 0);
     EXPECT_EQ(r.out, "");
     EXPECT_TRUE(normal(listHosts()));
@@ -118,12 +118,12 @@ TEST_F(Faults, NoOutputPrintsNothing)
 TEST_F(Faults, MalformedXmlSpoilsTheNextXmlListingOnly)
 {
     arm({"malformed-xml"});
-    Outcome const text = h.sssu({"LS VDISK"});
+    const Outcome text = h.sssu({"LS VDISK"});
     EXPECT_TRUE(text.has("Vdisks available on this Cell:")) << "a text listing doesn't use it";
-    Outcome const bad = h.sssu({"LS VDISK FULL XML"});
+    const Outcome bad = h.sssu({"LS VDISK FULL XML"});
     EXPECT_EQ(bad.status, 0);
     EXPECT_TRUE(bad.has("</objectnam>"));
-    Outcome const good = h.sssu({"LS VDISK FULL XML"});
+    const Outcome good = h.sssu({"LS VDISK FULL XML"});
     EXPECT_FALSE(good.has("</objectnam>"));
 }
 
@@ -131,7 +131,7 @@ TEST_F(Faults, ErrorHitsTheNextMatchingCommandAndChangesNothing)
 {
     arm({"error", "--match", "add lun", "--message", "The array is busy"});
     std::string const cmd = "ADD LUN 4 HOST=\"\\Hosts\\h1\"  VDISK=\"\\Virtual Disks\\f\\d2\\ACTIVE\" ";
-    Outcome const r = h.sssu({"LS HOST", cmd, "LS VDISK"});
+    const Outcome r = h.sssu({"LS HOST", cmd, "LS VDISK"});
     EXPECT_EQ(r.status, 1);
     EXPECT_TRUE(r.has("Hosts available on this Cell:"));
     EXPECT_EQ(r.lines().back(), "Error: The array is busy");
@@ -162,7 +162,7 @@ TEST_F(Faults, BannerShowsAnotherVersionLineForItsRuns)
 TEST_F(Faults, DelayWaitsBeforeEachCommand)
 {
     arm({"delay", "--seconds", "0.15"});
-    Outcome const r = listHosts(); // 3 options, select cell, LS HOST, exit; the login is a line too
+    const Outcome r = listHosts();  // 3 options, select cell, LS HOST, exit; the login is a line too
     EXPECT_TRUE(normal(r));
     EXPECT_GE(r.seconds, 1.0);
     EXPECT_LT(listHosts().seconds, 0.9);
@@ -172,7 +172,7 @@ TEST_F(Faults, ListAndClear)
 {
     arm({"delay", "--seconds", "1"});
     arm({"https"});
-    Outcome const list = h.evasim({"fault", "list"});
+    const Outcome list = h.evasim({"fault", "list"});
     EXPECT_TRUE(list.has("\tdelay\t1\twaits 1 s before each command\n"));
     EXPECT_TRUE(list.has("\thttps\t1\t"));
     EXPECT_EQ(h.evasim({"fault", "clear"}).status, 0);
@@ -184,7 +184,7 @@ TEST_F(Faults, BadFaultArgumentsAreRefusedWithUsage)
 {
     struct Case {
         std::vector<std::string> args;
-        char const *message;
+        const char *message;
     } const cases[] = {
         {{"fault", "flood"}, "unknown fault 'flood'"},
         {{"fault", "silence"}, "--seconds is required"},
@@ -196,12 +196,12 @@ TEST_F(Faults, BadFaultArgumentsAreRefusedWithUsage)
         {{"fault", "https", "--seconds", "1"}, "unknown option --seconds"},
         {{"fault", "banner"}, "--text is required"},
     };
-    for (Case const &c : cases) {
-        Outcome const r = h.evasim(c.args);
+    for (const Case &c : cases) {
+        const Outcome r = h.evasim(c.args);
         EXPECT_EQ(r.status, 2) << c.message;
         EXPECT_NE(r.err.find(c.message), std::string::npos) << r.err;
     }
     EXPECT_EQ(armed(), 0u);
 }
 
-} // namespace
+}  // namespace

@@ -22,23 +22,22 @@ protected:
 
 TEST_F(SssuSession, BannerPromptsAndEchoHaveTheToolsShape)
 {
-    Outcome const r = h.sssu({"ls cell"}, "");
+    const Outcome r = h.sssu({"ls cell"}, "");
     ASSERT_EQ(r.status, 0);
-    std::string const expected =
-        "\n\nSSSU for HP StorageWorks Command View EVA\nVersion: 8.0.2 \nBuild: 080206A\n\n"
-        "NoSystemSelected> set option NOCOMMAND_DELAY\n\n"
-        "NoSystemSelected> set option DISPLAY_WIDTH=200\n\n"
-        "NoSystemSelected> set option ON_ERROR=EXIT_ON_ERROR\n\n"
-        "NoSystemSelected> ls cell\n\nSystems available on this Manager:\nEVA01\nEVA02\n"
-        "NoSystemSelected> exit";
+    std::string const expected = "\n\nSSSU for HP StorageWorks Command View EVA\nVersion: 8.0.2 \nBuild: 080206A\n\n"
+                                 "NoSystemSelected> set option NOCOMMAND_DELAY\n\n"
+                                 "NoSystemSelected> set option DISPLAY_WIDTH=200\n\n"
+                                 "NoSystemSelected> set option ON_ERROR=EXIT_ON_ERROR\n\n"
+                                 "NoSystemSelected> ls cell\n\nSystems available on this Manager:\nEVA01\nEVA02\n"
+                                 "NoSystemSelected> exit";
     EXPECT_EQ(r.out, expected);
 }
 
 TEST_F(SssuSession, PromptCarriesTheSelectedSystemAndScriptWithoutExitEndsWithoutLineFeed)
 {
-    std::string const file = h.script({"select manager cv1 user=admin password=secret", "SELECT SYSTEM EVA02",
-                                       "refresh"});
-    Outcome const r = h.evasim({"FILE", file}); // the two-argument form
+    std::string const file =
+        h.script({"select manager cv1 user=admin password=secret", "SELECT SYSTEM EVA02", "refresh"});
+    const Outcome r = h.evasim({"FILE", file});  // the two-argument form
     ASSERT_EQ(r.status, 0);
     EXPECT_TRUE(r.has("NoSystemSelected> SELECT SYSTEM EVA02\n\nEVA02> refresh\n"));
     std::string const tail = "EVA02> refresh\n";
@@ -48,7 +47,8 @@ TEST_F(SssuSession, PromptCarriesTheSelectedSystemAndScriptWithoutExitEndsWithou
 TEST_F(SssuSession, LoginLineIsNeverEchoedAndAPasswordMayHoldBlanks)
 {
     ASSERT_EQ(h.evasim({"init", "--scenario", Harness::scenario("demo.scn")}).status, 0);
-    Outcome const r = h.sssu({"ls cell"}, "", "select manager cv-west.example.com user=administrator password=two words");
+    const Outcome r =
+        h.sssu({"ls cell"}, "", "select manager cv-west.example.com user=administrator password=two words");
     EXPECT_EQ(r.status, 0);
     EXPECT_FALSE(r.has("password"));
     EXPECT_FALSE(r.has("select manager"));
@@ -58,8 +58,8 @@ TEST_F(SssuSession, LoginLineIsNeverEchoedAndAPasswordMayHoldBlanks)
 TEST_F(SssuSession, FailedLoginsPrintTheConnectionErrorRunNothingElseAndExitZero)
 {
     struct Case {
-        char const *login;
-        char const *why;
+        const char *login;
+        const char *why;
     } const cases[] = {
         {"select manager nosuch user=admin password=secret", "unknown server"},
         {"select manager cv1 user=admin password=wrong", "wrong password"},
@@ -67,10 +67,10 @@ TEST_F(SssuSession, FailedLoginsPrintTheConnectionErrorRunNothingElseAndExitZero
         {"select manager cv2 user=admin password=secret", "unreachable server"},
         {"select manager cv1 password=secret", "no user"},
     };
-    for (Case const &c : cases) {
-        Outcome const r = h.sssu({"ls cell"}, "EVA01", c.login);
+    for (const Case &c : cases) {
+        const Outcome r = h.sssu({"ls cell"}, "EVA01", c.login);
         EXPECT_EQ(r.status, 0) << c.why;
-        std::vector<std::string> const lines = r.lines();
+        const std::vector<std::string> lines = r.lines();
         EXPECT_EQ(lines.back(), "Error opening https connection") << c.why;
         EXPECT_FALSE(r.has("select cell")) << c.why;
         EXPECT_FALSE(r.has("ls cell")) << c.why;
@@ -80,24 +80,25 @@ TEST_F(SssuSession, FailedLoginsPrintTheConnectionErrorRunNothingElseAndExitZero
 TEST_F(SssuSession, WithoutStateNoServerAnswersButTheBannerStillShows)
 {
     ASSERT_EQ(h.evasim({"reset"}).status, 0);
-    Outcome const version = h.sssu({}, "", "");
+    const Outcome version = h.sssu({}, "", "");
     EXPECT_EQ(version.status, 0);
     EXPECT_TRUE(version.has("Version: 8.0.2 \n"));
-    Outcome const login = h.sssu({"ls cell"});
+    const Outcome login = h.sssu({"ls cell"});
     EXPECT_EQ(login.lines().back(), "Error opening https connection");
 }
 
 TEST_F(SssuSession, CommandsBeforeTheirSelectionAreRefused)
 {
-    Outcome const noManager = h.sssu({"ls cell"}, "", "");
+    const Outcome noManager = h.sssu({"ls cell"}, "", "");
     EXPECT_EQ(noManager.status, 1);
     EXPECT_TRUE(noManager.has("\nError: Command not valid until a manager is selected (SELECT MANAGER)"));
 
-    Outcome const noSystem = h.sssu({"ls vdisk"}, "");
+    const Outcome noSystem = h.sssu({"ls vdisk"}, "");
     EXPECT_EQ(noSystem.status, 1);
-    EXPECT_TRUE(noSystem.has("NoSystemSelected> ls vdisk\n\nError: Command not valid until a system is selected (SELECT SYSTEM)"));
+    EXPECT_TRUE(noSystem.has(
+        "NoSystemSelected> ls vdisk\n\nError: Command not valid until a system is selected (SELECT SYSTEM)"));
 
-    Outcome const unknownCell = h.sssu({"ls vdisk"}, "NOSUCH");
+    const Outcome unknownCell = h.sssu({"ls vdisk"}, "NOSUCH");
     EXPECT_EQ(unknownCell.status, 1);
     EXPECT_TRUE(unknownCell.has("Error: NOSUCH not found"));
 }
@@ -105,25 +106,26 @@ TEST_F(SssuSession, CommandsBeforeTheirSelectionAreRefused)
 TEST_F(SssuSession, ACellOfAnotherManagerCannotBeSelected)
 {
     ASSERT_EQ(h.evasim({"init", "--scenario", Harness::scenario("demo.scn")}).status, 0);
-    Outcome const r = h.sssu({"ls vdisk"}, "EVA-WEST", "select manager cv-east.example.com user=administrator password=Secret1");
+    const Outcome r =
+        h.sssu({"ls vdisk"}, "EVA-WEST", "select manager cv-east.example.com user=administrator password=Secret1");
     EXPECT_EQ(r.status, 1);
     EXPECT_TRUE(r.has("Error: EVA-WEST not found"));
 }
 
 TEST_F(SssuSession, OnErrorContinueGoesOnAndExitsZeroExitOnErrorStopsWithOne)
 {
-    std::vector<std::string> const body{"select manager cv1 user=admin password=secret", "select cell EVA01",
+    const std::vector<std::string> body{"select manager cv1 user=admin password=secret", "select cell EVA01",
                                         "delete vdisk nosuch", "ls host", "exit"};
     std::vector<std::string> goOn{"set option ON_ERROR=CONTINUE"};
     goOn.insert(goOn.end(), body.begin(), body.end());
-    Outcome const cont = h.evasim({"FILE " + h.script(goOn)});
+    const Outcome cont = h.evasim({"FILE " + h.script(goOn)});
     EXPECT_EQ(cont.status, 0);
     EXPECT_TRUE(cont.has("Error: nosuch not found"));
     EXPECT_TRUE(cont.has("Hosts available on this Cell:"));
 
     std::vector<std::string> stop{"set option ON_ERROR=EXIT_ON_ERROR"};
     stop.insert(stop.end(), body.begin(), body.end());
-    Outcome const halt = h.evasim({"FILE " + h.script(stop)});
+    const Outcome halt = h.evasim({"FILE " + h.script(stop)});
     EXPECT_EQ(halt.status, 1);
     EXPECT_EQ(halt.lines().back(), "Error: nosuch not found");
     EXPECT_FALSE(halt.has("ls host"));
@@ -131,30 +133,31 @@ TEST_F(SssuSession, OnErrorContinueGoesOnAndExitsZeroExitOnErrorStopsWithOne)
 
 TEST_F(SssuSession, SyntaxErrorPutsACaretUnderTheOffendingWordCountingThePrompt)
 {
-    Outcome const r = h.sssu({"ls vdisk \"d1\" bogus"});
+    const Outcome r = h.sssu({"ls vdisk \"d1\" bogus"});
     EXPECT_EQ(r.status, 1);
-    std::vector<std::string> const l = r.lines();
+    const std::vector<std::string> l = r.lines();
     ASSERT_GE(l.size(), 3u);
     EXPECT_EQ(l[l.size() - 1], "Error: Syntax error at or near here");
     std::string const echo = "EVA01> ls vdisk \"d1\" bogus";
     EXPECT_EQ(l[l.size() - 2], std::string(echo.find("bogus"), ' ') + "^");
 
-    Outcome const verb = h.sssu({"lss vdisk"});
+    const Outcome verb = h.sssu({"lss vdisk"});
     EXPECT_EQ(verb.lines()[verb.lines().size() - 2], std::string(7, ' ') + "^");
 
-    Outcome const quote = h.sssu({"ls vdisk \"open"});
+    const Outcome quote = h.sssu({"ls vdisk \"open"});
     EXPECT_EQ(quote.lines()[quote.lines().size() - 2], std::string(7 + 9, ' ') + "^");
 
-    Outcome const option = h.sssu({"set option ON_ERROR=SOMETIMES"});
+    const Outcome option = h.sssu({"set option ON_ERROR=SOMETIMES"});
     EXPECT_EQ(option.lines()[option.lines().size() - 2], std::string(7 + 11, ' ') + "^");
 }
 
 TEST_F(SssuSession, KeywordsIgnoreCaseAndSynonymsAndSeveralOptionsInOneLineWork)
 {
-    std::string const file = h.script({"SET OPTIONS on_error=continue display_width=120 NOCOMMAND_DELAY command_delay=3",
-                                       "Select Manager cv1 USER=admin PASSWORD=secret", "SeLeCt CeLl \"EVA01\"",
-                                       "Ls VdIsK", "delete vdisk nosuch", "LS HOST", "EXIT"});
-    Outcome const r = h.evasim({"FILE " + file});
+    std::string const file =
+        h.script({"SET OPTIONS on_error=continue display_width=120 NOCOMMAND_DELAY command_delay=3",
+                  "Select Manager cv1 USER=admin PASSWORD=secret", "SeLeCt CeLl \"EVA01\"", "Ls VdIsK",
+                  "delete vdisk nosuch", "LS HOST", "EXIT"});
+    const Outcome r = h.evasim({"FILE " + file});
     EXPECT_EQ(r.status, 0) << "ON_ERROR=CONTINUE from the combined line";
     EXPECT_TRUE(r.has("Vdisks available on this Cell:"));
     EXPECT_TRUE(r.has("Hosts available on this Cell:"));
@@ -162,7 +165,7 @@ TEST_F(SssuSession, KeywordsIgnoreCaseAndSynonymsAndSeveralOptionsInOneLineWork)
 
 TEST_F(SssuSession, AScriptThatCannotBeReadIsAnError)
 {
-    Outcome const r = h.evasim({"FILE " + h.home() + "/missing.txt"});
+    const Outcome r = h.evasim({"FILE " + h.home() + "/missing.txt"});
     EXPECT_EQ(r.status, 1);
     EXPECT_TRUE(r.has("Error: Could not open command file"));
 }
@@ -177,10 +180,10 @@ TEST_F(SssuSession, StateLiesBesideThePathTheProgramWasStartedByUnlessEvasimHome
     FILE *p = ::popen(command.c_str(), "r");
     ASSERT_NE(p, nullptr);
     char buf[4096] = {};
-    size_t const n = std::fread(buf, 1, sizeof buf - 1, p);
+    const size_t n = std::fread(buf, 1, sizeof buf - 1, p);
     ::pclose(p);
     EXPECT_EQ(std::string(buf, n), dir + "/evasim.d/evasim.db\n");
     EXPECT_EQ(h.evasim({"where"}).out, h.home() + "/evasim.db\n");
 }
 
-} // namespace
+}  // namespace

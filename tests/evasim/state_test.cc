@@ -25,14 +25,14 @@ protected:
 TEST_F(State, ChangesOfOneRunAreSeenByTheNext)
 {
     ASSERT_EQ(h.sssu({"ADD SNAPSHOT \"keep\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\""}).status, 0);
-    Outcome const r = h.sssu({"LS VDISK"});
+    const Outcome r = h.sssu({"LS VDISK"});
     EXPECT_TRUE(r.has("\n\\Virtual Disks\\d1\\keep\n"));
 }
 
 TEST_F(State, RefusedCommandsChangeNothing)
 {
     std::string const before = everything();
-    for (char const *command : {
+    for (const char *command : {
              "DELETE VDISK \"\\Virtual Disks\\d1\\ACTIVE\"",
              "ADD SNAPSHOT \"x\" VDISK=\"\\Virtual Disks\\f\\d3\\d3_vsnap000\"",
              "ADD COPY \"x\" VDISK=\"\\Virtual Disks\\f\\d3\\ACTIVE\"",
@@ -43,7 +43,7 @@ TEST_F(State, RefusedCommandsChangeNothing)
              "DELETE LUN \"\\Hosts\\h1\\7\"",
              "SET DR_GROUP \"nosuch\" SUSPEND",
          }) {
-        Outcome const r = h.sssu({command});
+        const Outcome r = h.sssu({command});
         EXPECT_EQ(r.status, 1) << command;
         EXPECT_EQ(everything(), before) << command;
     }
@@ -51,8 +51,8 @@ TEST_F(State, RefusedCommandsChangeNothing)
 
 TEST_F(State, CommandsBeforeAnErrorStayAndThoseAfterItNeverRun)
 {
-    Outcome const r = h.sssu({"ADD SNAPSHOT \"first\" VDISK=\"d1\"", "DELETE VDISK \"nosuch\"",
-                              "ADD SNAPSHOT \"second\" VDISK=\"d1\""});
+    const Outcome r = h.sssu(
+        {"ADD SNAPSHOT \"first\" VDISK=\"d1\"", "DELETE VDISK \"nosuch\"", "ADD SNAPSHOT \"second\" VDISK=\"d1\""});
     EXPECT_EQ(r.status, 1);
     EXPECT_FALSE(h.disk("\\Virtual Disks\\d1\\first").empty());
     EXPECT_TRUE(h.disk("\\Virtual Disks\\d1\\second").empty());
@@ -63,13 +63,13 @@ TEST_F(State, ARunKilledBeforeItsEndChangesNothing)
     // The pause comes in the listing behind the change, so the change has been made in memory.
     std::string const before = everything();
     ASSERT_EQ(h.evasim({"fault", "silence", "--seconds", "5", "--after-line", "20"}).status, 0);
-    Outcome const killed = h.evasim({"FILE " + h.script({"select manager cv1 user=admin password=secret",
-                                                          "select cell EVA01", "ADD SNAPSHOT \"gone\" VDISK=\"d1\"",
-                                                          "LS VDISK FULL", "exit"})},
-                                    [](pid_t pid) {
-                                        std::this_thread::sleep_for(std::chrono::milliseconds(300));
-                                        ::kill(pid, SIGKILL);
-                                    });
+    const Outcome killed =
+        h.evasim({"FILE " + h.script({"select manager cv1 user=admin password=secret", "select cell EVA01",
+                                      "ADD SNAPSHOT \"gone\" VDISK=\"d1\"", "LS VDISK FULL", "exit"})},
+                 [](pid_t pid) {
+                     std::this_thread::sleep_for(std::chrono::milliseconds(300));
+                     ::kill(pid, SIGKILL);
+                 });
     EXPECT_EQ(killed.status, 128 + SIGKILL);
     EXPECT_TRUE(killed.has("EVA01> LS VDISK FULL")) << "the change was made before the kill";
     EXPECT_TRUE(h.disk("\\Virtual Disks\\d1\\gone").empty());
@@ -79,10 +79,11 @@ TEST_F(State, ARunKilledBeforeItsEndChangesNothing)
 TEST_F(State, ConcurrentRunsLeaveTheStateConsistent)
 {
     constexpr int kPerRun = 25;
-    auto script = [](std::string const &tag) {
+    auto script = [](const std::string &tag) {
         std::vector<std::string> commands;
         for (int i = 0; i < kPerRun; ++i) {
-            commands.push_back("ADD SNAPSHOT \"" + tag + std::to_string(i) + "\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\"");
+            commands.push_back("ADD SNAPSHOT \"" + tag + std::to_string(i) +
+                               "\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\"");
             commands.push_back("ADD LUN 0 HOST=\"\\Hosts\\lab\\h2\"  VDISK=\"\\Virtual Disks\\d1\\" + tag +
                                std::to_string(i) + "\" ");
         }
@@ -91,7 +92,7 @@ TEST_F(State, ConcurrentRunsLeaveTheStateConsistent)
     Outcome a, b;
     std::thread first([&] { a = h.sssu(script("a")); });
     std::thread second([&] { b = h.sssu(script("b")); });
-    Outcome const reader = h.evasim({"show", "disks"});
+    const Outcome reader = h.evasim({"show", "disks"});
     first.join();
     second.join();
     ASSERT_EQ(a.status, 0) << a.out;
@@ -100,9 +101,11 @@ TEST_F(State, ConcurrentRunsLeaveTheStateConsistent)
 
     std::set<std::string> luns, wwns;
     int snapshots = 0;
-    for (auto const &d : h.table("disks")) {
+    for (const auto &d : h.table("disks")) {
         EXPECT_TRUE(wwns.insert(d.at("wwlunid")).second) << "duplicate LUN id " << d.at("wwlunid");
-        if (d.at("parent") != "\\Virtual Disks\\d1\\ACTIVE") continue;
+        if (d.at("parent") != "\\Virtual Disks\\d1\\ACTIVE") {
+            continue;
+        }
         ++snapshots;
         luns.insert(d.at("presentations"));
     }
@@ -112,4 +115,4 @@ TEST_F(State, ConcurrentRunsLeaveTheStateConsistent)
     EXPECT_TRUE(luns.count("\\Hosts\\lab\\h2:50"));
 }
 
-} // namespace
+}  // namespace

@@ -21,7 +21,7 @@ using namespace xercesc;
 
 namespace {
 
-std::string text(XMLCh const *x)
+std::string text(const XMLCh *x)
 {
     char *c = XMLString::transcode(x);
     std::string s(c);
@@ -40,36 +40,45 @@ struct Listing {
 void collect(DOMNode *node, std::map<std::string, std::string> &values, std::set<std::string> &names)
 {
     for (DOMNode *c = node->getFirstChild(); c; c = c->getNextSibling()) {
-        if (c->getNodeType() != DOMNode::ELEMENT_NODE) continue;
+        if (c->getNodeType() != DOMNode::ELEMENT_NODE) {
+            continue;
+        }
         std::string const name = text(c->getNodeName());
         names.insert(name);
         bool leaf = true;
-        for (DOMNode *g = c->getFirstChild(); g; g = g->getNextSibling())
+        for (DOMNode *g = c->getFirstChild(); g; g = g->getNextSibling()) {
             leaf = leaf && g->getNodeType() != DOMNode::ELEMENT_NODE;
-        if (leaf && !values.count(name)) values[name] = text(c->getTextContent());
+        }
+        if (leaf && !values.count(name)) {
+            values[name] = text(c->getTextContent());
+        }
         collect(c, values, names);
     }
 }
 
-Listing parse(Outcome const &run)
+Listing parse(const Outcome &run)
 {
     Listing l;
     std::string const doc = evasim_test::xmlDocument(run.lines());
     XercesDOMParser parser;
     HandlerBase errors;
     parser.setErrorHandler(&errors);
-    MemBufInputSource source(reinterpret_cast<XMLByte const *>(doc.data()), doc.size(), "listing");
+    MemBufInputSource source(reinterpret_cast<const XMLByte *>(doc.data()), doc.size(), "listing");
     try {
         parser.parse(source);
-    } catch (SAXParseException const &e) {
+    } catch (const SAXParseException &e) {
         l.error = text(e.getMessage());
         return l;
     }
     DOMDocument *d = parser.getDocument();
-    if (!d || !d->getDocumentElement()) return l;
+    if (!d || !d->getDocumentElement()) {
+        return l;
+    }
     l.wellFormed = true;
     for (DOMNode *o = d->getDocumentElement()->getFirstChild(); o; o = o->getNextSibling()) {
-        if (o->getNodeType() != DOMNode::ELEMENT_NODE) continue;
+        if (o->getNodeType() != DOMNode::ELEMENT_NODE) {
+            continue;
+        }
         std::map<std::string, std::string> values;
         std::set<std::string> names;
         collect(o, values, names);
@@ -85,9 +94,10 @@ protected:
     static void TearDownTestSuite() { XMLPlatformUtils::Terminate(); }
     void SetUp() override { ASSERT_EQ(h.evasim({"init", "--scenario", Harness::scenario("demo.scn")}).status, 0); }
 
-    Listing list(std::string const &command, std::string const &cell = "EVA-EAST")
+    Listing list(const std::string &command, const std::string &cell = "EVA-EAST")
     {
-        Outcome const r = h.sssu({command}, cell, "select manager cv-east.example.com user=administrator password=Secret1");
+        const Outcome r =
+            h.sssu({command}, cell, "select manager cv-east.example.com user=administrator password=Secret1");
         EXPECT_EQ(r.status, 0) << r.out;
         return parse(r);
     }
@@ -97,29 +107,71 @@ protected:
 
 TEST_F(XmlOutput, EveryVdiskObjectCarriesTheElementsTheProviderKnows)
 {
-    Listing const l = list("LS VDISK FULL XML");
+    const Listing l = list("LS VDISK FULL XML");
     ASSERT_TRUE(l.wellFormed) << l.error;
     ASSERT_EQ(l.objects.size(), 6u);
-    std::vector<std::string> const wanted{
-        "objectid", "objectname", "objecttype", "objectwwn", "objecthexuid", "partitionname", "uid",
-        "parentstoragecellinfo", "storagecellname", "storagecellid", "storagecellwwn", "objectparentuid",
-        "objectparenthexuid", "objectparentid", "comments", "creationdatetime", "timestampmodify", "familyname",
-        "wwlunid", "operationalstate", "operationalstatedetail", "allocatedcapacity", "allocatedcapacityblocks",
-        "virtualdisktype", "requestedcapacity", "requestedcapacityblocks", "sharingrelationship",
-        "sharinginformation", "parentvdiskhexuid", "parentvdiskid", "parentvdiskname", "childvdiskhexuid",
-        "childvdiskid", "childvdiskname", "redundancy", "writecacheactual", "writecache", "vdisksecondarystate",
-        "mirrorcache", "readcache", "virtualdiskpresented", "presentations", "writeprotect", "osunitid",
-        "diskgroupname", "diskgroupid", "preferredpath", "drmgroupname", "drmnode", "remotevirtualdiskname"};
+    const std::vector<std::string> wanted{"objectid",
+                                          "objectname",
+                                          "objecttype",
+                                          "objectwwn",
+                                          "objecthexuid",
+                                          "partitionname",
+                                          "uid",
+                                          "parentstoragecellinfo",
+                                          "storagecellname",
+                                          "storagecellid",
+                                          "storagecellwwn",
+                                          "objectparentuid",
+                                          "objectparenthexuid",
+                                          "objectparentid",
+                                          "comments",
+                                          "creationdatetime",
+                                          "timestampmodify",
+                                          "familyname",
+                                          "wwlunid",
+                                          "operationalstate",
+                                          "operationalstatedetail",
+                                          "allocatedcapacity",
+                                          "allocatedcapacityblocks",
+                                          "virtualdisktype",
+                                          "requestedcapacity",
+                                          "requestedcapacityblocks",
+                                          "sharingrelationship",
+                                          "sharinginformation",
+                                          "parentvdiskhexuid",
+                                          "parentvdiskid",
+                                          "parentvdiskname",
+                                          "childvdiskhexuid",
+                                          "childvdiskid",
+                                          "childvdiskname",
+                                          "redundancy",
+                                          "writecacheactual",
+                                          "writecache",
+                                          "vdisksecondarystate",
+                                          "mirrorcache",
+                                          "readcache",
+                                          "virtualdiskpresented",
+                                          "presentations",
+                                          "writeprotect",
+                                          "osunitid",
+                                          "diskgroupname",
+                                          "diskgroupid",
+                                          "preferredpath",
+                                          "drmgroupname",
+                                          "drmnode",
+                                          "remotevirtualdiskname"};
     std::regex const lunId("([0-9a-f]{4}-){7}[0-9a-f]{4}");
     for (size_t i = 0; i < l.objects.size(); ++i) {
-        auto const &o = l.objects[i];
-        for (std::string const &name : wanted) EXPECT_TRUE(l.names[i].count(name)) << name << " in " << o.at("objectname");
+        const auto &o = l.objects[i];
+        for (const std::string &name : wanted) {
+            EXPECT_TRUE(l.names[i].count(name)) << name << " in " << o.at("objectname");
+        }
         EXPECT_TRUE(std::regex_match(o.at("wwlunid"), lunId)) << o.at("wwlunid");
         EXPECT_EQ(o.at("objectname").rfind("\\Virtual Disks\\", 0), 0u);
         EXPECT_EQ(o.at("objecttype"), "virtualdisk");
         EXPECT_EQ(o.at("storagecellwwn"), "5000-1FE1-5000-A9F0");
     }
-    auto const &data = l.objects[3];
+    const auto &data = l.objects[3];
     EXPECT_EQ(data.at("objectname"), "\\Virtual Disks\\Oracle\\ora_data\\ACTIVE");
     EXPECT_EQ(data.at("familyname"), "ora_data");
     EXPECT_EQ(data.at("requestedcapacityblocks"), "209715200");
@@ -129,14 +181,14 @@ TEST_F(XmlOutput, EveryVdiskObjectCarriesTheElementsTheProviderKnows)
     EXPECT_EQ(data.at("drmnode"), "source");
     EXPECT_EQ(data.at("parentvdiskname"), "n/a");
     EXPECT_EQ(data.at("childvdiskname"), "n/a");
-    auto const &snap = l.objects[1];
+    const auto &snap = l.objects[1];
     EXPECT_EQ(snap.at("objectname"), "\\Virtual Disks\\Apps\\app_data\\app_data_snap000");
     EXPECT_EQ(snap.at("parentvdiskname"), "\\Virtual Disks\\Apps\\app_data\\ACTIVE");
 }
 
 TEST_F(XmlOutput, CellHostAndDrGroupObjectsCarryTheirElements)
 {
-    Listing const cell = list("LS CELL \"EVA-EAST\" XML", "");
+    const Listing cell = list("LS CELL \"EVA-EAST\" XML", "");
     ASSERT_TRUE(cell.wellFormed) << cell.error;
     ASSERT_EQ(cell.objects.size(), 1u);
     EXPECT_EQ(cell.objects[0].at("objectname"), "EVA-EAST");
@@ -145,18 +197,19 @@ TEST_F(XmlOutput, CellHostAndDrGroupObjectsCarryTheirElements)
     EXPECT_EQ(cell.objects[0].at("totalstoragespace"), "4096.00");
     EXPECT_EQ(cell.objects[0].at("availablestoragespace"), "3796.00");
 
-    Listing const hosts = list("LS HOST FULL XML");
+    const Listing hosts = list("LS HOST FULL XML");
     ASSERT_TRUE(hosts.wellFormed) << hosts.error;
     ASSERT_EQ(hosts.objects.size(), 3u);
     EXPECT_EQ(hosts.objects[2].at("objectname"), "\\Hosts\\Linux\\dbhost01");
     EXPECT_EQ(hosts.objects[2].at("portwwn"), "1000-0000-C9AA-0001");
 
-    Listing const group = list("LS DR_GROUP \"\\Data Replication\\DRG_Oracle\" XML");
+    const Listing group = list("LS DR_GROUP \"\\Data Replication\\DRG_Oracle\" XML");
     ASSERT_TRUE(group.wellFormed) << group.error;
     ASSERT_EQ(group.objects.size(), 1u);
-    for (char const *name : {"objectname", "operationalstate", "membercondition", "parentstoragecellname", "drmmode",
-                             "member", "link", "scellname", "scellid", "linkstate", "suspendstate"})
+    for (const char *name : {"objectname", "operationalstate", "membercondition", "parentstoragecellname", "drmmode",
+                             "member", "link", "scellname", "scellid", "linkstate", "suspendstate"}) {
         EXPECT_TRUE(group.names[0].count(name)) << name;
+    }
     EXPECT_EQ(group.objects[0].at("objectname"), "\\Data Replication\\DRG_Oracle") << "a member's name comes later";
     EXPECT_EQ(group.objects[0].at("operationalstate"), "good");
     EXPECT_EQ(group.objects[0].at("membercondition"), "normal");
@@ -165,11 +218,11 @@ TEST_F(XmlOutput, CellHostAndDrGroupObjectsCarryTheirElements)
 
 TEST_F(XmlOutput, InformationLinesStandBeforeEachObjectAndCanBeSwitchedOff)
 {
-    Outcome const with = h.sssu({"LS HOST FULL XML"}, "EVA-EAST",
+    const Outcome with = h.sssu({"LS HOST FULL XML"}, "EVA-EAST",
                                 "select manager cv-east.example.com user=administrator password=Secret1");
     EXPECT_TRUE(with.has("\n\\Hosts\\Linux\\apphost02 information:\n<object>\n"));
     ASSERT_EQ(h.evasim({"set", "info_lines=off"}).status, 0);
-    Outcome const without = h.sssu({"LS HOST FULL XML"}, "EVA-EAST",
+    const Outcome without = h.sssu({"LS HOST FULL XML"}, "EVA-EAST",
                                    "select manager cv-east.example.com user=administrator password=Secret1");
     EXPECT_FALSE(without.has("information:"));
     EXPECT_TRUE(without.has("EVA-EAST> LS HOST FULL XML\n\n<object>\n  <objectid>"));
@@ -177,10 +230,10 @@ TEST_F(XmlOutput, InformationLinesStandBeforeEachObjectAndCanBeSwitchedOff)
 
 TEST_F(XmlOutput, NamesWithMarkupCharactersAreEscaped)
 {
-    Outcome const add = h.sssu({"ADD VDISK \"\\Virtual Disks\\R&D <x>\" SIZE=1GB"}, "EVA-EAST",
+    const Outcome add = h.sssu({"ADD VDISK \"\\Virtual Disks\\R&D <x>\" SIZE=1GB"}, "EVA-EAST",
                                "select manager cv-east.example.com user=administrator password=Secret1");
     ASSERT_EQ(add.status, 0) << add.out;
-    Listing const l = list("LS VDISK \"\\Virtual Disks\\R&D <x>\\ACTIVE\" XML");
+    const Listing l = list("LS VDISK \"\\Virtual Disks\\R&D <x>\\ACTIVE\" XML");
     ASSERT_TRUE(l.wellFormed) << l.error;
     EXPECT_EQ(l.objects[0].at("familyname"), "R&D <x>");
 }
@@ -188,10 +241,10 @@ TEST_F(XmlOutput, NamesWithMarkupCharactersAreEscaped)
 TEST_F(XmlOutput, LargeGeneratedListingIsWellFormed)
 {
     ASSERT_EQ(h.evasim({"init", "--cells", "1", "--disks", "300", "--snapshots", "20", "--presented", "30"}).status, 0);
-    Outcome const r = h.sssu({"LS VDISK FULL XML"}, "EVA01", "select manager cv1 user=evasim password=evasim");
-    Listing const l = parse(r);
+    const Outcome r = h.sssu({"LS VDISK FULL XML"}, "EVA01", "select manager cv1 user=evasim password=evasim");
+    const Listing l = parse(r);
     ASSERT_TRUE(l.wellFormed) << l.error;
     EXPECT_EQ(l.objects.size(), 320u);
 }
 
-} // namespace
+}  // namespace

@@ -12,10 +12,10 @@
 
 #include <gtest/gtest.h>
 
-#include "temp_install_root.h"
 #include "cfierrorhandlerbase.h"
 #include "cfierrormanager.h"
 #include "cfitracelog.h"
+#include "temp_install_root.h"
 
 // The command line that runs the test child in a mode, quoted as the SSSU layer quotes.
 inline std::string childCommand(const std::string &arguments)

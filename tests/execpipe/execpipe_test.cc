@@ -4,8 +4,8 @@
 
 #include <fcntl.h>
 #include <pwd.h>
-#include <sys/resource.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cerrno>

@@ -18,8 +18,7 @@ struct Counted : public virtual CFiRefCount {
     ~Counted() override { ++g_destroyed; }
 };
 
-struct Derived : public Counted {
-};
+struct Derived : public Counted {};
 
 class SmartPointer : public ::testing::Test {
 protected:

@@ -19,11 +19,11 @@ constexpr int kSlots = 12;
 // Formats with the destination each conversion needs: 's' a string of the
 // fuzzed size, a digit the byte width of a number.
 struct Known {
-    char const *format;
-    char const *slots;
+    const char *format;
+    const char *slots;
 };
 
-Known const kKnown[] = {
+const Known kKnown[] = {
     {"<SERIALIZED_MESSAGE MSGID=%s SEVERITY=%d>", "s4"},
     {"<ARGVALUE INDEX=%d TYPE=%d>", "44"},
     {"%i%x%o%u%n", "44444"},
@@ -33,7 +33,7 @@ Known const kKnown[] = {
     {"%5s %*s %10[^,], %qx %D%O%k", "ss8444"},
 };
 
-char *copyOf(uint8_t const *data, size_t size)
+char *copyOf(const uint8_t *data, size_t size)
 {
     char *p = static_cast<char *>(std::malloc(size + 1));
     std::memcpy(p, data, size);
@@ -41,71 +41,83 @@ char *copyOf(uint8_t const *data, size_t size)
     return p;
 }
 
-} // namespace
+}  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(uint8_t const *data, size_t size)
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    if (size < 2) return 0;
-    uint8_t const selector = data[0];
-    uint8_t const sizes = data[1];
+    if (size < 2) {
+        return 0;
+    }
+    const uint8_t selector = data[0];
+    const uint8_t sizes = data[1];
     data += 2;
     size -= 2;
 
     char *format;
     char *text;
-    char const *slots = nullptr;
+    const char *slots = nullptr;
     if (selector & 1) {
         // A fuzzed format: at most one storing conversion per '%', so kSlots pairs are enough.
-        uint8_t const *nul = static_cast<uint8_t const *>(std::memchr(data, 0, size));
-        size_t const formatLength = nul ? size_t(nul - data) : size;
+        const uint8_t *nul = static_cast<const uint8_t *>(std::memchr(data, 0, size));
+        const size_t formatLength = nul ? size_t(nul - data) : size;
         format = copyOf(data, formatLength);
-        size_t const rest = nul ? size - formatLength - 1 : 0;
+        const size_t rest = nul ? size - formatLength - 1 : 0;
         text = copyOf(nul ? nul + 1 : data + size, rest);
         int percents = 0;
-        for (char const *p = format; *p; ++p) percents += *p == '%';
+        for (const char *p = format; *p; ++p) {
+            percents += *p == '%';
+        }
         if (percents > kSlots) {
             std::free(format);
             std::free(text);
             return 0;
         }
     } else {
-        Known const &known = kKnown[(selector >> 1) % (sizeof kKnown / sizeof *kKnown)];
-        format = copyOf(reinterpret_cast<uint8_t const *>(known.format), std::strlen(known.format));
+        const Known &known = kKnown[(selector >> 1) % (sizeof kKnown / sizeof *kKnown)];
+        format = copyOf(reinterpret_cast<const uint8_t *>(known.format), std::strlen(known.format));
         text = copyOf(data, size);
         slots = known.slots;
     }
 
     // Strings get 1..16 bytes; destinations of a fuzzed format get at least 8,
     // the most a number stores, whatever size they are told.
-    size_t const known = slots ? std::strlen(slots) : 0;
+    const size_t known = slots ? std::strlen(slots) : 0;
     void *dst[kSlots];
     int dstSize[kSlots];
     for (int k = 0; k < kSlots; ++k) {
-        int const fuzzed = 1 + ((sizes >> (k % 4)) & 15);
-        char const kind = !slots ? 'f' : size_t(k) < known ? slots[k] : '8';
-        if (kind == 's')
+        const int fuzzed = 1 + ((sizes >> (k % 4)) & 15);
+        const char kind = !slots ? 'f' : size_t(k) < known ? slots[k] : '8';
+        if (kind == 's') {
             dstSize[k] = fuzzed;
-        else if (kind == 'f')
+        } else if (kind == 'f') {
             dstSize[k] = fuzzed < 8 ? 8 : fuzzed;
-        else
+        } else {
             dstSize[k] = kind - '0';
+        }
         dst[k] = std::malloc(size_t(dstSize[k]));
     }
 
-    int const n = V_sscanf(text, format, dst[0], dstSize[0], dst[1], dstSize[1], dst[2], dstSize[2],
-                           dst[3], dstSize[3], dst[4], dstSize[4], dst[5], dstSize[5], dst[6],
-                           dstSize[6], dst[7], dstSize[7], dst[8], dstSize[8], dst[9], dstSize[9],
-                           dst[10], dstSize[10], dst[11], dstSize[11]);
-    if (n < -1 || n > kSlots) std::abort();
+    const int n = V_sscanf(text, format, dst[0], dstSize[0], dst[1], dstSize[1], dst[2], dstSize[2], dst[3], dstSize[3],
+                           dst[4], dstSize[4], dst[5], dstSize[5], dst[6], dstSize[6], dst[7], dstSize[7], dst[8],
+                           dstSize[8], dst[9], dstSize[9], dst[10], dstSize[10], dst[11], dstSize[11]);
+    if (n < -1 || n > kSlots) {
+        std::abort();
+    }
 
     char *end = nullptr;
-    int const base = selector % 38 == 1 ? 0 : selector % 38;
+    const int base = selector % 38 == 1 ? 0 : selector % 38;
     V_strtoimax(text, &end, base);
-    if (end < text || end > text + std::strlen(text)) std::abort();
+    if (end < text || end > text + std::strlen(text)) {
+        std::abort();
+    }
     V_strtoumax(text, &end, base);
-    if (end < text || end > text + std::strlen(text)) std::abort();
+    if (end < text || end > text + std::strlen(text)) {
+        std::abort();
+    }
 
-    for (int k = 0; k < kSlots; ++k) std::free(dst[k]);
+    for (int k = 0; k < kSlots; ++k) {
+        std::free(dst[k]);
+    }
     std::free(format);
     std::free(text);
     return 0;

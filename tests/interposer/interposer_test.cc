@@ -42,8 +42,8 @@ public:
             }
         }
     }
-    int importNode(std::wstring node, std::vector<std::wstring> hosts, bool transportable, bool singleHost,
-                   bool deport, int mode) override
+    int importNode(std::wstring node, std::vector<std::wstring> hosts, bool transportable, bool singleHost, bool deport,
+                   int mode) override
     {
         calls.push_back({node, hosts, transportable, singleHost, deport, mode});
         return importResult;
@@ -386,12 +386,8 @@ TEST(Import, ResourceFormsParseTheIdentityAndRouteByFlags)
     };
     const std::vector<Route> routes = {
         {false, 0x4 | 0x1, 4, false, false},  // not provided comes first
-        {false, 0x1 | 0x2, 11, true, false},
-        {false, 0x2, 11, true, true},
-        {false, 0x8, 6, false, false},
-        {true, 0x10 | 0x20, 11, true, true},
-        {true, 0x20, 11, true, false},
-        {true, 0x40, 4, false, false},
+        {false, 0x1 | 0x2, 11, true, false},   {false, 0x2, 11, true, true},  {false, 0x8, 6, false, false},
+        {true, 0x10 | 0x20, 11, true, true},   {true, 0x20, 11, true, false}, {true, 0x40, 4, false, false},
         {true, 0x400 | 0x10, 0, false, false},  // parsed, then nothing done
         {true, 0x8, 0, false, false},
     };

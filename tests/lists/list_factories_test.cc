@@ -21,7 +21,9 @@ TEST(ListFactory, NothingAddedLeavesAnEmptyListAndTheCountAlone)
 {
     auto *out = reinterpret_cast<qrn_node_list *>(0x1);
     int32_t count = 5;
-    { CFiNodeListFactory factory(&out, &count); }
+    {
+        CFiNodeListFactory factory(&out, &count);
+    }
     EXPECT_EQ(out, nullptr);
     EXPECT_EQ(count, 5);
 }
@@ -150,8 +152,7 @@ TEST(ListItems, NodeGetsAnIdentifierOfItsUdidAndWidenedTexts)
     qrn_node_list *out = nullptr;
     {
         CFiNodeListFactory factory(&out, nullptr);
-        CFiNode node(L"tamlin", "\\Virtual Disks\\d\xC3\xBC\\ACTIVE", "UDID##HP##HSV##5000##6000", 1ULL << 33, 7, 8,
-                     9);
+        CFiNode node(L"tamlin", "\\Virtual Disks\\d\xC3\xBC\\ACTIVE", "UDID##HP##HSV##5000##6000", 1ULL << 33, 7, 8, 9);
         factory.add(node);
         CFiNode empty(nullptr, nullptr, nullptr, 0, 0, 0, 0);
         factory.add(empty);

@@ -11,9 +11,8 @@ using namespace qorin_pdk_4_4;
 
 TEST(ObjctlParse, InputsInOrderWithValuesTakenLiterally)
 {
-    CFiObjctlArgs args(
-        L"<OBJCTL_ARG_LIST> <OBJCTL_INPUT arg=size value=\"10\" type=int /> "
-        L"<OBJCTL_INPUT arg=name value=a=b type=string /> </OBJCTL_ARG_LIST>");
+    CFiObjctlArgs args(L"<OBJCTL_ARG_LIST> <OBJCTL_INPUT arg=size value=\"10\" type=int /> "
+                       L"<OBJCTL_INPUT arg=name value=a=b type=string /> </OBJCTL_ARG_LIST>");
     ASSERT_EQ(args.inputs().size(), 2u);
     EXPECT_EQ(args.inputs()[0].name, L"size");
     EXPECT_EQ(args.inputs()[0].value, L"\"10\"") << "quotes stay part of the value";
@@ -32,7 +31,8 @@ TEST(ObjctlParse, AWrongTokenEndsTheParseAndKeepsWhatWasRead)
     EXPECT_TRUE(CFiObjctlArgs(L"").inputs().empty());
 
     // An input whose "/>" is missing is kept; the parse stops behind it.
-    CFiObjctlArgs noClose(L"<OBJCTL_ARG_LIST> <OBJCTL_INPUT arg=a value=1 type=t <OBJCTL_INPUT arg=b value=2 type=t />");
+    CFiObjctlArgs noClose(
+        L"<OBJCTL_ARG_LIST> <OBJCTL_INPUT arg=a value=1 type=t <OBJCTL_INPUT arg=b value=2 type=t />");
     ASSERT_EQ(noClose.inputs().size(), 1u);
     EXPECT_EQ(noClose.inputs()[0].name, L"a");
 
@@ -60,8 +60,20 @@ TEST(ObjctlXml, OnlyOutputsAreWrittenBack)
 TEST(ObjctlRandomInput, NeverCrashesAndInputsHaveNoBlanks)
 {
     // Tokens of the grammar mixed with noise, so that random texts get deep into the parse.
-    const std::wstring pieces[] = {L"<OBJCTL_ARG_LIST>", L"</OBJCTL_ARG_LIST>", L"<OBJCTL_INPUT", L"arg", L"value",
-                                   L"type", L"=", L" ", L"  ", L"/>", L"x", L"\u00FC", L"\t", L"=="};
+    const std::wstring pieces[] = {L"<OBJCTL_ARG_LIST>",
+                                   L"</OBJCTL_ARG_LIST>",
+                                   L"<OBJCTL_INPUT",
+                                   L"arg",
+                                   L"value",
+                                   L"type",
+                                   L"=",
+                                   L" ",
+                                   L"  ",
+                                   L"/>",
+                                   L"x",
+                                   L"\u00FC",
+                                   L"\t",
+                                   L"=="};
     std::mt19937 rng(20240611);
     for (int round = 0; round < 20000; ++round) {
         std::wstring text;

@@ -188,11 +188,10 @@ TEST(PluginErrors, APushedMessageIsReadOnItsThreadOnlyUntilDeleted)
     qrn_msg_info *info = nullptr;
     EXPECT_EQ(plugin->getLastError(&info), 0);
     ASSERT_NE(info, nullptr);
-    EXPECT_EQ(std::string(info->text, info->length),
-              "<SERIALIZED_MESSAGE MSGID=MSG_ERROR_CLI_NOT_FOUND SEVERITY=2>\n"
-              "\t<ARGVALUE INDEX=0 TYPE=3>/opt/HP/SSSU/sssu</ARGVALUE>\n"
-              "\t<ARGVALUE INDEX=1 TYPE=2>2</ARGVALUE>\n"
-              "</SERIALIZED_MESSAGE>\n");
+    EXPECT_EQ(std::string(info->text, info->length), "<SERIALIZED_MESSAGE MSGID=MSG_ERROR_CLI_NOT_FOUND SEVERITY=2>\n"
+                                                     "\t<ARGVALUE INDEX=0 TYPE=3>/opt/HP/SSSU/sssu</ARGVALUE>\n"
+                                                     "\t<ARGVALUE INDEX=1 TYPE=2>2</ARGVALUE>\n"
+                                                     "</SERIALIZED_MESSAGE>\n");
 
     qrn_msg_info *elsewhere = reinterpret_cast<qrn_msg_info *>(0x1);
     std::thread([&] { plugin->getLastError(&elsewhere); }).join();

@@ -40,12 +40,11 @@ TEST(Serialize, OneHeaderOneLinePerArgumentAndAnEnd)
     CFiIcuMessage message = threeKinds();
     const qrn_msg_info *info = message.serialize();
     ASSERT_NE(info, nullptr);
-    EXPECT_EQ(textOf(info),
-              "<SERIALIZED_MESSAGE MSGID=MSG_ERROR_VERSION_CHECK SEVERITY=3>\n"
-              "\t<ARGVALUE INDEX=0 TYPE=3>disk \xC3\xBC</ARGVALUE>\n"
-              "\t<ARGVALUE INDEX=1 TYPE=2>-42</ARGVALUE>\n"
-              "\t<ARGVALUE INDEX=2 TYPE=1>2.5</ARGVALUE>\n"
-              "</SERIALIZED_MESSAGE>\n");
+    EXPECT_EQ(textOf(info), "<SERIALIZED_MESSAGE MSGID=MSG_ERROR_VERSION_CHECK SEVERITY=3>\n"
+                            "\t<ARGVALUE INDEX=0 TYPE=3>disk \xC3\xBC</ARGVALUE>\n"
+                            "\t<ARGVALUE INDEX=1 TYPE=2>-42</ARGVALUE>\n"
+                            "\t<ARGVALUE INDEX=2 TYPE=1>2.5</ARGVALUE>\n"
+                            "</SERIALIZED_MESSAGE>\n");
     EXPECT_EQ(info->text[info->length], '\0');
     EXPECT_EQ(message.serialize(), info) << "the record is the message's own";
 }
@@ -161,7 +160,8 @@ TEST(Deserialize, KeysAreCutAtTheirBuffer)
 TEST(FormatMessage, FillsThePatternOrGivesItBackUnchanged)
 {
     CFiIcuMessage message = threeKinds();
-    EXPECT_EQ(message.formatMessage(L"{0}: {1} after {2} tries \U0001F600"), L"disk \u00FC: -42 after 2.5 tries \U0001F600");
+    EXPECT_EQ(message.formatMessage(L"{0}: {1} after {2} tries \U0001F600"),
+              L"disk \u00FC: -42 after 2.5 tries \U0001F600");
     EXPECT_EQ(message.formatMessage(L"no placeholders"), L"no placeholders");
     EXPECT_EQ(message.formatMessage(L"broken {0"), L"broken {0");
     CFiIcuMessage none("K", nullptr, 0, 3, "f", 1);
@@ -170,9 +170,23 @@ TEST(FormatMessage, FillsThePatternOrGivesItBackUnchanged)
 
 TEST(RandomInput, DeserializeSurvivesArbitraryBytes)
 {
-    const std::string pieces[] = {"<SERIALIZED_MESSAGE MSGID=", " SEVERITY=", "<ARGVALUE INDEX=", " TYPE=", ">",
-                                  "<", "</ARGVALUE>", "</SERIALIZED_MESSAGE>", "3", "2", "-1", "999999999999",
-                                  "1e308", "\n", "\t", "\xC3", "\xFF"};
+    const std::string pieces[] = {"<SERIALIZED_MESSAGE MSGID=",
+                                  " SEVERITY=",
+                                  "<ARGVALUE INDEX=",
+                                  " TYPE=",
+                                  ">",
+                                  "<",
+                                  "</ARGVALUE>",
+                                  "</SERIALIZED_MESSAGE>",
+                                  "3",
+                                  "2",
+                                  "-1",
+                                  "999999999999",
+                                  "1e308",
+                                  "\n",
+                                  "\t",
+                                  "\xC3",
+                                  "\xFF"};
     std::mt19937 rng(4711);
     for (int round = 0; round < 20000; ++round) {
         std::string text;

@@ -156,9 +156,8 @@ TEST(PrivateData, NodeStateIsThreeTaggedLinesCountedWithTheTerminator)
     data.setSessionId("sess-7");
     qrn_blob blob = {0, nullptr, 0};
     ASSERT_EQ(data.getNodeState(&blob), 0);
-    const std::wstring expected =
-        L"<NODE_NAME>UDID##HP##HSV##C##\u00C41</NODE_NAME>\n<IS_ALT_NODE>true</IS_ALT_NODE>\n"
-        L"<SESSION_ID>sess-7</SESSION_ID>\n";
+    const std::wstring expected = L"<NODE_NAME>UDID##HP##HSV##C##\u00C41</NODE_NAME>\n<IS_ALT_NODE>true</IS_ALT_NODE>\n"
+                                  L"<SESSION_ID>sess-7</SESSION_ID>\n";
     ASSERT_NE(blob.data, nullptr);
     EXPECT_EQ(std::wstring(static_cast<wchar_t *>(blob.data)), expected);
     EXPECT_EQ(blob.length, (expected.size() + 1) * sizeof(wchar_t));

@@ -24,8 +24,7 @@ namespace {
 // Collects every element's text through the base class's appending buffer.
 class TextCollector : public CFiSaxParseHandler {
 public:
-    void startElement(const XMLCh *const, const XMLCh *const, const XMLCh *const,
-                      const xercesc::Attributes &) override
+    void startElement(const XMLCh *const, const XMLCh *const, const XMLCh *const, const xercesc::Attributes &) override
     {
         m_text.clear();
     }
@@ -47,18 +46,28 @@ std::string vdiskObject(const std::string &name, const std::string &type, const 
                         const std::string &blocks, const std::string &presentations)
 {
     return "<object>\n"
-           "  <objectname>" + name + "</objectname>\n"
-           "  <objecttype>" + type + "</objecttype>\n"
+           "  <objectname>" +
+           name +
+           "</objectname>\n"
+           "  <objecttype>" +
+           type +
+           "</objecttype>\n"
            "  <objectwwn>6005-0000-0000-0000</objectwwn>\n"
            "  <familyname>fam</familyname>\n"
-           "  <wwlunid>" + wwn + "</wwlunid>\n"
-           "  <requestedcapacityblocks>" + blocks + "</requestedcapacityblocks>\n"
+           "  <wwlunid>" +
+           wwn +
+           "</wwlunid>\n"
+           "  <requestedcapacityblocks>" +
+           blocks +
+           "</requestedcapacityblocks>\n"
            "  <sharingrelationship>none</sharingrelationship>\n"
            "  <sharinginformation>\n"
            "    <parentvdiskname>n/a</parentvdiskname>\n"
            "    <childvdiskname>n/a</childvdiskname>\n"
            "  </sharinginformation>\n"
-           "  <presentations>" + presentations + "</presentations>\n"
+           "  <presentations>" +
+           presentations +
+           "</presentations>\n"
            "</object>";
 }
 
@@ -185,11 +194,11 @@ TEST(MassageOutput, KeepsOnlyTheObjectsInOneRoot)
 
 TEST(MassageOutput, LeavesTextWithoutAUsableObjectEnd)
 {
-    std::vector<std::string> none = {"Error: something", "EVA01> exit", "x information: y", "information:",
+    std::vector<std::string> none = {"Error: something",  "EVA01> exit",    "x information: y", "information:",
                                      "a:b information:c", "informatio: n:", "information"};
     CHpEvaCliTool::massageOutput(none);
-    EXPECT_EQ(none, (std::vector<std::string>{"Error: something", "EVA01> exit", "", "", "", "informatio: n:",
-                                              "information"}));
+    EXPECT_EQ(none, (std::vector<std::string>{"Error: something", "EVA01> exit", "", "", "",
+                                              "informatio: n:", "information"}));
 
     std::vector<std::string> first = {"<object><a>1</a></object>", "EVA01> exit"};
     CHpEvaCliTool::massageOutput(first);
@@ -319,8 +328,8 @@ TEST(CellHandler, ReadsSpaceInBytesAndTheCellsOwnName)
     parseMassaged({"", "EVA01 information:", "<object>", "  <objectname>EVA \xC3\xA9st</objectname>",
                    "  <objectwwn>5000-1FE1-5000-0001</objectwwn>", "  <firmwareversion>6220</firmwareversion>",
                    "  <totalstoragespace>1.5</totalstoragespace>",
-                   "  <availablestoragespace>981.50</availablestoragespace>", "  <comments></comments>",
-                   "</object>", "NoSystemSelected> exit"},
+                   "  <availablestoragespace>981.50</availablestoragespace>", "  <comments></comments>", "</object>",
+                   "NoSystemSelected> exit"},
                   handler);
     const SHpEvaCell cell = handler.getCell();
     EXPECT_EQ(cell.cellname, L"EVA \u00e9st");
@@ -352,8 +361,7 @@ TEST(HostHandler, NamesBelowHostsPortsPerObjectAndAMissingPathRepeatsTheName)
 TEST(DrGroupHandler, MembersAndLinksKeepToThemselves)
 {
     CHpEvaLsDrGroupHandler handler;
-    parseMassaged({"<object>",
-                   "<members><member><objectname>\\Virtual Disks\\f\\d2\\ACTIVE</objectname>",
+    parseMassaged({"<object>", "<members><member><objectname>\\Virtual Disks\\f\\d2\\ACTIVE</objectname>",
                    "<remotevirtualdiskname>\\Virtual Disks\\r\\d2\\ACTIVE</remotevirtualdiskname></member></members>",
                    "<objectname>\\Data Replication\\DRG1</objectname>",
                    "<operationalstate>good</operationalstate><membercondition>normal</membercondition>",

@@ -159,8 +159,8 @@ TEST(QorinBuilders, NodeListKeepsTheIdentifierAndCopiesTextsLinksAt48)
 TEST(QorinBuilders, EnclosureListCopiesTextsLinksAt64)
 {
     wchar_t cellName[] = L"EVA-1";
-    qrn_enclosure_node_list *rec = qorin_build_enclosure_list_node(cellName, L"tamlin", L"5000-1FE1", L"HP", L"HSV",
-                                                                   100, 200, 7);
+    qrn_enclosure_node_list *rec =
+        qorin_build_enclosure_list_node(cellName, L"tamlin", L"5000-1FE1", L"HP", L"HSV", 100, 200, 7);
     ASSERT_NE(rec, nullptr);
     cellName[0] = L'X';
     EXPECT_STREQ(rec->name, L"EVA-1");
@@ -262,7 +262,8 @@ TEST(QorinSettings, ConsumerAndCredentialBlobAreWidenedFromUtf8)
 
 TEST(QorinSettings, MalformedUtf8IsReplacedNotDropped)
 {
-    ScopedEnv env("QORIN_CONSUMER", "a\xff" "b");
+    ScopedEnv env("QORIN_CONSUMER", "a\xff"
+                                    "b");
     wchar_t *consumer = nullptr;
     qorin_get_consumer_name(&consumer);
     ASSERT_NE(consumer, nullptr);

@@ -95,8 +95,8 @@ TEST_F(ExecSSSU, TwoArgumentsAMaskedOutputAndNoPasswordInTheTrace)
     EXPECT_EQ(site.argv(1), "FILE " + scriptPath + "\n") << "one argument after the tool";
     EXPECT_NE(site.script(1).find("password=s3cret word\nLS CELL\nexit\n"), std::string::npos);
     EXPECT_EQ(lines, (std::vector<std::string>{"", "", "SSSU for HP StorageWorks Command View EVA",
-                                               "NoSystemSelected> select manager cv1 user=admin password=********",
-                                               "", "NoSystemSelected> LS CELL", "", "cell1"}));
+                                               "NoSystemSelected> select manager cv1 user=admin password=********", "",
+                                               "NoSystemSelected> LS CELL", "", "cell1"}));
     EXPECT_TRUE(recorder->traced("Command going to execute is :[\"" + std::string(SSSU_STANDIN) + "\"  \"FILE " +
                                  scriptPath + "\"]"));
     EXPECT_TRUE(recorder->traced("execSSSU : Got the lock ."));
@@ -157,8 +157,7 @@ TEST_F(ExecSSSU, StatusAndErrorLinesDecideTogether)
         {"", 3, Row::NO_DATA, ""},
         {"fine\n", 0, Row::OK, ""},
         {"x\nError: Deletion completed\n", 1, Row::OK, ""},
-        {"Error: Deletion completed\nError: Virtual disk busy\n", 1, Row::COMMAND_FAILED,
-         "Error: Virtual disk busy"},
+        {"Error: Deletion completed\nError: Virtual disk busy\n", 1, Row::COMMAND_FAILED, "Error: Virtual disk busy"},
         {"Error: Virtual disk busy\n", 0, Row::COMMAND_FAILED, "Error: Virtual disk busy"},
         {"no error text\n", 1, Row::PIPE, ""},
     };

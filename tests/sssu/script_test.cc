@@ -73,13 +73,12 @@ TEST_F(ScriptFile, LoginCellAndCommandsAsTheyStand)
 {
     std::vector<ACE_WString> commands{L"ls cell", L"ls  vdisk \"\\Virtual Disks\\a b\\ACTIVE\" xml", L"refresh"};
     CHpEvaCommandTempFile file(credential(L"cv1.example.com", L"admin", L"pa ss wörd"), commands, L"Cell One");
-    EXPECT_EQ(text(file), kPrelude +
-                              "select manager cv1.example.com user=admin password=pa ss wörd\n"
-                              "select cell \"Cell One\"\n"
-                              "ls cell\n"
-                              "ls  vdisk \"\\Virtual Disks\\a b\\ACTIVE\" xml\n"
-                              "refresh\n"
-                              "exit\n");
+    EXPECT_EQ(text(file), kPrelude + "select manager cv1.example.com user=admin password=pa ss wörd\n"
+                                     "select cell \"Cell One\"\n"
+                                     "ls cell\n"
+                                     "ls  vdisk \"\\Virtual Disks\\a b\\ACTIVE\" xml\n"
+                                     "refresh\n"
+                                     "exit\n");
     EXPECT_TRUE(recorder->traced("select cell [Cell One]."));
     EXPECT_TRUE(recorder->traced("Command: [refresh]."));
     EXPECT_FALSE(recorder->traced("wörd")) << "the password never reaches the trace";

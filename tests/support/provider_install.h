@@ -42,8 +42,9 @@ public:
 
     // scenario: a path, or a file name below tools/evasim/scenarios/.
     explicit ProviderInstall(const std::vector<Login> &logins = {{"cv1", "admin", "secret"}},
-                             const std::string &scenario = "small.scn", int traceLevel = 6)
-        : m_logins(logins), m_traceLevel(traceLevel)
+                             const std::string &scenario = "small.scn", int traceLevel = 6) :
+        m_logins(logins),
+        m_traceLevel(traceLevel)
     {
         m_root.installMessages();
         m_sssuDir = m_root.path("sssu/");

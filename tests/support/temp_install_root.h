@@ -109,8 +109,9 @@ public:
         std::filesystem::path from = std::filesystem::path(build != nullptr ? build : ".") / "Messages" / "libtamlin";
         std::error_code error;
         std::filesystem::create_directories(path("Messages/libtamlin"), error);
-        std::filesystem::copy(from, path("Messages/libtamlin"), std::filesystem::copy_options::overwrite_existing | std::filesystem::copy_options::recursive,
-                              error);
+        std::filesystem::copy(
+            from, path("Messages/libtamlin"),
+            std::filesystem::copy_options::overwrite_existing | std::filesystem::copy_options::recursive, error);
         return !error && exists("Messages/libtamlin/root.res");
     }
 

@@ -14,7 +14,8 @@ using namespace qorin_pdk_4_4;
 using T = CFiStringTool;
 
 // U+00FC, U+00DF, U+1F600: two, two and four bytes of UTF-8; one wchar_t each.
-static const std::string kUtf8 = "gr\xC3\xBC\xC3\x9F" "e \xF0\x9F\x98\x80";
+static const std::string kUtf8 = "gr\xC3\xBC\xC3\x9F"
+                                 "e \xF0\x9F\x98\x80";
 static const std::wstring kWide = L"gr\u00FC\u00DFe \U0001F600";
 
 TEST(TextConversion, Utf8AndUtf32RoundTripOneWideCharacterPerCodePoint)
@@ -32,7 +33,10 @@ TEST(TextConversion, Utf8AndUtf32RoundTripOneWideCharacterPerCodePoint)
 TEST(TextConversion, IllFormedTextBecomesReplacementCharactersNotGarbage)
 {
     // A lone continuation byte, a truncated sequence and an overlong encoding of '/'.
-    std::wstring wide = T::str2wstr(std::string("a\x80" "b\xE2\x82" "c\xC0\xAF", 8));
+    std::wstring wide = T::str2wstr(std::string("a\x80"
+                                                "b\xE2\x82"
+                                                "c\xC0\xAF",
+                                                8));
     ASSERT_FALSE(wide.empty());
     EXPECT_EQ(wide.front(), L'a');
     EXPECT_EQ(wide.back(), L'\uFFFD');
@@ -186,7 +190,9 @@ TEST(Searching, DigitsAddressesAndCase)
     EXPECT_FALSE(T::CompareNoCase(std::string("a-1"), std::string("A_1")));
     EXPECT_FALSE(T::CompareNoCase(std::string("ab"), std::string("abc")));
     EXPECT_TRUE(T::CompareNoCase(std::wstring(L"\u00E9mile"), std::wstring(L"\u00C9MILE")));
-    EXPECT_EQ(T::tostrupper(kUtf8), "GR\xC3\xBC\xC3\x9F" "E \xF0\x9F\x98\x80") << "UTF-8 bytes stay intact";
+    EXPECT_EQ(T::tostrupper(kUtf8), "GR\xC3\xBC\xC3\x9F"
+                                    "E \xF0\x9F\x98\x80")
+        << "UTF-8 bytes stay intact";
     EXPECT_EQ(T::tostrlower(std::string("WWN-5000")), "wwn-5000");
     EXPECT_EQ(T::tostrupper(std::wstring(L"\u00FCx")), L"\u00DCX");
     EXPECT_EQ(T::tostrlower(std::wstring(L"\u00C9A")), L"\u00E9a");

@@ -185,12 +185,11 @@ TEST(TraceLog, LevelSixWritesTheDatedFileWithEveryLevel)
         failing.setResult(29, "version");
     }
 
-    EXPECT_EQ(texts(root), (std::vector<std::string>{"level 1", "level 2", "level 3", "level 4", "level 5",
-                                                     "level 6", "", "ends in a line feed",
-                                                     "Entering Function qorin_pdk_4_4::CFiFoo::bar",
-                                                     "Entering Function CHpEvaCliTool::baz",
-                                                     "Exiting Function CHpEvaCliTool::baz [29, version]",
-                                                     "Exiting Function qorin_pdk_4_4::CFiFoo::bar"}));
+    EXPECT_EQ(texts(root),
+              (std::vector<std::string>{
+                  "level 1", "level 2", "level 3", "level 4", "level 5", "level 6", "", "ends in a line feed",
+                  "Entering Function qorin_pdk_4_4::CFiFoo::bar", "Entering Function CHpEvaCliTool::baz",
+                  "Exiting Function CHpEvaCliTool::baz [29, version]", "Exiting Function qorin_pdk_4_4::CFiFoo::bar"}));
     // A text that ends in a line feed keeps it: an empty line follows.
     std::vector<std::string> all = lines(root.readFile(logName()));
     ASSERT_EQ(all.size(), 13u);

@@ -25,7 +25,7 @@ namespace evasim {
 
 namespace {
 
-char const *const kInitHelp = R"(Usage: evasim init [--scenario FILE] [generation options] [--set KEY=VALUE]...
+const char *const kInitHelp = R"(Usage: evasim init [--scenario FILE] [generation options] [--set KEY=VALUE]...
 
 Replaces the simulated world with a new one, and resets the settings and faults.
 
@@ -42,7 +42,7 @@ Replaces the simulated world with a new one, and resets the settings and faults.
 Without --scenario a world is generated from the numbers.
 )";
 
-char const *const kShowHelp = R"(Usage: evasim show [WHAT] [--cell NAME] [--format table|tsv]
+const char *const kShowHelp = R"(Usage: evasim show [WHAT] [--cell NAME] [--format table|tsv]
 
 Prints the simulated world. WHAT is one of servers, cells, diskgroups, disks, hosts,
 presentations, drgroups, faults, settings, or all (the default).
@@ -51,7 +51,7 @@ presentations, drgroups, faults, settings, or all (the default).
   --format tsv      tab-separated rows with a header line, for scripts and tests
 )";
 
-char const *const kFaultHelp = R"(Usage: evasim fault KIND [options] [--count N]
+const char *const kFaultHelp = R"(Usage: evasim fault KIND [options] [--count N]
        evasim fault list | clear
 
 Arms a fault for the next N uses (--count, default 1). Per-run faults are used by every run that
@@ -76,49 +76,54 @@ starts; the others when they hit.
   clear                         disarm all faults
 )";
 
-char const *const kSetHelp = R"(Usage: evasim set [KEY=VALUE]...
+const char *const kSetHelp = R"(Usage: evasim set [KEY=VALUE]...
 
 Changes settings of the simulator; without arguments prints them.
 )";
 
-char const *const kResetHelp = R"(Usage: evasim reset
+const char *const kResetHelp = R"(Usage: evasim reset
 
 Removes the state file: the simulator then behaves as SSSU that reaches no server.
 )";
 
-char const *const kWhereHelp = R"(Usage: evasim where
+const char *const kWhereHelp = R"(Usage: evasim where
 
 Prints the path of the state file: $EVASIM_HOME/evasim.db, else evasim.d/evasim.db in the
 directory of the path the program was started by.
 )";
 
-bool wantsHelp(std::vector<std::string> const &args)
+bool wantsHelp(const std::vector<std::string> &args)
 {
-    for (std::string const &a : args)
-        if (a == "--help" || a == "-h") return true;
+    for (const std::string &a : args) {
+        if (a == "--help" || a == "-h") {
+            return true;
+        }
+    }
     return false;
 }
 
 // Splits "--name value" pairs; a value is required for every option but the flags listed.
-bool options(std::vector<std::string> const &args, size_t from, std::vector<std::string> const &known,
+bool options(const std::vector<std::string> &args, size_t from, const std::vector<std::string> &known,
              std::multimap<std::string, std::string> &out, std::vector<std::string> &words, std::string &error)
 {
     for (size_t i = from; i < args.size(); ++i) {
-        std::string const &a = args[i];
+        const std::string &a = args[i];
         if (a.rfind("--", 0) != 0) {
             words.push_back(a);
             continue;
         }
         std::string name = a.substr(2), value;
         bool inlineValue = false;
-        size_t const eq = name.find('=');
+        const size_t eq = name.find('=');
         if (eq != std::string::npos) {
             value = name.substr(eq + 1);
             name = name.substr(0, eq);
             inlineValue = true;
         }
         bool found = false;
-        for (std::string const &k : known) found = found || k == name;
+        for (const std::string &k : known) {
+            found = found || k == name;
+        }
         if (!found) {
             error = "unknown option --" + name;
             return false;
@@ -135,10 +140,12 @@ bool options(std::vector<std::string> const &args, size_t from, std::vector<std:
     return true;
 }
 
-bool number(std::multimap<std::string, std::string> const &o, char const *name, long long &value, std::string &error)
+bool number(const std::multimap<std::string, std::string> &o, const char *name, long long &value, std::string &error)
 {
     auto it = o.find(name);
-    if (it == o.end()) return true;
+    if (it == o.end()) {
+        return true;
+    }
     if (!parseInt(it->second, value)) {
         error = std::string("--") + name + " needs a whole number, not '" + it->second + "'";
         return false;
@@ -146,7 +153,7 @@ bool number(std::multimap<std::string, std::string> const &o, char const *name, 
     return true;
 }
 
-bool seconds(std::multimap<std::string, std::string> const &o, double &value, std::string &error)
+bool seconds(const std::multimap<std::string, std::string> &o, double &value, std::string &error)
 {
     auto it = o.find("seconds");
     if (it == o.end()) {
@@ -165,17 +172,19 @@ bool seconds(std::multimap<std::string, std::string> const &o, double &value, st
 std::string presentationsOf(World &world, int64_t disk)
 {
     std::vector<std::string> parts;
-    for (LunRec const *l : world.lunsOfDisk(disk)) {
-        HostRec const *h = world.hosts.find(l->host);
+    for (const LunRec *l : world.lunsOfDisk(disk)) {
+        const HostRec *h = world.hosts.find(l->host);
         parts.push_back((h ? h->path : "?") + ":" + std::to_string(l->lun));
     }
     return join(parts, ",");
 }
 
-} // namespace
+}  // namespace
 
-AdminCli::AdminCli(std::string database, std::ostream &out, std::ostream &err)
-    : m_database(std::move(database)), m_out(out), m_err(err)
+AdminCli::AdminCli(std::string database, std::ostream &out, std::ostream &err) :
+    m_database(std::move(database)),
+    m_out(out),
+    m_err(err)
 {
 }
 
@@ -197,7 +206,7 @@ The state lies in $EVASIM_HOME/evasim.db, else in evasim.d/ beside the program.
 )";
 }
 
-int AdminCli::bad(std::string const &command, std::string const &message)
+int AdminCli::bad(const std::string &command, const std::string &message)
 {
     m_err << "evasim " << command << ": " << message << "\n"
           << "Try 'evasim " << command << " --help'.\n";
@@ -206,34 +215,46 @@ int AdminCli::bad(std::string const &command, std::string const &message)
 
 bool AdminCli::stateExists() const
 {
-    struct stat st{};
+    struct stat st {};
     return ::stat(m_database.c_str(), &st) == 0;
 }
 
-int AdminCli::run(std::vector<std::string> const &args)
+int AdminCli::run(const std::vector<std::string> &args)
 {
     if (args.empty()) {
         m_err << usage();
         return 2;
     }
-    std::string const &command = args[0];
-    std::vector<std::string> const rest(args.begin() + 1, args.end());
+    const std::string &command = args[0];
+    const std::vector<std::string> rest(args.begin() + 1, args.end());
     if (command == "--help" || command == "-h" || command == "help") {
         m_out << usage();
         return 0;
     }
     try {
-        if (command == "init") return init(rest);
-        if (command == "show") return show(rest);
-        if (command == "fault") return fault(rest);
-        if (command == "set") return set(rest);
-        if (command == "reset") return reset(rest);
-        if (command == "where") return where(rest);
+        if (command == "init") {
+            return init(rest);
+        }
+        if (command == "show") {
+            return show(rest);
+        }
+        if (command == "fault") {
+            return fault(rest);
+        }
+        if (command == "set") {
+            return set(rest);
+        }
+        if (command == "reset") {
+            return reset(rest);
+        }
+        if (command == "where") {
+            return where(rest);
+        }
         if (iequals(command, "FILE")) {
             m_err << "evasim: FILE needs the path of a script\n";
             return 2;
         }
-    } catch (std::exception const &e) {
+    } catch (const std::exception &e) {
         m_err << "evasim " << command << ": " << e.what() << "\n";
         return 1;
     }
@@ -241,7 +262,7 @@ int AdminCli::run(std::vector<std::string> const &args)
     return 2;
 }
 
-int AdminCli::init(std::vector<std::string> const &args)
+int AdminCli::init(const std::vector<std::string> &args)
 {
     if (wantsHelp(args)) {
         m_out << kInitHelp;
@@ -252,16 +273,22 @@ int AdminCli::init(std::vector<std::string> const &args)
     std::string error;
     if (!options(args, 0,
                  {"scenario", "servers", "cells", "disks", "hosts", "snapshots", "presented", "folders", "size", "set"},
-                 o, words, error))
+                 o, words, error)) {
         return bad("init", error);
-    if (!words.empty()) return bad("init", "unexpected argument '" + words[0] + "'");
+    }
+    if (!words.empty()) {
+        return bad("init", "unexpected argument '" + words[0] + "'");
+    }
 
     World world;
     Settings settings;
     std::string summary;
     if (o.count("scenario")) {
-        for (char const *g : {"servers", "cells", "disks", "hosts", "snapshots", "presented", "folders", "size"})
-            if (o.count(g)) return bad("init", std::string("--") + g + " generates a world; it can't go with --scenario");
+        for (const char *g : {"servers", "cells", "disks", "hosts", "snapshots", "presented", "folders", "size"}) {
+            if (o.count(g)) {
+                return bad("init", std::string("--") + g + " generates a world; it can't go with --scenario");
+            }
+        }
         std::string const file = o.find("scenario")->second;
         std::ifstream in(file);
         if (!in) {
@@ -278,18 +305,25 @@ int AdminCli::init(std::vector<std::string> const &args)
         if (!number(o, "servers", g.servers, error) || !number(o, "cells", g.cells, error) ||
             !number(o, "disks", g.disks, error) || !number(o, "hosts", g.hosts, error) ||
             !number(o, "snapshots", g.snapshots, error) || !number(o, "presented", g.presented, error) ||
-            !number(o, "folders", g.folders, error) || !number(o, "size", g.sizeGb, error))
+            !number(o, "folders", g.folders, error) || !number(o, "size", g.sizeGb, error)) {
             return bad("init", error);
+        }
         error = WorldGenerator::check(g);
-        if (!error.empty()) return bad("init", error);
+        if (!error.empty()) {
+            return bad("init", error);
+        }
         WorldGenerator::build(world, g);
     }
     auto range = o.equal_range("set");
     for (auto it = range.first; it != range.second; ++it) {
-        size_t const eq = it->second.find('=');
-        if (eq == std::string::npos) return bad("init", "--set needs KEY=VALUE, not '" + it->second + "'");
+        const size_t eq = it->second.find('=');
+        if (eq == std::string::npos) {
+            return bad("init", "--set needs KEY=VALUE, not '" + it->second + "'");
+        }
         error = settings.set(it->second.substr(0, eq), it->second.substr(eq + 1));
-        if (!error.empty()) return bad("init", error);
+        if (!error.empty()) {
+            return bad("init", error);
+        }
     }
 
     StateLocation::ensureDirectory(m_database.substr(0, m_database.rfind('/')));
@@ -301,13 +335,12 @@ int AdminCli::init(std::vector<std::string> const &args)
     settings.save(db);
     db.commit();
     m_out << "evasim: new world in " << m_database << ": " << world.servers.rows.size() << " servers, "
-          << world.cells.rows.size() << " cells, " << world.vdisks.rows.size() << " disks, "
-          << world.hosts.rows.size() << " hosts, " << world.luns.rows.size() << " presentations, "
-          << world.drgroups.rows.size() << " DR groups\n";
+          << world.cells.rows.size() << " cells, " << world.vdisks.rows.size() << " disks, " << world.hosts.rows.size()
+          << " hosts, " << world.luns.rows.size() << " presentations, " << world.drgroups.rows.size() << " DR groups\n";
     return 0;
 }
 
-int AdminCli::show(std::vector<std::string> const &args)
+int AdminCli::show(const std::vector<std::string> &args)
 {
     if (wantsHelp(args)) {
         m_out << kShowHelp;
@@ -316,16 +349,26 @@ int AdminCli::show(std::vector<std::string> const &args)
     std::multimap<std::string, std::string> o;
     std::vector<std::string> words;
     std::string error;
-    if (!options(args, 0, {"cell", "format"}, o, words, error)) return bad("show", error);
-    if (words.size() > 1) return bad("show", "one WHAT at most, not '" + words[1] + "'");
+    if (!options(args, 0, {"cell", "format"}, o, words, error)) {
+        return bad("show", error);
+    }
+    if (words.size() > 1) {
+        return bad("show", "one WHAT at most, not '" + words[1] + "'");
+    }
     std::string const what = words.empty() ? "all" : lower(words[0]);
-    static std::vector<std::string> const kinds{"servers", "cells", "diskgroups", "disks", "hosts",
-                                                "presentations", "drgroups", "faults", "settings", "all"};
+    static const std::vector<std::string> kinds{"servers",       "cells",    "diskgroups", "disks",    "hosts",
+                                                "presentations", "drgroups", "faults",     "settings", "all"};
     bool known = false;
-    for (std::string const &k : kinds) known = known || k == what;
-    if (!known) return bad("show", "unknown WHAT '" + what + "'");
+    for (const std::string &k : kinds) {
+        known = known || k == what;
+    }
+    if (!known) {
+        return bad("show", "unknown WHAT '" + what + "'");
+    }
     std::string const format = o.count("format") ? o.find("format")->second : "table";
-    if (format != "table" && format != "tsv") return bad("show", "--format is table or tsv, not '" + format + "'");
+    if (format != "table" && format != "tsv") {
+        return bad("show", "--format is table or tsv, not '" + format + "'");
+    }
     if (!stateExists()) {
         m_err << "evasim show: no state yet at " << m_database << "; run 'evasim init' first\n";
         return 1;
@@ -356,33 +399,45 @@ int AdminCli::show(std::vector<std::string> const &args)
         return c ? c->name : std::string("?");
     };
     bool first = true;
-    auto emit = [&](TablePrinter const &t) {
-        if (!first && format == "table") m_out << "\n";
+    auto emit = [&](const TablePrinter &t) {
+        if (!first && format == "table") {
+            m_out << "\n";
+        }
         first = false;
         t.print(m_out, format);
     };
-    bool const all = what == "all";
+    const bool all = what == "all";
 
     if (all || what == "servers") {
         TablePrinter t("Command View servers", {"host", "user", "password", "reachable", "cells"});
-        for (auto const &[id, s] : world.servers.rows) {
+        for (const auto &[id, s] : world.servers.rows) {
             std::vector<std::string> names;
-            for (CellRec const *c : world.cellsOf(id)) names.push_back(c->name);
+            for (const CellRec *c : world.cellsOf(id)) {
+                names.push_back(c->name);
+            }
             t.row({s.host, s.user, s.password, s.reachable ? "yes" : "no", join(names, ",")});
         }
         emit(t);
     }
     if (all || what == "cells") {
         TablePrinter t("Cells", {"name", "wwn", "firmware", "total", "used", "free", "disks", "servers"});
-        for (auto const &[id, c] : world.cells.rows) {
-            if (!inCell(id)) continue;
+        for (const auto &[id, c] : world.cells.rows) {
+            if (!inCell(id)) {
+                continue;
+            }
             size_t disks = 0;
-            for (auto const &[did, d] : world.vdisks.rows) disks += d.cell == id;
+            for (const auto &[did, d] : world.vdisks.rows) {
+                disks += d.cell == id;
+            }
             std::vector<std::string> servers;
-            for (auto const &[mid, m] : world.managed.rows)
-                if (m.cell == id)
-                    if (ServerRec const *s = world.servers.find(m.server)) servers.push_back(s->host);
-            uint64_t const used = world.usedBytes(id);
+            for (const auto &[mid, m] : world.managed.rows) {
+                if (m.cell == id) {
+                    if (const ServerRec *s = world.servers.find(m.server)) {
+                        servers.push_back(s->host);
+                    }
+                }
+            }
+            const uint64_t used = world.usedBytes(id);
             t.row({c.name, c.wwn, c.firmware, gigabytes(c.total) + " GB", gigabytes(used) + " GB",
                    gigabytes(world.freeBytes(id)) + " GB", std::to_string(disks), join(servers, ",")});
         }
@@ -390,21 +445,28 @@ int AdminCli::show(std::vector<std::string> const &args)
     }
     if (all || what == "diskgroups") {
         TablePrinter t("Disk groups", {"cell", "name"});
-        for (auto const &[id, g] : world.diskgroups.rows)
-            if (inCell(g.cell)) t.row({cellName(g.cell), g.name});
+        for (const auto &[id, g] : world.diskgroups.rows) {
+            if (inCell(g.cell)) {
+                t.row({cellName(g.cell), g.name});
+            }
+        }
         emit(t);
     }
     if (all || what == "disks") {
         ObjectDescriber describe(world);
         TablePrinter t("Virtual disks", {"cell", "path", "type", "size", "wwlunid", "sharing", "parent",
                                          "presentations", "drgroup", "writecache"});
-        for (auto const &[cid, c] : world.cells.rows) {
-            if (!inCell(cid)) continue;
-            for (VdiskRec const *d : world.vdisksOf(cid)) {
-                std::string const type = d->container ? "container" : d->active() ? (d->origin == "snapclone" ? "snapclone" : "active") : (d->allocation == "demand" ? "vsnap" : "snapshot");
-                VdiskRec const *parent = world.vdisks.find(d->parent ? d->parent : d->copySource);
-                DrMemberRec const *m = world.drMembershipOf(d->id);
-                DrGroupRec const *g = m ? world.drgroups.find(m->group) : nullptr;
+        for (const auto &[cid, c] : world.cells.rows) {
+            if (!inCell(cid)) {
+                continue;
+            }
+            for (const VdiskRec *d : world.vdisksOf(cid)) {
+                std::string const type = d->container  ? "container"
+                                         : d->active() ? (d->origin == "snapclone" ? "snapclone" : "active")
+                                                       : (d->allocation == "demand" ? "vsnap" : "snapshot");
+                const VdiskRec *parent = world.vdisks.find(d->parent ? d->parent : d->copySource);
+                const DrMemberRec *m = world.drMembershipOf(d->id);
+                const DrGroupRec *g = m ? world.drgroups.find(m->group) : nullptr;
                 t.row({c.name, d->path(), type, humanSize(d->blocks * 512), d->wwlunid, describe.sharing(*d),
                        parent ? parent->path() : "", presentationsOf(world, d->id), g ? g->name : "", d->writecache});
             }
@@ -413,38 +475,50 @@ int AdminCli::show(std::vector<std::string> const &args)
     }
     if (all || what == "hosts") {
         TablePrinter t("Hosts", {"cell", "path", "ports", "os"});
-        for (auto const &[cid, c] : world.cells.rows) {
-            if (!inCell(cid)) continue;
-            for (HostRec const *h : world.hostsOf(cid)) t.row({c.name, h->path, h->ports, h->os});
+        for (const auto &[cid, c] : world.cells.rows) {
+            if (!inCell(cid)) {
+                continue;
+            }
+            for (const HostRec *h : world.hostsOf(cid)) {
+                t.row({c.name, h->path, h->ports, h->os});
+            }
         }
         emit(t);
     }
     if (all || what == "presentations") {
         TablePrinter t("Presentations", {"cell", "host", "lun", "disk"});
         std::vector<std::vector<std::string>> rows;
-        for (auto const &[id, l] : world.luns.rows) {
-            HostRec const *h = world.hosts.find(l.host);
-            VdiskRec const *d = world.vdisks.find(l.vdisk);
-            if (!h || !d || !inCell(h->cell)) continue;
+        for (const auto &[id, l] : world.luns.rows) {
+            const HostRec *h = world.hosts.find(l.host);
+            const VdiskRec *d = world.vdisks.find(l.vdisk);
+            if (!h || !d || !inCell(h->cell)) {
+                continue;
+            }
             rows.push_back({cellName(h->cell), h->path, std::to_string(l.lun), d->path()});
         }
-        std::sort(rows.begin(), rows.end(), [](auto const &a, auto const &b) {
+        std::sort(rows.begin(), rows.end(), [](const auto &a, const auto &b) {
             return std::tie(a[0], a[1]) != std::tie(b[0], b[1]) ? std::tie(a[0], a[1]) < std::tie(b[0], b[1])
                                                                 : std::stoi(a[2]) < std::stoi(b[2]);
         });
-        for (auto &r : rows) t.row(r);
+        for (auto &r : rows) {
+            t.row(r);
+        }
         emit(t);
     }
     if (all || what == "drgroups") {
         TablePrinter t("DR groups", {"name", "source", "destination", "members", "writemode", "operationalstate",
                                      "membercondition", "linkstate", "suspended"});
-        for (auto const &[id, g] : world.drgroups.rows) {
-            if (!inCell(g.sourceCell) && !inCell(g.destCell)) continue;
+        for (const auto &[id, g] : world.drgroups.rows) {
+            if (!inCell(g.sourceCell) && !inCell(g.destCell)) {
+                continue;
+            }
             std::vector<std::string> members;
-            for (auto const &[mid, m] : world.drmembers.rows) {
-                if (m.group != id) continue;
-                VdiskRec const *s = world.vdisks.find(m.sourceDisk);
-                VdiskRec const *d = world.vdisks.find(m.destDisk);
+            for (const auto &[mid, m] : world.drmembers.rows) {
+                if (m.group != id) {
+                    continue;
+                }
+                const VdiskRec *s = world.vdisks.find(m.sourceDisk);
+                const VdiskRec *d = world.vdisks.find(m.destDisk);
                 members.push_back((s ? s->path() : "?") + " => " + (d ? d->path() : "?"));
             }
             t.row({g.name, cellName(g.sourceCell), cellName(g.destCell), join(members, "; "), g.writemode,
@@ -454,29 +528,39 @@ int AdminCli::show(std::vector<std::string> const &args)
     }
     if (all || what == "faults") {
         TablePrinter t("Armed faults", {"id", "kind", "remaining", "effect"});
-        for (Fault const &f : faults) t.row({std::to_string(f.id), f.kind, std::to_string(f.remaining), f.describe()});
+        for (const Fault &f : faults) {
+            t.row({std::to_string(f.id), f.kind, std::to_string(f.remaining), f.describe()});
+        }
         emit(t);
     }
     if (all || what == "settings") {
         TablePrinter t("Settings", {"key", "value"});
-        for (Settings::Key const &k : Settings::keys()) t.row({k.name, settings.get(k.name)});
+        for (const Settings::Key &k : Settings::keys()) {
+            t.row({k.name, settings.get(k.name)});
+        }
         emit(t);
     }
     return 0;
 }
 
-int AdminCli::fault(std::vector<std::string> const &args)
+int AdminCli::fault(const std::vector<std::string> &args)
 {
     if (args.empty() || wantsHelp(args)) {
-        if (args.empty()) return bad("fault", "which fault? (" + join(FaultStore::kinds(), ", ") + ", list, clear)");
+        if (args.empty()) {
+            return bad("fault", "which fault? (" + join(FaultStore::kinds(), ", ") + ", list, clear)");
+        }
         m_out << kFaultHelp;
         return 0;
     }
     std::string const kind = lower(args[0]);
     if (kind == "list" || kind == "clear") {
-        if (args.size() > 1) return bad("fault", "unexpected argument '" + args[1] + "'");
+        if (args.size() > 1) {
+            return bad("fault", "unexpected argument '" + args[1] + "'");
+        }
         if (!stateExists()) {
-            if (kind == "list") m_out << "(no faults armed)\n";
+            if (kind == "list") {
+                m_out << "(no faults armed)\n";
+            }
             return 0;
         }
         Database db(m_database, false);
@@ -487,69 +571,124 @@ int AdminCli::fault(std::vector<std::string> const &args)
             m_out << "evasim: all faults disarmed\n";
             return 0;
         }
-        std::vector<Fault> const faults = FaultStore::list(db);
-        if (faults.empty()) m_out << "(no faults armed)\n";
-        for (Fault const &f : faults)
+        const std::vector<Fault> faults = FaultStore::list(db);
+        if (faults.empty()) {
+            m_out << "(no faults armed)\n";
+        }
+        for (const Fault &f : faults) {
             m_out << f.id << "\t" << f.kind << "\t" << f.remaining << "\t" << f.describe() << "\n";
+        }
         return 0;
     }
     bool known = false;
-    for (std::string const &k : FaultStore::kinds()) known = known || k == kind;
-    if (!known) return bad("fault", "unknown fault '" + args[0] + "' (known: " + join(FaultStore::kinds(), ", ") + ")");
+    for (const std::string &k : FaultStore::kinds()) {
+        known = known || k == kind;
+    }
+    if (!known) {
+        return bad("fault", "unknown fault '" + args[0] + "' (known: " + join(FaultStore::kinds(), ", ") + ")");
+    }
 
     std::multimap<std::string, std::string> o;
     std::vector<std::string> words;
     std::string error;
     std::vector<std::string> allowed{"count"};
-    if (kind == "https") allowed.push_back("server");
-    if (kind == "silence") allowed.insert(allowed.end(), {"seconds", "after-line"});
-    if (kind == "exit-after") allowed.insert(allowed.end(), {"lines", "status"});
-    if (kind == "no-output") allowed.push_back("status");
-    if (kind == "error") allowed.insert(allowed.end(), {"match", "message", "cell"});
-    if (kind == "banner") allowed.push_back("text");
-    if (kind == "delay") allowed.push_back("seconds");
-    if (!options(args, 1, allowed, o, words, error)) return bad("fault", error);
-    if (!words.empty()) return bad("fault", "unexpected argument '" + words[0] + "'");
+    if (kind == "https") {
+        allowed.push_back("server");
+    }
+    if (kind == "silence") {
+        allowed.insert(allowed.end(), {"seconds", "after-line"});
+    }
+    if (kind == "exit-after") {
+        allowed.insert(allowed.end(), {"lines", "status"});
+    }
+    if (kind == "no-output") {
+        allowed.push_back("status");
+    }
+    if (kind == "error") {
+        allowed.insert(allowed.end(), {"match", "message", "cell"});
+    }
+    if (kind == "banner") {
+        allowed.push_back("text");
+    }
+    if (kind == "delay") {
+        allowed.push_back("seconds");
+    }
+    if (!options(args, 1, allowed, o, words, error)) {
+        return bad("fault", error);
+    }
+    if (!words.empty()) {
+        return bad("fault", "unexpected argument '" + words[0] + "'");
+    }
 
     Fault f;
     f.kind = kind;
     long long count = 1;
-    if (!number(o, "count", count, error)) return bad("fault", error);
-    if (count < 1) return bad("fault", "--count must be 1 or more");
+    if (!number(o, "count", count, error)) {
+        return bad("fault", error);
+    }
+    if (count < 1) {
+        return bad("fault", "--count must be 1 or more");
+    }
     f.remaining = count;
-    if (o.count("server")) f.server = o.find("server")->second;
+    if (o.count("server")) {
+        f.server = o.find("server")->second;
+    }
     if (kind == "silence" || kind == "delay") {
-        if (!seconds(o, f.seconds, error)) return bad("fault", error);
+        if (!seconds(o, f.seconds, error)) {
+            return bad("fault", error);
+        }
     }
     if (kind == "silence") {
         long long after = 0;
-        if (!number(o, "after-line", after, error)) return bad("fault", error);
-        if (after < 0) return bad("fault", "--after-line must be 0 or more");
+        if (!number(o, "after-line", after, error)) {
+            return bad("fault", error);
+        }
+        if (after < 0) {
+            return bad("fault", "--after-line must be 0 or more");
+        }
         f.line = after;
     }
     if (kind == "exit-after") {
         long long lines = 0, status = 1;
-        if (!o.count("lines")) return bad("fault", "--lines is required");
-        if (!number(o, "lines", lines, error) || !number(o, "status", status, error)) return bad("fault", error);
-        if (lines < 1) return bad("fault", "--lines must be 1 or more");
-        if (status < 0 || status > 255) return bad("fault", "--status must be 0 to 255");
+        if (!o.count("lines")) {
+            return bad("fault", "--lines is required");
+        }
+        if (!number(o, "lines", lines, error) || !number(o, "status", status, error)) {
+            return bad("fault", error);
+        }
+        if (lines < 1) {
+            return bad("fault", "--lines must be 1 or more");
+        }
+        if (status < 0 || status > 255) {
+            return bad("fault", "--status must be 0 to 255");
+        }
         f.line = lines;
         f.status = status;
     }
     if (kind == "no-output") {
         long long status = 0;
-        if (!number(o, "status", status, error)) return bad("fault", error);
-        if (status < 0 || status > 255) return bad("fault", "--status must be 0 to 255");
+        if (!number(o, "status", status, error)) {
+            return bad("fault", error);
+        }
+        if (status < 0 || status > 255) {
+            return bad("fault", "--status must be 0 to 255");
+        }
         f.status = status;
     }
     if (kind == "error") {
-        if (!o.count("match") || o.find("match")->second.empty()) return bad("fault", "--match TEXT is required");
+        if (!o.count("match") || o.find("match")->second.empty()) {
+            return bad("fault", "--match TEXT is required");
+        }
         f.pattern = o.find("match")->second;
         f.text = o.count("message") ? o.find("message")->second : "Simulated failure";
-        if (o.count("cell")) f.cell = o.find("cell")->second;
+        if (o.count("cell")) {
+            f.cell = o.find("cell")->second;
+        }
     }
     if (kind == "banner") {
-        if (!o.count("text")) return bad("fault", "--text is required");
+        if (!o.count("text")) {
+            return bad("fault", "--text is required");
+        }
         f.text = o.find("text")->second;
     }
 
@@ -562,27 +701,34 @@ int AdminCli::fault(std::vector<std::string> const &args)
     return 0;
 }
 
-int AdminCli::set(std::vector<std::string> const &args)
+int AdminCli::set(const std::vector<std::string> &args)
 {
     if (wantsHelp(args)) {
         m_out << kSetHelp << "\nSettings:\n";
-        for (Settings::Key const &k : Settings::keys())
+        for (const Settings::Key &k : Settings::keys()) {
             m_out << "  " << k.name << " (default " << k.fallback << "): " << k.help << "\n";
+        }
         return 0;
     }
     Settings settings;
-    for (std::string const &a : args) {
-        size_t const eq = a.find('=');
-        if (eq == std::string::npos) return bad("set", "expected KEY=VALUE, not '" + a + "'");
+    for (const std::string &a : args) {
+        const size_t eq = a.find('=');
+        if (eq == std::string::npos) {
+            return bad("set", "expected KEY=VALUE, not '" + a + "'");
+        }
         std::string const error = settings.set(a.substr(0, eq), a.substr(eq + 1));
-        if (!error.empty()) return bad("set", error);
+        if (!error.empty()) {
+            return bad("set", error);
+        }
     }
     if (args.empty()) {
         if (stateExists()) {
             Database db(m_database, false);
             settings.load(db);
         }
-        for (Settings::Key const &k : Settings::keys()) m_out << k.name << "=" << settings.get(k.name) << "\n";
+        for (const Settings::Key &k : Settings::keys()) {
+            m_out << k.name << "=" << settings.get(k.name) << "\n";
+        }
         return 0;
     }
     StateLocation::ensureDirectory(m_database.substr(0, m_database.rfind('/')));
@@ -590,8 +736,8 @@ int AdminCli::set(std::vector<std::string> const &args)
     db.begin();
     Settings stored;
     stored.load(db);
-    for (std::string const &a : args) {
-        size_t const eq = a.find('=');
+    for (const std::string &a : args) {
+        const size_t eq = a.find('=');
         stored.set(a.substr(0, eq), a.substr(eq + 1));
         m_out << "evasim: " << lower(trim(a.substr(0, eq))) << "=" << stored.get(lower(trim(a.substr(0, eq)))) << "\n";
     }
@@ -600,13 +746,15 @@ int AdminCli::set(std::vector<std::string> const &args)
     return 0;
 }
 
-int AdminCli::reset(std::vector<std::string> const &args)
+int AdminCli::reset(const std::vector<std::string> &args)
 {
     if (wantsHelp(args)) {
         m_out << kResetHelp;
         return 0;
     }
-    if (!args.empty()) return bad("reset", "unexpected argument '" + args[0] + "'");
+    if (!args.empty()) {
+        return bad("reset", "unexpected argument '" + args[0] + "'");
+    }
     if (!stateExists()) {
         m_out << "evasim: no state at " << m_database << "\n";
         return 0;
@@ -622,15 +770,17 @@ int AdminCli::reset(std::vector<std::string> const &args)
     return 0;
 }
 
-int AdminCli::where(std::vector<std::string> const &args)
+int AdminCli::where(const std::vector<std::string> &args)
 {
     if (wantsHelp(args)) {
         m_out << kWhereHelp;
         return 0;
     }
-    if (!args.empty()) return bad("where", "unexpected argument '" + args[0] + "'");
+    if (!args.empty()) {
+        return bad("where", "unexpected argument '" + args[0] + "'");
+    }
     m_out << m_database << "\n";
     return 0;
 }
 
-} // namespace evasim
+}  // namespace evasim

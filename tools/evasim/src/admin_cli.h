@@ -1,5 +1,6 @@
 // The administration side of evasim: init, show, fault, set, reset, where, and their help.
-#pragma once
+#ifndef EVASIM_ADMIN_CLI_H
+#define EVASIM_ADMIN_CLI_H
 
 #include <ostream>
 #include <string>
@@ -11,18 +12,18 @@ class AdminCli {
 public:
     AdminCli(std::string database, std::ostream &out, std::ostream &err);
     // args: the words after the program name. Gives the exit status: 0, 1 for a failure, 2 for bad usage.
-    int run(std::vector<std::string> const &args);
+    int run(const std::vector<std::string> &args);
 
     static std::string usage();
 
 private:
-    int init(std::vector<std::string> const &args);
-    int show(std::vector<std::string> const &args);
-    int fault(std::vector<std::string> const &args);
-    int set(std::vector<std::string> const &args);
-    int reset(std::vector<std::string> const &args);
-    int where(std::vector<std::string> const &args);
-    int bad(std::string const &command, std::string const &message);
+    int init(const std::vector<std::string> &args);
+    int show(const std::vector<std::string> &args);
+    int fault(const std::vector<std::string> &args);
+    int set(const std::vector<std::string> &args);
+    int reset(const std::vector<std::string> &args);
+    int where(const std::vector<std::string> &args);
+    int bad(const std::string &command, const std::string &message);
     bool stateExists() const;
 
     std::string m_database;
@@ -30,4 +31,6 @@ private:
     std::ostream &m_err;
 };
 
-} // namespace evasim
+}  // namespace evasim
+
+#endif

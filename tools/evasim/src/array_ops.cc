@@ -18,122 +18,185 @@ int64_t now()
 
 constexpr long long kHighestLun = 255;
 
-std::string normaliseRedundancy(std::string const &text)
+std::string normaliseRedundancy(const std::string &text)
 {
     std::string const r = lower(trim(text));
-    if (r == "vraid0" || r == "vraid1" || r == "vraid5") return r;
+    if (r == "vraid0" || r == "vraid1" || r == "vraid5") {
+        return r;
+    }
     return {};
 }
 
-} // namespace
+}  // namespace
 
-ArrayOps::ArrayOps(World &world, Settings const &settings) : m_world(world), m_settings(settings) {}
+ArrayOps::ArrayOps(World &world, const Settings &settings) : m_world(world), m_settings(settings) {}
 
-bool ArrayOps::validName(std::string const &name)
+bool ArrayOps::validName(const std::string &name)
 {
-    if (name.empty() || name.size() > 255) return false;
-    for (char c : name)
-        if (c == '\\' || c == '"' || static_cast<unsigned char>(c) < 32) return false;
+    if (name.empty() || name.size() > 255) {
+        return false;
+    }
+    for (char c : name) {
+        if (c == '\\' || c == '"' || static_cast<unsigned char>(c) < 32) {
+            return false;
+        }
+    }
     return !iequals(name, "ACTIVE");
 }
 
-bool ArrayOps::splitFamilyPath(std::string const &path, std::string &folder, std::string &family)
+bool ArrayOps::splitFamilyPath(const std::string &path, std::string &folder, std::string &family)
 {
     std::string p = trim(path);
-    if (p.empty()) return false;
-    if (p[0] != '\\') p = istartsWith(p, "Virtual Disks\\") ? "\\" + p : "\\Virtual Disks\\" + p;
-    if (!istartsWith(p, "\\Virtual Disks\\")) return false;
-    if (p.size() > 7 && iequals(p.substr(p.size() - 7), "\\ACTIVE")) p.resize(p.size() - 7);
-    size_t const at = p.rfind('\\');
+    if (p.empty()) {
+        return false;
+    }
+    if (p[0] != '\\') {
+        p = istartsWith(p, "Virtual Disks\\") ? "\\" + p : "\\Virtual Disks\\" + p;
+    }
+    if (!istartsWith(p, "\\Virtual Disks\\")) {
+        return false;
+    }
+    if (p.size() > 7 && iequals(p.substr(p.size() - 7), "\\ACTIVE")) {
+        p.resize(p.size() - 7);
+    }
+    const size_t at = p.rfind('\\');
     folder = p.substr(0, at);
     family = p.substr(at + 1);
     folder.replace(0, 14, "\\Virtual Disks");
-    for (std::string const &part : split(folder.substr(1), '\\'))
-        if (part.empty()) return false;
+    for (const std::string &part : split(folder.substr(1), '\\')) {
+        if (part.empty()) {
+            return false;
+        }
+    }
     return validName(family);
 }
 
-bool ArrayOps::familyTaken(int64_t cell, std::string const &folder, std::string const &family, int64_t except) const
+bool ArrayOps::familyTaken(int64_t cell, const std::string &folder, const std::string &family, int64_t except) const
 {
-    for (auto const &[id, d] : m_world.vdisks.rows) {
-        if (d.cell != cell || !d.active() || id == except) continue;
-        if (iequals(d.folder, folder) && iequals(d.family, family)) return true;
+    for (const auto &[id, d] : m_world.vdisks.rows) {
+        if (d.cell != cell || !d.active() || id == except) {
+            continue;
+        }
+        if (iequals(d.folder, folder) && iequals(d.family, family)) {
+            return true;
+        }
     }
     return false;
 }
 
 bool ArrayOps::copyRunsFrom(int64_t disk) const
 {
-    for (auto const &[id, d] : m_world.vdisks.rows)
-        if (d.copySource == disk) return true;
+    for (const auto &[id, d] : m_world.vdisks.rows) {
+        if (d.copySource == disk) {
+            return true;
+        }
+    }
     return false;
 }
 
-std::string ArrayOps::reserveSpace(int64_t cell, VdiskRec const &disk) const
+std::string ArrayOps::reserveSpace(int64_t cell, const VdiskRec &disk) const
 {
-    if (World::allocatedBytes(disk) > m_world.freeBytes(cell))
+    if (World::allocatedBytes(disk) > m_world.freeBytes(cell)) {
         return "Not enough free space in the disk group (" + humanSize(World::allocatedBytes(disk)) + " needed, " +
                humanSize(m_world.freeBytes(cell)) + " free)";
+    }
     return {};
 }
 
-VdiskRec *ArrayOps::findDisk(int64_t cell, std::string const &ref, std::string &error)
+VdiskRec *ArrayOps::findDisk(int64_t cell, const std::string &ref, std::string &error)
 {
     bool ambiguous = false;
     VdiskRec *d = m_world.resolveVdisk(cell, ref, ambiguous);
-    if (!d) error = ambiguous ? ref + " is ambiguous; give the full path" : ref + " not found";
+    if (!d) {
+        error = ambiguous ? ref + " is ambiguous; give the full path" : ref + " not found";
+    }
     return d;
 }
 
-std::string ArrayOps::addVdisk(int64_t cell, std::string const &path, uint64_t bytes, std::string const &redundancy,
-                               std::string const &diskGroup, std::string const &wwlunid, int64_t *created)
+std::string ArrayOps::addVdisk(int64_t cell, const std::string &path, uint64_t bytes, const std::string &redundancy,
+                               const std::string &diskGroup, const std::string &wwlunid, int64_t *created)
 {
     CellRec *c = m_world.cells.find(cell);
-    if (!c) return "no such cell";
+    if (!c) {
+        return "no such cell";
+    }
     VdiskRec d;
     d.cell = cell;
-    if (!splitFamilyPath(path, d.folder, d.family)) return "Invalid Vdisk name " + path;
-    if (familyTaken(cell, d.folder, d.family, 0)) return d.familyPath() + " already exists";
-    if (bytes == 0 || bytes % 512) return "Invalid size";
+    if (!splitFamilyPath(path, d.folder, d.family)) {
+        return "Invalid Vdisk name " + path;
+    }
+    if (familyTaken(cell, d.folder, d.family, 0)) {
+        return d.familyPath() + " already exists";
+    }
+    if (bytes == 0 || bytes % 512) {
+        return "Invalid size";
+    }
     d.blocks = bytes / 512;
     d.leaf = "ACTIVE";
     if (!redundancy.empty()) {
         d.redundancy = normaliseRedundancy(redundancy);
-        if (d.redundancy.empty()) return "Invalid redundancy " + redundancy;
+        if (d.redundancy.empty()) {
+            return "Invalid redundancy " + redundancy;
+        }
     }
     if (!wwlunid.empty()) {
-        if (!normaliseWwn(wwlunid, 8, d.wwlunid, false)) return "Invalid world wide LUN name " + wwlunid;
-        if (m_world.wwlunidInUse(cell, d.wwlunid, 0)) return "World wide LUN name " + d.wwlunid + " is already in use";
+        if (!normaliseWwn(wwlunid, 8, d.wwlunid, false)) {
+            return "Invalid world wide LUN name " + wwlunid;
+        }
+        if (m_world.wwlunidInUse(cell, d.wwlunid, 0)) {
+            return "World wide LUN name " + d.wwlunid + " is already in use";
+        }
     }
     if (!diskGroup.empty()) {
         DiskGroupRec *g = m_world.diskGroupByName(cell, diskGroup);
-        if (!g) return diskGroup + " not found";
+        if (!g) {
+            return diskGroup + " not found";
+        }
         d.diskgroup = g->id;
     }
     std::string const space = reserveSpace(cell, d);
-    if (!space.empty()) return space;
-    if (!d.diskgroup) d.diskgroup = m_world.defaultDiskGroup(cell).id;
-    if (d.wwlunid.empty()) d.wwlunid = m_world.newWwlunid(*c);
+    if (!space.empty()) {
+        return space;
+    }
+    if (!d.diskgroup) {
+        d.diskgroup = m_world.defaultDiskGroup(cell).id;
+    }
+    if (d.wwlunid.empty()) {
+        d.wwlunid = m_world.newWwlunid(*c);
+    }
     d.objectid = m_world.newObjectId(*c);
     d.created = d.modified = now();
     VdiskRec &made = m_world.vdisks.insert(d);
-    if (created) *created = made.id;
+    if (created) {
+        *created = made.id;
+    }
     return {};
 }
 
-std::string ArrayOps::addSnapshot(int64_t cell, std::string const &name, std::string const &source,
-                                  std::string const &allocation, std::string const &redundancy,
-                                  std::string const &wwlunid, int64_t *created)
+std::string ArrayOps::addSnapshot(int64_t cell, const std::string &name, const std::string &source,
+                                  const std::string &allocation, const std::string &redundancy,
+                                  const std::string &wwlunid, int64_t *created)
 {
     std::string error;
     VdiskRec *src = findDisk(cell, source, error);
-    if (!src) return error;
-    if (!src->active()) return "Cannot create a snapshot of a snapshot (" + src->path() + ")";
-    if (src->container) return "Cannot create a snapshot of a container (" + src->path() + ")";
-    if (!validName(name)) return "Invalid snapshot name " + name;
-    for (auto const &[id, d] : m_world.vdisks.rows)
-        if (d.cell == cell && iequals(d.folder, src->folder) && iequals(d.family, src->family) && iequals(d.leaf, name))
+    if (!src) {
+        return error;
+    }
+    if (!src->active()) {
+        return "Cannot create a snapshot of a snapshot (" + src->path() + ")";
+    }
+    if (src->container) {
+        return "Cannot create a snapshot of a container (" + src->path() + ")";
+    }
+    if (!validName(name)) {
+        return "Invalid snapshot name " + name;
+    }
+    for (const auto &[id, d] : m_world.vdisks.rows) {
+        if (d.cell == cell && iequals(d.folder, src->folder) && iequals(d.family, src->family) &&
+            iequals(d.leaf, name)) {
             return d.path() + " already exists";
+        }
+    }
     VdiskRec d;
     d.cell = cell;
     d.folder = src->folder;
@@ -146,53 +209,89 @@ std::string ArrayOps::addSnapshot(int64_t cell, std::string const &name, std::st
     d.origin = "snapshot";
     d.writecache = src->writecache;
     std::string const a = lower(trim(allocation));
-    if (a.empty() || a == "demand") d.allocation = "demand";
-    else if (a == "fully") d.allocation = "fully";
-    else return "Invalid allocation policy " + allocation;
+    if (a.empty() || a == "demand") {
+        d.allocation = "demand";
+    } else if (a == "fully") {
+        d.allocation = "fully";
+    } else {
+        return "Invalid allocation policy " + allocation;
+    }
     if (!redundancy.empty()) {
         d.redundancy = normaliseRedundancy(redundancy);
-        if (d.redundancy.empty()) return "Invalid redundancy " + redundancy;
+        if (d.redundancy.empty()) {
+            return "Invalid redundancy " + redundancy;
+        }
     }
     if (!wwlunid.empty()) {
-        if (!normaliseWwn(wwlunid, 8, d.wwlunid, false)) return "Invalid world wide LUN name " + wwlunid;
-        if (m_world.wwlunidInUse(cell, d.wwlunid, 0)) return "World wide LUN name " + d.wwlunid + " is already in use";
+        if (!normaliseWwn(wwlunid, 8, d.wwlunid, false)) {
+            return "Invalid world wide LUN name " + wwlunid;
+        }
+        if (m_world.wwlunidInUse(cell, d.wwlunid, 0)) {
+            return "World wide LUN name " + d.wwlunid + " is already in use";
+        }
     }
     std::string const space = reserveSpace(cell, d);
-    if (!space.empty()) return space;
+    if (!space.empty()) {
+        return space;
+    }
     CellRec *c = m_world.cells.find(cell);
-    if (d.wwlunid.empty()) d.wwlunid = m_world.newWwlunid(*c);
+    if (d.wwlunid.empty()) {
+        d.wwlunid = m_world.newWwlunid(*c);
+    }
     d.objectid = m_world.newObjectId(*c);
     d.created = d.modified = now();
     VdiskRec &made = m_world.vdisks.insert(d);
-    if (created) *created = made.id;
+    if (created) {
+        *created = made.id;
+    }
     return {};
 }
 
-std::string ArrayOps::addCopy(int64_t cell, std::string const &name, std::string const &source,
-                              std::string const &container, std::string const &redundancy, int64_t *created)
+std::string ArrayOps::addCopy(int64_t cell, const std::string &name, const std::string &source,
+                              const std::string &container, const std::string &redundancy, int64_t *created)
 {
     std::string error;
     VdiskRec *src = findDisk(cell, source, error);
-    if (!src) return error;
-    if (!src->active()) return "Cannot create a copy of a snapshot (" + src->path() + ")";
-    if (src->container) return "Cannot create a copy of a container (" + src->path() + ")";
-    if (!m_world.snapshotsOf(src->id).empty())
+    if (!src) {
+        return error;
+    }
+    if (!src->active()) {
+        return "Cannot create a copy of a snapshot (" + src->path() + ")";
+    }
+    if (src->container) {
+        return "Cannot create a copy of a container (" + src->path() + ")";
+    }
+    if (!m_world.snapshotsOf(src->id).empty()) {
         return "Cannot create a snapclone of a Vdisk that has snapshots (" + src->path() + ")";
-    if (src->copySource) return "Cannot copy a Vdisk while it is being copied into (" + src->path() + ")";
+    }
+    if (src->copySource) {
+        return "Cannot copy a Vdisk while it is being copied into (" + src->path() + ")";
+    }
     std::string red;
     if (!redundancy.empty()) {
         red = normaliseRedundancy(redundancy);
-        if (red.empty()) return "Invalid redundancy " + redundancy;
+        if (red.empty()) {
+            return "Invalid redundancy " + redundancy;
+        }
     }
 
     if (!container.empty()) {
         VdiskRec *target = findDisk(cell, container, error);
-        if (!target) return error;
-        if (!target->container) return target->path() + " is not a container";
-        if (target->blocks != src->blocks)
+        if (!target) {
+            return error;
+        }
+        if (!target->container) {
+            return target->path() + " is not a container";
+        }
+        if (target->blocks != src->blocks) {
             return "The capacity of container " + target->path() + " does not match the source Vdisk";
-        if (!validName(name)) return "Invalid Vdisk name " + name;
-        if (familyTaken(cell, target->folder, name, target->id)) return target->folder + "\\" + name + " already exists";
+        }
+        if (!validName(name)) {
+            return "Invalid Vdisk name " + name;
+        }
+        if (familyTaken(cell, target->folder, name, target->id)) {
+            return target->folder + "\\" + name + " already exists";
+        }
         target->container = false;
         target->family = name;
         target->origin = "snapclone";
@@ -202,20 +301,28 @@ std::string ArrayOps::addCopy(int64_t cell, std::string const &name, std::string
         target->copyKind = target->copyReads > 0 ? "restore" : "";
         target->modified = now();
         m_world.vdisks.touch(target->id);
-        if (created) *created = target->id;
+        if (created) {
+            *created = target->id;
+        }
         return {};
     }
 
     VdiskRec d;
     d.cell = cell;
     if (name.find('\\') != std::string::npos) {
-        if (!splitFamilyPath(name, d.folder, d.family)) return "Invalid Vdisk name " + name;
+        if (!splitFamilyPath(name, d.folder, d.family)) {
+            return "Invalid Vdisk name " + name;
+        }
     } else {
-        if (!validName(name)) return "Invalid Vdisk name " + name;
+        if (!validName(name)) {
+            return "Invalid Vdisk name " + name;
+        }
         d.folder = src->folder;
         d.family = name;
     }
-    if (familyTaken(cell, d.folder, d.family, 0)) return d.familyPath() + " already exists";
+    if (familyTaken(cell, d.folder, d.family, 0)) {
+        return d.familyPath() + " already exists";
+    }
     d.leaf = "ACTIVE";
     d.blocks = src->blocks;
     d.diskgroup = src->diskgroup;
@@ -226,28 +333,45 @@ std::string ArrayOps::addCopy(int64_t cell, std::string const &name, std::string
     d.copySource = d.copyReads > 0 ? src->id : 0;
     d.copyKind = d.copyReads > 0 ? "snapclone" : "";
     std::string const space = reserveSpace(cell, d);
-    if (!space.empty()) return space;
+    if (!space.empty()) {
+        return space;
+    }
     CellRec *c = m_world.cells.find(cell);
     d.wwlunid = m_world.newWwlunid(*c);
     d.objectid = m_world.newObjectId(*c);
     d.created = d.modified = now();
     VdiskRec &made = m_world.vdisks.insert(d);
-    if (created) *created = made.id;
+    if (created) {
+        *created = made.id;
+    }
     return {};
 }
 
-std::string ArrayOps::changeIntoContainer(int64_t cell, std::string const &ref)
+std::string ArrayOps::changeIntoContainer(int64_t cell, const std::string &ref)
 {
     std::string error;
     VdiskRec *d = findDisk(cell, ref, error);
-    if (!d) return error;
-    if (d->container) return d->path() + " is already a container";
-    if (!d->active()) return "Cannot change a snapshot into a container (" + d->path() + ")";
-    if (!m_world.lunsOfDisk(d->id).empty()) return "Cannot change a presented Vdisk into a container (" + d->path() + ")";
-    if (!m_world.snapshotsOf(d->id).empty())
+    if (!d) {
+        return error;
+    }
+    if (d->container) {
+        return d->path() + " is already a container";
+    }
+    if (!d->active()) {
+        return "Cannot change a snapshot into a container (" + d->path() + ")";
+    }
+    if (!m_world.lunsOfDisk(d->id).empty()) {
+        return "Cannot change a presented Vdisk into a container (" + d->path() + ")";
+    }
+    if (!m_world.snapshotsOf(d->id).empty()) {
         return "Cannot change a Vdisk with snapshots into a container (" + d->path() + ")";
-    if (m_world.drMembershipOf(d->id)) return "Cannot change a DR group member into a container (" + d->path() + ")";
-    if (d->copySource || copyRunsFrom(d->id)) return "Cannot change a Vdisk into a container while a copy runs";
+    }
+    if (m_world.drMembershipOf(d->id)) {
+        return "Cannot change a DR group member into a container (" + d->path() + ")";
+    }
+    if (d->copySource || copyRunsFrom(d->id)) {
+        return "Cannot change a Vdisk into a container while a copy runs";
+    }
     d->container = true;
     d->allocation = "fully";
     d->modified = now();
@@ -255,49 +379,73 @@ std::string ArrayOps::changeIntoContainer(int64_t cell, std::string const &ref)
     return {};
 }
 
-std::string ArrayOps::deleteVdisk(int64_t cell, std::string const &ref)
+std::string ArrayOps::deleteVdisk(int64_t cell, const std::string &ref)
 {
     std::string error;
     VdiskRec *d = findDisk(cell, ref, error);
-    if (!d) return error;
-    if (!m_world.lunsOfDisk(d->id).empty()) return "Cannot delete Vdisks when LUNs are still present.";
-    if (!m_world.snapshotsOf(d->id).empty()) return "Cannot delete Vdisks when snapshots are still present.";
-    if (m_world.drMembershipOf(d->id)) return "Cannot delete a Vdisk that is a member of a DR group.";
-    if (copyRunsFrom(d->id)) return "Cannot delete a Vdisk while it is being copied.";
+    if (!d) {
+        return error;
+    }
+    if (!m_world.lunsOfDisk(d->id).empty()) {
+        return "Cannot delete Vdisks when LUNs are still present.";
+    }
+    if (!m_world.snapshotsOf(d->id).empty()) {
+        return "Cannot delete Vdisks when snapshots are still present.";
+    }
+    if (m_world.drMembershipOf(d->id)) {
+        return "Cannot delete a Vdisk that is a member of a DR group.";
+    }
+    if (copyRunsFrom(d->id)) {
+        return "Cannot delete a Vdisk while it is being copied.";
+    }
     m_world.vdisks.erase(d->id);
     return {};
 }
 
-std::string ArrayOps::setVdisk(int64_t cell, std::string const &ref, VdiskChange const &change)
+std::string ArrayOps::setVdisk(int64_t cell, const std::string &ref, const VdiskChange &change)
 {
     std::string error;
     VdiskRec *d = findDisk(cell, ref, error);
-    if (!d) return error;
+    if (!d) {
+        return error;
+    }
     std::string wwlunid, writecache;
     if (change.hasName) {
-        if (!validName(change.name)) return "Invalid Vdisk name " + change.name;
+        if (!validName(change.name)) {
+            return "Invalid Vdisk name " + change.name;
+        }
         if (d->active()) {
-            if (familyTaken(cell, d->folder, change.name, d->id))
+            if (familyTaken(cell, d->folder, change.name, d->id)) {
                 return d->folder + "\\" + change.name + " already exists";
+            }
         } else {
-            for (auto const &[id, o] : m_world.vdisks.rows)
+            for (const auto &[id, o] : m_world.vdisks.rows) {
                 if (id != d->id && o.cell == cell && iequals(o.folder, d->folder) && iequals(o.family, d->family) &&
-                    iequals(o.leaf, change.name))
+                    iequals(o.leaf, change.name)) {
                     return o.path() + " already exists";
+                }
+            }
         }
     }
     if (change.hasWwlunid) {
-        if (!normaliseWwn(change.wwlunid, 8, wwlunid, false)) return "Invalid world wide LUN name " + change.wwlunid;
-        if (m_world.wwlunidInUse(cell, wwlunid, d->id)) return "World wide LUN name " + wwlunid + " is already in use";
+        if (!normaliseWwn(change.wwlunid, 8, wwlunid, false)) {
+            return "Invalid world wide LUN name " + change.wwlunid;
+        }
+        if (m_world.wwlunidInUse(cell, wwlunid, d->id)) {
+            return "World wide LUN name " + wwlunid + " is already in use";
+        }
     }
     if (change.hasWritecache) {
         writecache = lower(change.writecache);
-        if (writecache != "writethrough" && writecache != "writeback")
+        if (writecache != "writethrough" && writecache != "writeback") {
             return "Invalid write cache policy " + change.writecache;
+        }
     }
     if (change.container) {
         std::string const refused = changeIntoContainer(cell, d->path());
-        if (!refused.empty()) return refused;
+        if (!refused.empty()) {
+            return refused;
+        }
     }
     if (change.hasName) {
         if (d->active()) {
@@ -312,35 +460,55 @@ std::string ArrayOps::setVdisk(int64_t cell, std::string const &ref, VdiskChange
             d->leaf = change.name;
         }
     }
-    if (change.hasWwlunid) d->wwlunid = wwlunid;
-    if (change.hasWritecache) d->writecache = writecache;
-    if (change.hasComment) d->comments = change.comment;
+    if (change.hasWwlunid) {
+        d->wwlunid = wwlunid;
+    }
+    if (change.hasWritecache) {
+        d->writecache = writecache;
+    }
+    if (change.hasComment) {
+        d->comments = change.comment;
+    }
     d->modified = now();
     m_world.vdisks.touch(d->id);
     return {};
 }
 
-std::string ArrayOps::addLun(int64_t cell, long long lun, std::string const &hostRef, std::string const &diskRef,
+std::string ArrayOps::addLun(int64_t cell, long long lun, const std::string &hostRef, const std::string &diskRef,
                              int64_t *chosen)
 {
-    if (lun < 0 || lun > kHighestLun) return "Invalid LUN " + std::to_string(lun) + "; LUNs are 1 to 255, 0 lets the array choose";
+    if (lun < 0 || lun > kHighestLun) {
+        return "Invalid LUN " + std::to_string(lun) + "; LUNs are 1 to 255, 0 lets the array choose";
+    }
     bool ambiguous = false;
     HostRec *h = m_world.resolveHost(cell, hostRef, ambiguous);
-    if (!h) return ambiguous ? hostRef + " is ambiguous; give the full path" : hostRef + " not found";
+    if (!h) {
+        return ambiguous ? hostRef + " is ambiguous; give the full path" : hostRef + " not found";
+    }
     std::string error;
     VdiskRec *d = findDisk(cell, diskRef, error);
-    if (!d) return error;
-    if (d->container) return "Cannot present a container (" + d->path() + ")";
+    if (!d) {
+        return error;
+    }
+    if (d->container) {
+        return "Cannot present a container (" + d->path() + ")";
+    }
     std::set<int64_t> used;
-    for (LunRec const *l : m_world.lunsOfHost(h->id)) {
-        if (l->vdisk == d->id)
+    for (const LunRec *l : m_world.lunsOfHost(h->id)) {
+        if (l->vdisk == d->id) {
             return d->path() + " is already presented to " + h->path + " as LUN " + std::to_string(l->lun);
+        }
         used.insert(l->lun);
     }
     if (lun == 0) {
-        for (long long n = 1; n <= kHighestLun && !lun; ++n)
-            if (!used.count(n)) lun = n;
-        if (!lun) return "No free LUN left on host " + h->path;
+        for (long long n = 1; n <= kHighestLun && !lun; ++n) {
+            if (!used.count(n)) {
+                lun = n;
+            }
+        }
+        if (!lun) {
+            return "No free LUN left on host " + h->path;
+        }
     } else if (used.count(lun)) {
         return "LUN " + std::to_string(lun) + " is already in use on host " + h->path;
     }
@@ -349,18 +517,24 @@ std::string ArrayOps::addLun(int64_t cell, long long lun, std::string const &hos
     l.host = h->id;
     l.lun = lun;
     m_world.luns.insert(l);
-    if (chosen) *chosen = lun;
+    if (chosen) {
+        *chosen = lun;
+    }
     return {};
 }
 
-std::string ArrayOps::deleteLun(int64_t cell, std::string const &hostAndLun)
+std::string ArrayOps::deleteLun(int64_t cell, const std::string &hostAndLun)
 {
-    size_t const at = hostAndLun.rfind('\\');
+    const size_t at = hostAndLun.rfind('\\');
     long long lun = 0;
-    if (at == std::string::npos || !parseInt(hostAndLun.substr(at + 1), lun)) return hostAndLun + " not found";
+    if (at == std::string::npos || !parseInt(hostAndLun.substr(at + 1), lun)) {
+        return hostAndLun + " not found";
+    }
     bool ambiguous = false;
     HostRec *h = m_world.resolveHost(cell, hostAndLun.substr(0, at), ambiguous);
-    if (!h) return hostAndLun + " not found";
+    if (!h) {
+        return hostAndLun + " not found";
+    }
     for (LunRec *l : m_world.lunsOfHost(h->id)) {
         if (l->lun == lun) {
             m_world.luns.erase(l->id);
@@ -370,58 +544,85 @@ std::string ArrayOps::deleteLun(int64_t cell, std::string const &hostAndLun)
     return hostAndLun + " not found";
 }
 
-std::string ArrayOps::addHost(int64_t cell, std::string const &path, std::vector<std::string> const &ports,
-                              std::string const &os)
+std::string ArrayOps::addHost(int64_t cell, const std::string &path, const std::vector<std::string> &ports,
+                              const std::string &os)
 {
     std::string p = trim(path);
-    if (p.empty()) return "Invalid host name";
-    if (p[0] != '\\') p = istartsWith(p, "Hosts\\") ? "\\" + p : "\\Hosts\\" + p;
-    if (!istartsWith(p, "\\Hosts\\")) return "Invalid host path " + path;
+    if (p.empty()) {
+        return "Invalid host name";
+    }
+    if (p[0] != '\\') {
+        p = istartsWith(p, "Hosts\\") ? "\\" + p : "\\Hosts\\" + p;
+    }
+    if (!istartsWith(p, "\\Hosts\\")) {
+        return "Invalid host path " + path;
+    }
     p.replace(0, 7, "\\Hosts\\");
-    for (std::string const &part : split(p.substr(7), '\\'))
-        if (part.empty() || !validName(part)) return "Invalid host path " + path;
-    for (auto const &[id, h] : m_world.hosts.rows)
-        if (h.cell == cell && iequals(h.path, p)) return p + " already exists";
+    for (const std::string &part : split(p.substr(7), '\\')) {
+        if (part.empty() || !validName(part)) {
+            return "Invalid host path " + path;
+        }
+    }
+    for (const auto &[id, h] : m_world.hosts.rows) {
+        if (h.cell == cell && iequals(h.path, p)) {
+            return p + " already exists";
+        }
+    }
     std::vector<std::string> wwns;
-    for (std::string const &port : ports) {
+    for (const std::string &port : ports) {
         std::string w;
-        if (!normaliseWwn(port, 4, w, true)) return "Invalid port world wide name " + port;
+        if (!normaliseWwn(port, 4, w, true)) {
+            return "Invalid port world wide name " + port;
+        }
         wwns.push_back(w);
     }
     CellRec *c = m_world.cells.find(cell);
-    if (!c) return "no such cell";
+    if (!c) {
+        return "no such cell";
+    }
     HostRec h;
     h.cell = cell;
     h.path = p;
     h.ports = join(wwns, ",");
-    if (!os.empty()) h.os = os;
+    if (!os.empty()) {
+        h.os = os;
+    }
     h.objectid = m_world.newObjectId(*c);
     m_world.hosts.insert(h);
     return {};
 }
 
-std::string ArrayOps::setDrGroup(int64_t cell, std::string const &ref, bool suspend)
+std::string ArrayOps::setDrGroup(int64_t cell, const std::string &ref, bool suspend)
 {
     DrGroupRec *g = m_world.resolveDrGroup(cell, ref);
-    if (!g) return ref + " not found";
+    if (!g) {
+        return ref + " not found";
+    }
     g->suspended = suspend;
     m_world.drgroups.touch(g->id);
     return {};
 }
 
-void ArrayOps::observeCopies(std::vector<VdiskRec const *> const &disks)
+void ArrayOps::observeCopies(const std::vector<VdiskRec const *> &disks)
 {
     std::set<int64_t> copies;
     std::set<int64_t> sources;
-    for (VdiskRec const *d : disks) {
-        if (d->copySource) copies.insert(d->id);
+    for (const VdiskRec *d : disks) {
+        if (d->copySource) {
+            copies.insert(d->id);
+        }
         sources.insert(d->id);
     }
-    for (auto const &[id, d] : m_world.vdisks.rows)
-        if (d.copySource && sources.count(d.copySource)) copies.insert(id);
+    for (const auto &[id, d] : m_world.vdisks.rows) {
+        if (d.copySource && sources.count(d.copySource)) {
+            copies.insert(id);
+        }
+    }
     for (int64_t id : copies) {
         VdiskRec *t = m_world.vdisks.find(id);
-        if (!t) continue;
+        if (!t) {
+            continue;
+        }
         if (t->copyReads > 0) {
             --t->copyReads;
         } else {
@@ -432,4 +633,4 @@ void ArrayOps::observeCopies(std::vector<VdiskRec const *> const &disks)
     }
 }
 
-} // namespace evasim
+}  // namespace evasim

@@ -12,7 +12,7 @@ namespace {
 // fault can keep it silent for a while.
 constexpr int kBusyTimeoutMs = 15 * 60 * 1000;
 
-char const *const kSchema = R"SQL(
+const char *const kSchema = R"SQL(
 CREATE TABLE IF NOT EXISTS settings(key TEXT PRIMARY KEY, value TEXT NOT NULL);
 CREATE TABLE IF NOT EXISTS servers(id INTEGER PRIMARY KEY, host TEXT NOT NULL, user TEXT NOT NULL,
     password TEXT NOT NULL, reachable INTEGER NOT NULL);
@@ -40,11 +40,11 @@ CREATE TABLE IF NOT EXISTS faults(id INTEGER PRIMARY KEY, kind TEXT NOT NULL, re
     text TEXT NOT NULL, status INTEGER NOT NULL, cell TEXT NOT NULL DEFAULT '');
 )SQL";
 
-} // namespace
+}  // namespace
 
-Database::Database(std::string const &path, bool create)
+Database::Database(const std::string &path, bool create)
 {
-    int const flags = SQLITE_OPEN_READWRITE | (create ? SQLITE_OPEN_CREATE : 0) | SQLITE_OPEN_FULLMUTEX;
+    const int flags = SQLITE_OPEN_READWRITE | (create ? SQLITE_OPEN_CREATE : 0) | SQLITE_OPEN_FULLMUTEX;
     if (sqlite3_open_v2(path.c_str(), &m_db, flags, nullptr) != SQLITE_OK) {
         std::string const why = m_db ? sqlite3_errmsg(m_db) : "out of memory";
         sqlite3_close(m_db);
@@ -59,11 +59,13 @@ Database::Database(std::string const &path, bool create)
 
 Database::~Database()
 {
-    if (m_inTransaction) sqlite3_exec(m_db, "ROLLBACK", nullptr, nullptr, nullptr);
+    if (m_inTransaction) {
+        sqlite3_exec(m_db, "ROLLBACK", nullptr, nullptr, nullptr);
+    }
     sqlite3_close(m_db);
 }
 
-void Database::exec(std::string const &sql)
+void Database::exec(const std::string &sql)
 {
     char *error = nullptr;
     if (sqlite3_exec(m_db, sql.c_str(), nullptr, nullptr, &error) != SQLITE_OK) {
@@ -87,7 +89,9 @@ void Database::commit()
 
 void Database::rollback()
 {
-    if (!m_inTransaction) return;
+    if (!m_inTransaction) {
+        return;
+    }
     m_inTransaction = false;
     exec("ROLLBACK");
 }
@@ -97,4 +101,4 @@ void Database::createSchema()
     exec(kSchema);
 }
 
-} // namespace evasim
+}  // namespace evasim

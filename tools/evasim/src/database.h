@@ -1,5 +1,6 @@
 // The simulator's state file: an SQLite database in WAL mode, shared by every evasim process.
-#pragma once
+#ifndef EVASIM_DATABASE_H
+#define EVASIM_DATABASE_H
 
 #include <string>
 
@@ -10,12 +11,12 @@ namespace evasim {
 class Database {
 public:
     // Opens (and with 'create' makes) the file and its tables. Throws std::runtime_error.
-    Database(std::string const &path, bool create);
+    Database(const std::string &path, bool create);
     ~Database();
-    Database(Database const &) = delete;
-    Database &operator=(Database const &) = delete;
+    Database(const Database &) = delete;
+    Database &operator=(const Database &) = delete;
 
-    void exec(std::string const &sql);
+    void exec(const std::string &sql);
     // BEGIN IMMEDIATE: the writer's lock is taken before anything is read, so two runs
     // never interleave a read and a write of the same rows.
     void begin();
@@ -30,4 +31,6 @@ private:
     bool m_inTransaction = false;
 };
 
-} // namespace evasim
+}  // namespace evasim
+
+#endif

@@ -23,16 +23,16 @@ Fault readFault(Statement &s)
     return f;
 }
 
-} // namespace
+}  // namespace
 
-std::vector<std::string> const &FaultStore::kinds()
+const std::vector<std::string> &FaultStore::kinds()
 {
-    static std::vector<std::string> const list{"https", "silence", "ignore-signals", "exit-after", "no-output",
-                                               "malformed-xml", "error", "banner", "delay"};
+    static const std::vector<std::string> list{"https",         "silence", "ignore-signals", "exit-after", "no-output",
+                                               "malformed-xml", "error",   "banner",         "delay"};
     return list;
 }
 
-void FaultStore::add(Database &db, Fault const &f)
+void FaultStore::add(Database &db, const Fault &f)
 {
     Statement s(db.handle(), "INSERT INTO faults(kind, remaining, server, seconds, line, pattern, text, status, cell) "
                              "VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?)");
@@ -46,7 +46,9 @@ std::vector<Fault> FaultStore::list(Database &db)
     std::vector<Fault> out;
     Statement s(db.handle(), "SELECT id, kind, remaining, server, seconds, line, pattern, text, status, cell "
                              "FROM faults WHERE remaining > 0 ORDER BY id");
-    while (s.step()) out.push_back(readFault(s));
+    while (s.step()) {
+        out.push_back(readFault(s));
+    }
     return out;
 }
 
@@ -58,21 +60,25 @@ void FaultStore::clear(Database &db)
 std::vector<Fault> FaultStore::takeRunFaults(Database &db)
 {
     std::vector<Fault> taken;
-    for (Fault const &f : list(db)) {
-        if (!f.perRun()) continue;
+    for (const Fault &f : list(db)) {
+        if (!f.perRun()) {
+            continue;
+        }
         taken.push_back(f);
     }
     std::vector<Fault> used = taken;
-    for (Fault &f : used) --f.remaining;
+    for (Fault &f : used) {
+        --f.remaining;
+    }
     saveUses(db, used);
     return taken;
 }
 
-void FaultStore::saveUses(Database &db, std::vector<Fault> const &faults)
+void FaultStore::saveUses(Database &db, const std::vector<Fault> &faults)
 {
     Statement update(db.handle(), "UPDATE faults SET remaining = ? WHERE id = ?");
     Statement remove(db.handle(), "DELETE FROM faults WHERE id = ?");
-    for (Fault const &f : faults) {
+    for (const Fault &f : faults) {
         if (f.remaining > 0) {
             update.bind(1, f.remaining).bind(2, f.id);
             update.run();
@@ -83,4 +89,4 @@ void FaultStore::saveUses(Database &db, std::vector<Fault> const &faults)
     }
 }
 
-} // namespace evasim
+}  // namespace evasim

@@ -1,5 +1,6 @@
 // Armed faults in the state file, counted down as runs use them.
-#pragma once
+#ifndef EVASIM_FAULT_STORE_H
+#define EVASIM_FAULT_STORE_H
 
 #include "fault.h"
 
@@ -12,15 +13,17 @@ class Database;
 
 class FaultStore {
 public:
-    static std::vector<std::string> const &kinds();
+    static const std::vector<std::string> &kinds();
 
-    static void add(Database &db, Fault const &fault);
+    static void add(Database &db, const Fault &fault);
     static std::vector<Fault> list(Database &db);
     static void clear(Database &db);
     // Takes one use of every per-run fault, removing those used up, and gives them.
     static std::vector<Fault> takeRunFaults(Database &db);
     // Writes back the remaining uses of faults that hit during a run.
-    static void saveUses(Database &db, std::vector<Fault> const &faults);
+    static void saveUses(Database &db, const std::vector<Fault> &faults);
 };
 
-} // namespace evasim
+}  // namespace evasim
+
+#endif

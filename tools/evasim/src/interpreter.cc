@@ -16,9 +16,9 @@ namespace evasim {
 
 namespace {
 
-char const *const kNoManager = "Command not valid until a manager is selected (SELECT MANAGER)";
-char const *const kNoSystem = "Command not valid until a system is selected (SELECT SYSTEM)";
-char const *const kHttps = "Error opening https connection";
+const char *const kNoManager = "Command not valid until a manager is selected (SELECT MANAGER)";
+const char *const kNoSystem = "Command not valid until a system is selected (SELECT SYSTEM)";
+const char *const kHttps = "Error opening https connection";
 
 // The tail keywords of an LS command, and where the name before them starts and ends.
 struct ListRequest {
@@ -28,38 +28,48 @@ struct ListRequest {
     size_t badColumn = std::string::npos;
 };
 
-ListRequest parseList(std::string const &line, std::vector<Token> const &t)
+ListRequest parseList(const std::string &line, const std::vector<Token> &t)
 {
     ListRequest r;
     size_t end = t.size();
     while (end > 2 && (t[end - 1].is("XML") || t[end - 1].is("FULL"))) {
-        if (t[end - 1].is("XML")) r.xml = true;
-        else r.full = true;
+        if (t[end - 1].is("XML")) {
+            r.xml = true;
+        } else {
+            r.full = true;
+        }
         --end;
     }
     if (end > 2) {
         if (t[2].kind == Token::Quoted) {
             r.name = t[2].text;
-            if (end > 3) r.badColumn = t[3].column;
+            if (end > 3) {
+                r.badColumn = t[3].column;
+            }
         } else {
-            for (size_t i = 2; i < end; ++i)
+            for (size_t i = 2; i < end; ++i) {
                 if (t[i].kind != Token::Word) {
                     r.badColumn = t[i].column;
                     return r;
                 }
+            }
             // An unquoted name runs to the keywords behind it, blanks and all.
-            size_t const stop = end < t.size() ? t[end].column : line.size();
+            const size_t stop = end < t.size() ? t[end].column : line.size();
             r.name = trim(line.substr(t[2].column, stop - t[2].column));
         }
     }
     return r;
 }
 
-} // namespace
+}  // namespace
 
-Interpreter::Interpreter(Output &out, World *world, Settings const &settings, std::vector<Fault> &faults,
-                         double delay)
-    : m_out(out), m_world(world), m_settings(settings), m_faults(faults), m_delay(delay)
+Interpreter::Interpreter(Output &out, World *world, const Settings &settings, std::vector<Fault> &faults,
+                         double delay) :
+    m_out(out),
+    m_world(world),
+    m_settings(settings),
+    m_faults(faults),
+    m_delay(delay)
 {
 }
 
@@ -68,35 +78,47 @@ std::string Interpreter::prompt() const
     return (m_cell ? m_cellName : std::string("NoSystemSelected")) + "> ";
 }
 
-int Interpreter::run(std::vector<std::string> const &lines)
+int Interpreter::run(const std::vector<std::string> &lines)
 {
     for (std::string raw : lines) {
-        while (!raw.empty() && (raw.back() == '\r' || raw.back() == '\n')) raw.pop_back();
-        if (trim(raw).empty()) continue;
-        if (m_delay > 0) m_out.pause(m_delay);
+        while (!raw.empty() && (raw.back() == '\r' || raw.back() == '\n')) {
+            raw.pop_back();
+        }
+        if (trim(raw).empty()) {
+            continue;
+        }
+        if (m_delay > 0) {
+            m_out.pause(m_delay);
+        }
         std::string const body = trim(raw);
         Result r;
         if (istartsWith(body, "select manager ") || istartsWith(body, "select manager\t")) {
             r = loginLine(body);
         } else {
             m_out.line(prompt() + raw);
-            if (istartsWith(body, "exit") && trim(body.substr(4)).empty()) return 0;
+            if (istartsWith(body, "exit") && trim(body.substr(4)).empty()) {
+                return 0;
+            }
             r = execute(raw);
         }
-        if (r == Result::Stop) return 0;
-        if (r == Result::Error && m_exitOnError) return 1;
+        if (r == Result::Stop) {
+            return 0;
+        }
+        if (r == Result::Error && m_exitOnError) {
+            return 1;
+        }
     }
     return 0;
 }
 
-Interpreter::Result Interpreter::loginLine(std::string const &line)
+Interpreter::Result Interpreter::loginLine(const std::string &line)
 {
     // "select manager <host> user=<user> password=<password>": the password runs to the end of
     // the line and may hold blanks, so the line is cut by its keywords, not by words.
     std::string const rest = trim(line.substr(14));
     std::string const lowered = lower(rest);
-    size_t const userAt = lowered.find(" user=");
-    size_t const passwordAt = lowered.find(" password=");
+    const size_t userAt = lowered.find(" user=");
+    const size_t passwordAt = lowered.find(" password=");
     bool ok = m_world && userAt != std::string::npos && passwordAt != std::string::npos && userAt < passwordAt;
     ServerRec *server = nullptr;
     if (ok) {
@@ -106,8 +128,12 @@ Interpreter::Result Interpreter::loginLine(std::string const &line)
         server = m_world->serverByHost(host);
         ok = server && server->reachable && server->user == user && server->password == password;
         for (Fault &f : m_faults) {
-            if (f.kind != "https" || f.remaining <= 0) continue;
-            if (!f.server.empty() && !iequals(f.server, host)) continue;
+            if (f.kind != "https" || f.remaining <= 0) {
+                continue;
+            }
+            if (!f.server.empty() && !iequals(f.server, host)) {
+                continue;
+            }
             --f.remaining;
             ok = false;
             break;
@@ -123,14 +149,14 @@ Interpreter::Result Interpreter::loginLine(std::string const &line)
     return Result::Ok;
 }
 
-Interpreter::Result Interpreter::error(std::string const &message)
+Interpreter::Result Interpreter::error(const std::string &message)
 {
     m_out.line("");
     m_out.line("Error: " + message);
     return Result::Error;
 }
 
-Interpreter::Result Interpreter::syntaxError(std::string const &line, size_t column)
+Interpreter::Result Interpreter::syntaxError(const std::string &line, size_t column)
 {
     m_out.line("");
     m_out.line(std::string(prompt().size() + column, ' ') + "^");
@@ -140,33 +166,47 @@ Interpreter::Result Interpreter::syntaxError(std::string const &line, size_t col
 
 bool Interpreter::needManager()
 {
-    if (m_server) return true;
+    if (m_server) {
+        return true;
+    }
     error(kNoManager);
     return false;
 }
 
 bool Interpreter::needSystem()
 {
-    if (!needManager()) return false;
-    if (m_cell) return true;
+    if (!needManager()) {
+        return false;
+    }
+    if (m_cell) {
+        return true;
+    }
     error(kNoSystem);
     return false;
 }
 
-bool Interpreter::takeFault(char const *kind, std::string const &line, Fault *taken)
+bool Interpreter::takeFault(const char *kind, const std::string &line, Fault *taken)
 {
     for (Fault &f : m_faults) {
-        if (f.kind != kind || f.remaining <= 0) continue;
-        if (f.kind == "error" && !icontains(line, f.pattern)) continue;
-        if (f.kind == "error" && !f.cell.empty() && !(m_cell && iequals(f.cell, m_cellName))) continue;
+        if (f.kind != kind || f.remaining <= 0) {
+            continue;
+        }
+        if (f.kind == "error" && !icontains(line, f.pattern)) {
+            continue;
+        }
+        if (f.kind == "error" && !f.cell.empty() && !(m_cell && iequals(f.cell, m_cellName))) {
+            continue;
+        }
         --f.remaining;
-        if (taken) *taken = f;
+        if (taken) {
+            *taken = f;
+        }
         return true;
     }
     return false;
 }
 
-Interpreter::Result Interpreter::quirk(char const *setting, std::string const &message)
+Interpreter::Result Interpreter::quirk(const char *setting, const std::string &message)
 {
     if (!m_settings.flag(setting)) {
         m_out.line("");
@@ -176,47 +216,75 @@ Interpreter::Result Interpreter::quirk(char const *setting, std::string const &m
     return error(message);
 }
 
-void Interpreter::nameList(std::string const &header, std::vector<std::string> const &names)
+void Interpreter::nameList(const std::string &header, const std::vector<std::string> &names)
 {
     m_out.line("");
     m_out.line(header);
-    for (std::string const &n : names) m_out.line(n);
+    for (const std::string &n : names) {
+        m_out.line(n);
+    }
 }
 
-Interpreter::Result Interpreter::execute(std::string const &line)
+Interpreter::Result Interpreter::execute(const std::string &line)
 {
     std::vector<Token> t;
     size_t bad = 0;
-    if (!Tokenizer::split(line, t, bad)) return syntaxError(line, bad);
-    if (t.empty()) return Result::Ok;
+    if (!Tokenizer::split(line, t, bad)) {
+        return syntaxError(line, bad);
+    }
+    if (t.empty()) {
+        return Result::Ok;
+    }
     Fault injected;
-    if (takeFault("error", line, &injected)) return error(injected.text);
+    if (takeFault("error", line, &injected)) {
+        return error(injected.text);
+    }
 
-    Token const &verb = t[0];
-    if (verb.is("SET")) return setCommand(line, t);
-    if (verb.is("SELECT")) return selectCommand(line, t);
-    if (verb.is("LS")) return lsCommand(line, t);
-    if (verb.is("FIND")) return findCommand(line, t);
-    if (verb.is("ADD")) return addCommand(line, t);
-    if (verb.is("DELETE")) return deleteCommand(line, t);
+    const Token &verb = t[0];
+    if (verb.is("SET")) {
+        return setCommand(line, t);
+    }
+    if (verb.is("SELECT")) {
+        return selectCommand(line, t);
+    }
+    if (verb.is("LS")) {
+        return lsCommand(line, t);
+    }
+    if (verb.is("FIND")) {
+        return findCommand(line, t);
+    }
+    if (verb.is("ADD")) {
+        return addCommand(line, t);
+    }
+    if (verb.is("DELETE")) {
+        return deleteCommand(line, t);
+    }
     if (verb.is("REFRESH") || verb.is("REDISCOVER")) {
-        if (t.size() > 1) return syntaxError(line, t[1].column);
-        if (!needManager()) return Result::Error;
+        if (t.size() > 1) {
+            return syntaxError(line, t[1].column);
+        }
+        if (!needManager()) {
+            return Result::Error;
+        }
         m_out.line("");
         return Result::Ok;
     }
     return syntaxError(line, verb.column);
 }
 
-Interpreter::Result Interpreter::setCommand(std::string const &line, std::vector<Token> const &t)
+Interpreter::Result Interpreter::setCommand(const std::string &line, const std::vector<Token> &t)
 {
-    if (t.size() < 2) return syntaxError(line, line.size());
+    if (t.size() < 2) {
+        return syntaxError(line, line.size());
+    }
     if (t[1].is("OPTION") || t[1].is("OPTIONS")) {
-        if (t.size() < 3) return syntaxError(line, line.size());
+        if (t.size() < 3) {
+            return syntaxError(line, line.size());
+        }
         bool exitOnError = m_exitOnError;
         long long delay = m_commandDelay, width = m_displayWidth;
         for (size_t i = 2; i < t.size(); ++i) {
-            Token const &o = t[i];
+            const Token &o = t[i];
             long long n = 0;
             if (o.is("NOCOMMAND_DELAY")) {
                 delay = 0;
@@ -226,7 +294,8 @@ Interpreter::Result Interpreter::setCommand(std::string const &line, std::vector
                 width = n;
             } else if (o.isKey("ON_ERROR") && iequals(o.value, "CONTINUE")) {
                 exitOnError = false;
-            } else if (o.isKey("ON_ERROR") && (iequals(o.value, "EXIT_ON_ERROR") || iequals(o.value, "HALT_ON_ERROR"))) {
+            } else if (o.isKey("ON_ERROR") &&
+                       (iequals(o.value, "EXIT_ON_ERROR") || iequals(o.value, "HALT_ON_ERROR"))) {
                 exitOnError = true;
             } else {
                 return syntaxError(line, o.column);
@@ -239,196 +308,302 @@ Interpreter::Result Interpreter::setCommand(std::string const &line, std::vector
         return Result::Ok;
     }
     if (t[1].is("VDISK")) {
-        if (t.size() < 4 || !t[2].isName()) return syntaxError(line, t.size() < 3 ? line.size() : t[2].column);
+        if (t.size() < 4 || !t[2].isName()) {
+            return syntaxError(line, t.size() < 3 ? line.size() : t[2].column);
+        }
         ArrayOps::VdiskChange change;
         for (size_t i = 3; i < t.size(); ++i) {
-            Token const &o = t[i];
-            if (o.is("CHANGE_INTO_CONTAINER")) change.container = true;
-            else if (o.isKey("NAME")) change.hasName = true, change.name = o.value;
-            else if (o.isKey("WORLD_WIDE_LUN_NAME")) change.hasWwlunid = true, change.wwlunid = o.value;
-            else if (o.isKey("WRITECACHE")) change.hasWritecache = true, change.writecache = o.value;
-            else if (o.isKey("COMMENT") || o.isKey("COMMENTS")) change.hasComment = true, change.comment = o.value;
-            else return syntaxError(line, o.column);
+            const Token &o = t[i];
+            if (o.is("CHANGE_INTO_CONTAINER")) {
+                change.container = true;
+            } else if (o.isKey("NAME")) {
+                change.hasName = true, change.name = o.value;
+            } else if (o.isKey("WORLD_WIDE_LUN_NAME")) {
+                change.hasWwlunid = true, change.wwlunid = o.value;
+            } else if (o.isKey("WRITECACHE")) {
+                change.hasWritecache = true, change.writecache = o.value;
+            } else if (o.isKey("COMMENT") || o.isKey("COMMENTS")) {
+                change.hasComment = true, change.comment = o.value;
+            } else {
+                return syntaxError(line, o.column);
+            }
         }
-        if (!needSystem()) return Result::Error;
+        if (!needSystem()) {
+            return Result::Error;
+        }
         std::string const refused = ArrayOps(*m_world, m_settings).setVdisk(m_cell, t[2].text, change);
-        if (!refused.empty()) return error(refused);
+        if (!refused.empty()) {
+            return error(refused);
+        }
         m_out.line("");
         return Result::Ok;
     }
     if (t[1].is("DR_GROUP")) {
-        if (t.size() != 4 || !t[2].isName()) return syntaxError(line, t.size() < 3 ? line.size() : t[t.size() < 4 ? 2 : 3].column);
+        if (t.size() != 4 || !t[2].isName()) {
+            return syntaxError(line, t.size() < 3 ? line.size() : t[t.size() < 4 ? 2 : 3].column);
+        }
         bool suspend = false;
-        if (t[3].is("SUSPEND")) suspend = true;
-        else if (!t[3].is("NOSUSPEND")) return syntaxError(line, t[3].column);
-        if (!needSystem()) return Result::Error;
+        if (t[3].is("SUSPEND")) {
+            suspend = true;
+        } else if (!t[3].is("NOSUSPEND")) {
+            return syntaxError(line, t[3].column);
+        }
+        if (!needSystem()) {
+            return Result::Error;
+        }
         std::string const refused = ArrayOps(*m_world, m_settings).setDrGroup(m_cell, t[2].text, suspend);
-        if (!refused.empty()) return error(refused);
+        if (!refused.empty()) {
+            return error(refused);
+        }
         m_out.line("");
         return Result::Ok;
     }
     return syntaxError(line, t[1].column);
 }
 
-Interpreter::Result Interpreter::selectCommand(std::string const &line, std::vector<Token> const &t)
+Interpreter::Result Interpreter::selectCommand(const std::string &line, const std::vector<Token> &t)
 {
-    if (t.size() < 2 || !(t[1].is("CELL") || t[1].is("SYSTEM"))) return syntaxError(line, t.size() < 2 ? line.size() : t[1].column);
-    if (t.size() < 3) return syntaxError(line, line.size());
+    if (t.size() < 2 || !(t[1].is("CELL") || t[1].is("SYSTEM"))) {
+        return syntaxError(line, t.size() < 2 ? line.size() : t[1].column);
+    }
+    if (t.size() < 3) {
+        return syntaxError(line, line.size());
+    }
     std::string name;
-    if (t.size() == 3 && t[2].kind == Token::Quoted) name = t[2].text;
-    else {
-        for (size_t i = 2; i < t.size(); ++i)
-            if (t[i].kind != Token::Word) return syntaxError(line, t[i].column);
+    if (t.size() == 3 && t[2].kind == Token::Quoted) {
+        name = t[2].text;
+    } else {
+        for (size_t i = 2; i < t.size(); ++i) {
+            if (t[i].kind != Token::Word) {
+                return syntaxError(line, t[i].column);
+            }
+        }
         name = trim(line.substr(t[2].column));
     }
-    if (!needManager()) return Result::Error;
+    if (!needManager()) {
+        return Result::Error;
+    }
     CellRec *c = m_world->cellByName(name);
-    if (!c || !m_world->manages(m_server, c->id)) return error(name + " not found");
+    if (!c || !m_world->manages(m_server, c->id)) {
+        return error(name + " not found");
+    }
     m_cell = c->id;
     m_cellName = c->name;
     m_out.line("");
     return Result::Ok;
 }
 
-Interpreter::Result Interpreter::lsCommand(std::string const &line, std::vector<Token> const &t)
+Interpreter::Result Interpreter::lsCommand(const std::string &line, const std::vector<Token> &t)
 {
-    if (t.size() < 2) return syntaxError(line, line.size());
-    Token const &what = t[1];
-    bool const cells = what.is("CELL") || what.is("SYSTEM");
-    if (!cells && !what.is("VDISK") && !what.is("HOST") && !what.is("DR_GROUP") && !what.is("DISK_GROUP"))
+    if (t.size() < 2) {
+        return syntaxError(line, line.size());
+    }
+    const Token &what = t[1];
+    const bool cells = what.is("CELL") || what.is("SYSTEM");
+    if (!cells && !what.is("VDISK") && !what.is("HOST") && !what.is("DR_GROUP") && !what.is("DISK_GROUP")) {
         return syntaxError(line, what.column);
-    ListRequest const req = parseList(line, t);
-    if (req.badColumn != std::string::npos) return syntaxError(line, req.badColumn);
-    if (cells ? !needManager() : !needSystem()) return Result::Error;
+    }
+    const ListRequest req = parseList(line, t);
+    if (req.badColumn != std::string::npos) {
+        return syntaxError(line, req.badColumn);
+    }
+    if (cells ? !needManager() : !needSystem()) {
+        return Result::Error;
+    }
 
-    bool const objects = req.full || !req.name.empty() || req.xml;
-    bool const malformed = req.xml && takeFault("malformed-xml", line);
+    const bool objects = req.full || !req.name.empty() || req.xml;
+    const bool malformed = req.xml && takeFault("malformed-xml", line);
     std::unique_ptr<ObjectWriter> writer;
-    if (req.xml) writer = std::make_unique<XmlObjectWriter>(m_out, m_settings.flag("info_lines"), malformed);
-    else writer = std::make_unique<TextObjectWriter>(m_out);
+    if (req.xml) {
+        writer = std::make_unique<XmlObjectWriter>(m_out, m_settings.flag("info_lines"), malformed);
+    } else {
+        writer = std::make_unique<TextObjectWriter>(m_out);
+    }
 
     if (cells) {
-        std::vector<CellRec const *> list;
-        for (CellRec const *c : m_world->cellsOf(m_server))
-            if (req.name.empty() || iequals(c->name, req.name)) list.push_back(c);
-        if (!req.name.empty() && list.empty()) return error(req.name + " not found");
+        std::vector<const CellRec *> list;
+        for (const CellRec *c : m_world->cellsOf(m_server)) {
+            if (req.name.empty() || iequals(c->name, req.name)) {
+                list.push_back(c);
+            }
+        }
+        if (!req.name.empty() && list.empty()) {
+            return error(req.name + " not found");
+        }
         if (!objects) {
             std::vector<std::string> names;
-            for (CellRec const *c : list) names.push_back(c->name);
+            for (const CellRec *c : list) {
+                names.push_back(c->name);
+            }
             nameList("Systems available on this Manager:", names);
             return Result::Ok;
         }
         ObjectDescriber describe(*m_world);
         m_out.line("");
-        for (CellRec const *c : list) describe.cell(*writer, *c);
+        for (const CellRec *c : list) {
+            describe.cell(*writer, *c);
+        }
         return Result::Ok;
     }
 
     if (what.is("VDISK")) {
-        std::vector<VdiskRec const *> list;
+        std::vector<const VdiskRec *> list;
         if (!req.name.empty()) {
             bool ambiguous = false;
             VdiskRec *d = m_world->resolveVdisk(m_cell, req.name, ambiguous);
-            if (!d) return error(ambiguous ? req.name + " is ambiguous; give the full path" : req.name + " not found");
+            if (!d) {
+                return error(ambiguous ? req.name + " is ambiguous; give the full path" : req.name + " not found");
+            }
             list.push_back(d);
         } else {
-            for (VdiskRec *d : m_world->vdisksOf(m_cell)) list.push_back(d);
+            for (VdiskRec *d : m_world->vdisksOf(m_cell)) {
+                list.push_back(d);
+            }
         }
         if (!objects) {
             std::vector<std::string> names;
             names.reserve(list.size());
-            for (VdiskRec const *d : list) names.push_back(d->path());
+            for (const VdiskRec *d : list) {
+                names.push_back(d->path());
+            }
             nameList("Vdisks available on this Cell:", names);
             return Result::Ok;
         }
         ArrayOps(*m_world, m_settings).observeCopies(list);
         ObjectDescriber describe(*m_world);
         m_out.line("");
-        for (VdiskRec const *d : list) describe.vdisk(*writer, *d);
+        for (const VdiskRec *d : list) {
+            describe.vdisk(*writer, *d);
+        }
         return Result::Ok;
     }
 
     if (what.is("HOST")) {
-        std::vector<HostRec const *> list;
+        std::vector<const HostRec *> list;
         if (!req.name.empty()) {
             bool ambiguous = false;
             HostRec *h = m_world->resolveHost(m_cell, req.name, ambiguous);
-            if (!h) return error(ambiguous ? req.name + " is ambiguous; give the full path" : req.name + " not found");
+            if (!h) {
+                return error(ambiguous ? req.name + " is ambiguous; give the full path" : req.name + " not found");
+            }
             list.push_back(h);
         } else {
-            for (HostRec *h : m_world->hostsOf(m_cell)) list.push_back(h);
+            for (HostRec *h : m_world->hostsOf(m_cell)) {
+                list.push_back(h);
+            }
         }
         if (!objects) {
             std::vector<std::string> names;
-            for (HostRec const *h : list) names.push_back(h->path);
+            for (const HostRec *h : list) {
+                names.push_back(h->path);
+            }
             nameList("Hosts available on this Cell:", names);
             return Result::Ok;
         }
         ObjectDescriber describe(*m_world);
         m_out.line("");
-        for (HostRec const *h : list) describe.host(*writer, *h);
+        for (const HostRec *h : list) {
+            describe.host(*writer, *h);
+        }
         return Result::Ok;
     }
 
     if (what.is("DR_GROUP")) {
-        std::vector<DrGroupRec const *> list;
+        std::vector<const DrGroupRec *> list;
         if (!req.name.empty()) {
             DrGroupRec *g = m_world->resolveDrGroup(m_cell, req.name);
-            if (!g) return error(req.name + " not found");
+            if (!g) {
+                return error(req.name + " not found");
+            }
             list.push_back(g);
         } else {
-            for (auto const &[id, g] : m_world->drgroups.rows)
-                if (g.sourceCell == m_cell || g.destCell == m_cell) list.push_back(&g);
+            for (const auto &[id, g] : m_world->drgroups.rows) {
+                if (g.sourceCell == m_cell || g.destCell == m_cell) {
+                    list.push_back(&g);
+                }
+            }
         }
         if (!objects) {
             std::vector<std::string> names;
-            for (DrGroupRec const *g : list) names.push_back(g->path());
+            for (const DrGroupRec *g : list) {
+                names.push_back(g->path());
+            }
             nameList("DR groups available on this Cell:", names);
             return Result::Ok;
         }
         ObjectDescriber describe(*m_world);
         m_out.line("");
-        for (DrGroupRec const *g : list) describe.drGroup(*writer, *g, m_cell);
+        for (const DrGroupRec *g : list) {
+            describe.drGroup(*writer, *g, m_cell);
+        }
         return Result::Ok;
     }
 
-    std::vector<DiskGroupRec const *> list;
-    for (auto const &[id, g] : m_world->diskgroups.rows)
-        if (g.cell == m_cell && (req.name.empty() || iequals(g.name, req.name) || iequals("\\Disk Groups\\" + g.name, req.name)))
+    std::vector<const DiskGroupRec *> list;
+    for (const auto &[id, g] : m_world->diskgroups.rows) {
+        if (g.cell == m_cell &&
+            (req.name.empty() || iequals(g.name, req.name) || iequals("\\Disk Groups\\" + g.name, req.name))) {
             list.push_back(&g);
-    if (!req.name.empty() && list.empty()) return error(req.name + " not found");
+        }
+    }
+    if (!req.name.empty() && list.empty()) {
+        return error(req.name + " not found");
+    }
     if (!objects) {
         std::vector<std::string> names;
-        for (DiskGroupRec const *g : list) names.push_back("\\Disk Groups\\" + g->name);
+        for (const DiskGroupRec *g : list) {
+            names.push_back("\\Disk Groups\\" + g->name);
+        }
         nameList("Disk groups available on this Cell:", names);
         return Result::Ok;
     }
     ObjectDescriber describe(*m_world);
     m_out.line("");
-    for (DiskGroupRec const *g : list) describe.diskGroup(*writer, *g);
+    for (const DiskGroupRec *g : list) {
+        describe.diskGroup(*writer, *g);
+    }
     return Result::Ok;
 }
 
-Interpreter::Result Interpreter::findCommand(std::string const &line, std::vector<Token> const &t)
+Interpreter::Result Interpreter::findCommand(const std::string &line, const std::vector<Token> &t)
 {
-    if (t.size() < 3 || !t[1].is("VDISK")) return syntaxError(line, t.size() < 2 ? line.size() : t[1].column);
-    if (!t[2].isKey("LUNWWID")) return syntaxError(line, t[2].column);
+    if (t.size() < 3 || !t[1].is("VDISK")) {
+        return syntaxError(line, t.size() < 2 ? line.size() : t[1].column);
+    }
+    if (!t[2].isKey("LUNWWID")) {
+        return syntaxError(line, t[2].column);
+    }
     bool xml = false;
     for (size_t i = 3; i < t.size(); ++i) {
-        if (t[i].is("XML")) xml = true;
-        else return syntaxError(line, t[i].column);
+        if (t[i].is("XML")) {
+            xml = true;
+        } else {
+            return syntaxError(line, t[i].column);
+        }
     }
-    if (!needSystem()) return Result::Error;
+    if (!needSystem()) {
+        return Result::Error;
+    }
     std::string wanted;
-    if (!normaliseWwn(t[2].value, 8, wanted, false)) return error(t[2].value + " not found");
-    VdiskRec const *found = nullptr;
-    for (auto const &[id, d] : m_world->vdisks.rows)
-        if (d.cell == m_cell && iequals(d.wwlunid, wanted)) found = &d;
-    if (!found) return error(t[2].value + " not found");
-    bool const malformed = xml && takeFault("malformed-xml", line);
+    if (!normaliseWwn(t[2].value, 8, wanted, false)) {
+        return error(t[2].value + " not found");
+    }
+    const VdiskRec *found = nullptr;
+    for (const auto &[id, d] : m_world->vdisks.rows) {
+        if (d.cell == m_cell && iequals(d.wwlunid, wanted)) {
+            found = &d;
+        }
+    }
+    if (!found) {
+        return error(t[2].value + " not found");
+    }
+    const bool malformed = xml && takeFault("malformed-xml", line);
     std::unique_ptr<ObjectWriter> writer;
-    if (xml) writer = std::make_unique<XmlObjectWriter>(m_out, m_settings.flag("info_lines"), malformed);
-    else writer = std::make_unique<TextObjectWriter>(m_out);
+    if (xml) {
+        writer = std::make_unique<XmlObjectWriter>(m_out, m_settings.flag("info_lines"), malformed);
+    } else {
+        writer = std::make_unique<TextObjectWriter>(m_out);
+    }
     ArrayOps(*m_world, m_settings).observeCopies({found});
     ObjectDescriber describe(*m_world);
     m_out.line("");
@@ -436,73 +611,115 @@ Interpreter::Result Interpreter::findCommand(std::string const &line, std::vecto
     return Result::Ok;
 }
 
-Interpreter::Result Interpreter::addCommand(std::string const &line, std::vector<Token> const &t)
+Interpreter::Result Interpreter::addCommand(const std::string &line, const std::vector<Token> &t)
 {
-    if (t.size() < 2) return syntaxError(line, line.size());
-    Token const &what = t[1];
+    if (t.size() < 2) {
+        return syntaxError(line, line.size());
+    }
+    const Token &what = t[1];
     if (what.is("LUN")) {
         long long lun = 0;
-        if (t.size() < 3 || t[2].kind != Token::Word || !parseInt(t[2].text, lun))
+        if (t.size() < 3 || t[2].kind != Token::Word || !parseInt(t[2].text, lun)) {
             return syntaxError(line, t.size() < 3 ? line.size() : t[2].column);
+        }
         std::string host, disk;
         bool hasHost = false, hasDisk = false;
         for (size_t i = 3; i < t.size(); ++i) {
-            if (t[i].isKey("HOST")) host = t[i].value, hasHost = true;
-            else if (t[i].isKey("VDISK")) disk = t[i].value, hasDisk = true;
-            else return syntaxError(line, t[i].column);
+            if (t[i].isKey("HOST")) {
+                host = t[i].value, hasHost = true;
+            } else if (t[i].isKey("VDISK")) {
+                disk = t[i].value, hasDisk = true;
+            } else {
+                return syntaxError(line, t[i].column);
+            }
         }
-        if (!hasHost || !hasDisk) return syntaxError(line, line.size());
-        if (!needSystem()) return Result::Error;
+        if (!hasHost || !hasDisk) {
+            return syntaxError(line, line.size());
+        }
+        if (!needSystem()) {
+            return Result::Error;
+        }
         std::string const refused = ArrayOps(*m_world, m_settings).addLun(m_cell, lun, host, disk);
-        if (!refused.empty()) return error(refused);
+        if (!refused.empty()) {
+            return error(refused);
+        }
         return quirk("quirk_present_failed",
                      "Error the call to present the virtual disk has failed. [Logical disk Presented]");
     }
 
-    if (!what.is("VDISK") && !what.is("SNAPSHOT") && !what.is("COPY")) return syntaxError(line, what.column);
-    if (t.size() < 3 || !t[2].isName()) return syntaxError(line, t.size() < 3 ? line.size() : t[2].column);
+    if (!what.is("VDISK") && !what.is("SNAPSHOT") && !what.is("COPY")) {
+        return syntaxError(line, what.column);
+    }
+    if (t.size() < 3 || !t[2].isName()) {
+        return syntaxError(line, t.size() < 3 ? line.size() : t[2].column);
+    }
     std::string const name = t[2].text;
     std::string source, container, redundancy, allocation, wwlunid, diskGroup, size;
     bool hasSource = false, hasSize = false;
     for (size_t i = 3; i < t.size(); ++i) {
-        Token const &o = t[i];
-        if (o.isKey("VDISK") && !what.is("VDISK")) source = o.value, hasSource = true;
-        else if (o.isKey("CONTAINER") && what.is("COPY")) container = o.value;
-        else if (o.isKey("REDUNDANCY")) redundancy = o.value;
-        else if (o.isKey("ALLOCATION_POLICY") && what.is("SNAPSHOT")) allocation = o.value;
-        else if (o.isKey("WORLD_WIDE_LUN_NAME") && !what.is("COPY")) wwlunid = o.value;
-        else if (o.isKey("DISK_GROUP") && !what.is("SNAPSHOT")) diskGroup = o.value;
-        else if (o.isKey("SIZE") && what.is("VDISK")) size = o.value, hasSize = true;
-        else return syntaxError(line, o.column);
+        const Token &o = t[i];
+        if (o.isKey("VDISK") && !what.is("VDISK")) {
+            source = o.value, hasSource = true;
+        } else if (o.isKey("CONTAINER") && what.is("COPY")) {
+            container = o.value;
+        } else if (o.isKey("REDUNDANCY")) {
+            redundancy = o.value;
+        } else if (o.isKey("ALLOCATION_POLICY") && what.is("SNAPSHOT")) {
+            allocation = o.value;
+        } else if (o.isKey("WORLD_WIDE_LUN_NAME") && !what.is("COPY")) {
+            wwlunid = o.value;
+        } else if (o.isKey("DISK_GROUP") && !what.is("SNAPSHOT")) {
+            diskGroup = o.value;
+        } else if (o.isKey("SIZE") && what.is("VDISK")) {
+            size = o.value, hasSize = true;
+        } else {
+            return syntaxError(line, o.column);
+        }
     }
-    if (what.is("VDISK") ? !hasSize : !hasSource) return syntaxError(line, line.size());
-    if (!needSystem()) return Result::Error;
+    if (what.is("VDISK") ? !hasSize : !hasSource) {
+        return syntaxError(line, line.size());
+    }
+    if (!needSystem()) {
+        return Result::Error;
+    }
     ArrayOps ops(*m_world, m_settings);
     std::string refused;
     if (what.is("VDISK")) {
         uint64_t bytes = 0;
-        if (!parseSize(size, bytes)) return error("Invalid size " + size);
+        if (!parseSize(size, bytes)) {
+            return error("Invalid size " + size);
+        }
         refused = ops.addVdisk(m_cell, name, bytes, redundancy, diskGroup, wwlunid);
     } else if (what.is("SNAPSHOT")) {
         refused = ops.addSnapshot(m_cell, name, source, allocation, redundancy, wwlunid);
     } else {
         refused = ops.addCopy(m_cell, name, source, container, redundancy);
     }
-    if (!refused.empty()) return error(refused);
+    if (!refused.empty()) {
+        return error(refused);
+    }
     m_out.line("");
     return Result::Ok;
 }
 
-Interpreter::Result Interpreter::deleteCommand(std::string const &line, std::vector<Token> const &t)
+Interpreter::Result Interpreter::deleteCommand(const std::string &line, const std::vector<Token> &t)
 {
-    if (t.size() < 2 || !(t[1].is("VDISK") || t[1].is("LUN")))
+    if (t.size() < 2 || !(t[1].is("VDISK") || t[1].is("LUN"))) {
         return syntaxError(line, t.size() < 2 ? line.size() : t[1].column);
-    if (t.size() != 3 || !t[2].isName()) return syntaxError(line, t.size() < 3 ? line.size() : t[3].column);
-    if (!needSystem()) return Result::Error;
+    }
+    if (t.size() != 3 || !t[2].isName()) {
+        return syntaxError(line, t.size() < 3 ? line.size() : t[3].column);
+    }
+    if (!needSystem()) {
+        return Result::Error;
+    }
     ArrayOps ops(*m_world, m_settings);
-    std::string const refused = t[1].is("VDISK") ? ops.deleteVdisk(m_cell, t[2].text) : ops.deleteLun(m_cell, t[2].text);
-    if (!refused.empty()) return error(refused);
+    std::string const refused =
+        t[1].is("VDISK") ? ops.deleteVdisk(m_cell, t[2].text) : ops.deleteLun(m_cell, t[2].text);
+    if (!refused.empty()) {
+        return error(refused);
+    }
     return quirk("quirk_deletion_completed", "Deletion completed");
 }
 
-} // namespace evasim
+}  // namespace evasim

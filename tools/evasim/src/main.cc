@@ -26,7 +26,7 @@ int main(int argc, char **argv)
     if (sssu) {
         try {
             return SssuRun(database, script).run();
-        } catch (std::exception const &e) {
+        } catch (const std::exception &e) {
             std::cout << "\nError: " << e.what() << std::flush;
             return 1;
         }

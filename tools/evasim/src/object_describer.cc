@@ -22,11 +22,13 @@ std::string dateTime(int64_t when)
 }
 
 // 40 hexadecimal digits as the real tool groups a hex uid: eight groups of four from the front.
-std::string hexUid(std::string const &objectid)
+std::string hexUid(const std::string &objectid)
 {
     std::string out;
     for (size_t g = 0; g < 8 && g * 4 + 4 <= objectid.size(); ++g) {
-        if (g) out += '-';
+        if (g) {
+            out += '-';
+        }
         out += objectid.substr(g * 4, 4);
     }
     return out;
@@ -34,51 +36,66 @@ std::string hexUid(std::string const &objectid)
 
 std::string wholeGb(uint64_t bytes)
 {
-    uint64_t const gb = 1073741824ULL;
-    if (bytes % gb == 0) return std::to_string(bytes / gb);
+    const uint64_t gb = 1073741824ULL;
+    if (bytes % gb == 0) {
+        return std::to_string(bytes / gb);
+    }
     return gigabytes(bytes);
 }
 
-std::string cellObjectId(CellRec const &c)
+std::string cellObjectId(const CellRec &c)
 {
     std::string digits;
-    for (char ch : c.wwn)
-        if (ch != '-') digits += static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
+    for (char ch : c.wwn) {
+        if (ch != '-') {
+            digits += static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
+        }
+    }
     return "08000710b4080560" + digits + "00000000";
 }
 
-} // namespace
+}  // namespace
 
 ObjectDescriber::ObjectDescriber(World &world) : m_world(world)
 {
-    for (auto const &[id, l] : world.luns.rows) {
+    for (const auto &[id, l] : world.luns.rows) {
         m_lunsByDisk[l.vdisk].emplace_back(l.host, l.lun);
         m_lunsByHost[l.host].emplace_back(l.vdisk, l.lun);
     }
-    for (auto const &[id, d] : world.vdisks.rows) {
+    for (const auto &[id, d] : world.vdisks.rows) {
         if (d.parent) {
             auto &newest = m_newestChild[d.parent];
-            if (id > newest) newest = id;
+            if (id > newest) {
+                newest = id;
+            }
         }
-        if (d.copySource) m_copyTarget[d.copySource] = id;
+        if (d.copySource) {
+            m_copyTarget[d.copySource] = id;
+        }
     }
-    for (auto const &[id, m] : world.drmembers.rows) {
+    for (const auto &[id, m] : world.drmembers.rows) {
         m_drMember[m.sourceDisk] = id;
         m_drMember[m.destDisk] = id;
     }
 }
 
-std::string ObjectDescriber::sharing(VdiskRec const &d) const
+std::string ObjectDescriber::sharing(const VdiskRec &d) const
 {
-    if (d.copySource) return "snapclone_in_progress";
-    if (d.parent) return "snapshot";
-    if (m_newestChild.count(d.id) || m_copyTarget.count(d.id)) return "parent";
+    if (d.copySource) {
+        return "snapclone_in_progress";
+    }
+    if (d.parent) {
+        return "snapshot";
+    }
+    if (m_newestChild.count(d.id) || m_copyTarget.count(d.id)) {
+        return "parent";
+    }
     return "none";
 }
 
-void ObjectDescriber::vdisk(ObjectWriter &w, VdiskRec const &d) const
+void ObjectDescriber::vdisk(ObjectWriter &w, const VdiskRec &d) const
 {
-    CellRec const *cell = m_world.cells.find(d.cell);
+    const CellRec *cell = m_world.cells.find(d.cell);
     std::string const path = d.path();
     std::string const cellName = cell ? cell->name : "";
     std::string const cellWwn = cell ? cell->wwn : "";
@@ -97,7 +114,7 @@ void ObjectDescriber::vdisk(ObjectWriter &w, VdiskRec const &d) const
     w.leaf("storagecellid", cellId);
     w.leaf("storagecellwwn", cellWwn);
     w.close("parentstoragecellinfo");
-    VdiskRec const *parent = d.parent ? m_world.vdisks.find(d.parent) : nullptr;
+    const VdiskRec *parent = d.parent ? m_world.vdisks.find(d.parent) : nullptr;
     w.leaf("objectparentuid", parent ? parent->objectid : cellId);
     w.leaf("objectparenthexuid", parent ? hexUid(parent->objectid) : hexUid(cellId));
     w.leaf("objectparentid", parent ? parent->objectid : cellId);
@@ -108,7 +125,7 @@ void ObjectDescriber::vdisk(ObjectWriter &w, VdiskRec const &d) const
     w.leaf("wwlunid", d.wwlunid);
     w.leaf("operationalstate", "good");
     w.leaf("operationalstatedetail", d.copySource ? "copy_in_progress" : "none");
-    uint64_t const allocated = World::allocatedBytes(d);
+    const uint64_t allocated = World::allocatedBytes(d);
     w.leaf("allocatedcapacity", wholeGb(allocated));
     w.leaf("allocatedcapacityblocks", std::to_string(allocated / 512));
     w.leaf("virtualdisktype", d.container ? "container" : d.origin);
@@ -116,13 +133,13 @@ void ObjectDescriber::vdisk(ObjectWriter &w, VdiskRec const &d) const
     w.leaf("requestedcapacityblocks", std::to_string(d.blocks));
     w.leaf("sharingrelationship", sharing(d));
     w.open("sharinginformation");
-    VdiskRec const *source = d.copySource ? m_world.vdisks.find(d.copySource) : nullptr;
-    VdiskRec const *up = parent ? parent : source;
+    const VdiskRec *source = d.copySource ? m_world.vdisks.find(d.copySource) : nullptr;
+    const VdiskRec *up = parent ? parent : source;
     w.leaf("parentvdiskhexuid", up ? hexUid(up->objectid) : "n/a");
     w.leaf("parentvdiskid", up ? up->objectid : "n/a");
     w.leaf("parentvdiskname", up ? up->path() : "n/a");
-    auto const child = m_newestChild.find(d.id);
-    VdiskRec const *down = child != m_newestChild.end() ? m_world.vdisks.find(child->second) : nullptr;
+    const auto child = m_newestChild.find(d.id);
+    const VdiskRec *down = child != m_newestChild.end() ? m_world.vdisks.find(child->second) : nullptr;
     w.leaf("childvdiskhexuid", down ? hexUid(down->objectid) : "n/a");
     w.leaf("childvdiskid", down ? down->objectid : "n/a");
     w.leaf("childvdiskname", down ? down->path() : "n/a");
@@ -133,13 +150,13 @@ void ObjectDescriber::vdisk(ObjectWriter &w, VdiskRec const &d) const
     w.leaf("vdisksecondarystate", "none");
     w.leaf("mirrorcache", "mirrored");
     w.leaf("readcache", "on");
-    auto const presented = m_lunsByDisk.find(d.id);
-    bool const hasLuns = presented != m_lunsByDisk.end() && !presented->second.empty();
+    const auto presented = m_lunsByDisk.find(d.id);
+    const bool hasLuns = presented != m_lunsByDisk.end() && !presented->second.empty();
     w.leaf("virtualdiskpresented", hasLuns ? "yes" : "no");
     w.open("presentations");
     if (hasLuns) {
-        for (auto const &[hostId, lun] : presented->second) {
-            HostRec const *h = m_world.hosts.find(hostId);
+        for (const auto &[hostId, lun] : presented->second) {
+            const HostRec *h = m_world.hosts.find(hostId);
             w.open("presentation");
             w.leaf("hostname", h ? h->path : "");
             w.leaf("lunnumber", std::to_string(lun));
@@ -149,20 +166,20 @@ void ObjectDescriber::vdisk(ObjectWriter &w, VdiskRec const &d) const
     w.close("presentations");
     w.leaf("writeprotect", "no");
     w.leaf("osunitid", "0");
-    DiskGroupRec const *g = m_world.diskgroups.find(d.diskgroup);
+    const DiskGroupRec *g = m_world.diskgroups.find(d.diskgroup);
     w.leaf("diskgroupname", g ? "\\Disk Groups\\" + g->name : "");
     w.leaf("diskgroupid", g ? cellId.substr(0, 16) + "0000000000000000" + std::to_string(10000000 + g->id) : "");
     w.leaf("preferredpath", "no_preference");
     std::string drGroup, drNode, remote;
-    auto const member = m_drMember.find(d.id);
+    const auto member = m_drMember.find(d.id);
     if (member != m_drMember.end()) {
-        DrMemberRec const *m = m_world.drmembers.find(member->second);
-        DrGroupRec const *grp = m ? m_world.drgroups.find(m->group) : nullptr;
+        const DrMemberRec *m = m_world.drmembers.find(member->second);
+        const DrGroupRec *grp = m ? m_world.drgroups.find(m->group) : nullptr;
         if (m && grp) {
-            bool const isSource = m->sourceDisk == d.id;
+            const bool isSource = m->sourceDisk == d.id;
             drGroup = grp->path();
             drNode = isSource ? "source" : "destination";
-            VdiskRec const *partner = m_world.vdisks.find(isSource ? m->destDisk : m->sourceDisk);
+            const VdiskRec *partner = m_world.vdisks.find(isSource ? m->destDisk : m->sourceDisk);
             remote = partner ? partner->path() : "";
         }
     }
@@ -172,10 +189,10 @@ void ObjectDescriber::vdisk(ObjectWriter &w, VdiskRec const &d) const
     w.end();
 }
 
-void ObjectDescriber::cell(ObjectWriter &w, CellRec const &c) const
+void ObjectDescriber::cell(ObjectWriter &w, const CellRec &c) const
 {
-    uint64_t const used = m_world.usedBytes(c.id);
-    uint64_t const free = used >= c.total ? 0 : c.total - used;
+    const uint64_t used = m_world.usedBytes(c.id);
+    const uint64_t free = used >= c.total ? 0 : c.total - used;
     w.begin(c.name);
     w.leaf("objectid", cellObjectId(c));
     w.leaf("objectname", c.name);
@@ -192,7 +209,7 @@ void ObjectDescriber::cell(ObjectWriter &w, CellRec const &c) const
     w.end();
 }
 
-void ObjectDescriber::host(ObjectWriter &w, HostRec const &h) const
+void ObjectDescriber::host(ObjectWriter &w, const HostRec &h) const
 {
     w.begin(h.path);
     w.leaf("objectid", h.objectid);
@@ -202,14 +219,17 @@ void ObjectDescriber::host(ObjectWriter &w, HostRec const &h) const
     w.leaf("hostname", leaf);
     w.leaf("operatingsystem", h.os);
     w.open("fcadapterports", "Port_wwns");
-    for (std::string const &p : split(h.ports, ','))
-        if (!p.empty()) w.leaf("portwwn", p, "Port_wwn");
+    for (const std::string &p : split(h.ports, ',')) {
+        if (!p.empty()) {
+            w.leaf("portwwn", p, "Port_wwn");
+        }
+    }
     w.close("fcadapterports");
     w.open("presentations", "Presentations");
-    auto const presented = m_lunsByHost.find(h.id);
+    const auto presented = m_lunsByHost.find(h.id);
     if (presented != m_lunsByHost.end()) {
-        for (auto const &[diskId, lun] : presented->second) {
-            VdiskRec const *d = m_world.vdisks.find(diskId);
+        for (const auto &[diskId, lun] : presented->second) {
+            const VdiskRec *d = m_world.vdisks.find(diskId);
             w.open("presentation", "Presentation");
             w.leaf("lunnumber", std::to_string(lun), "Lun");
             w.leaf("virtualdiskname", d ? d->path() : "", "Virtual_disk");
@@ -220,9 +240,9 @@ void ObjectDescriber::host(ObjectWriter &w, HostRec const &h) const
     w.end();
 }
 
-void ObjectDescriber::diskGroup(ObjectWriter &w, DiskGroupRec const &g) const
+void ObjectDescriber::diskGroup(ObjectWriter &w, const DiskGroupRec &g) const
 {
-    CellRec const *c = m_world.cells.find(g.cell);
+    const CellRec *c = m_world.cells.find(g.cell);
     w.begin("\\Disk Groups\\" + g.name);
     w.leaf("objectname", "\\Disk Groups\\" + g.name);
     w.leaf("objecttype", "diskgroupfolder");
@@ -231,11 +251,11 @@ void ObjectDescriber::diskGroup(ObjectWriter &w, DiskGroupRec const &g) const
     w.end();
 }
 
-void ObjectDescriber::drGroup(ObjectWriter &w, DrGroupRec const &g, int64_t cellId) const
+void ObjectDescriber::drGroup(ObjectWriter &w, const DrGroupRec &g, int64_t cellId) const
 {
-    bool const atSource = g.sourceCell == cellId;
-    CellRec const *here = m_world.cells.find(cellId);
-    CellRec const *there = m_world.cells.find(atSource ? g.destCell : g.sourceCell);
+    const bool atSource = g.sourceCell == cellId;
+    const CellRec *here = m_world.cells.find(cellId);
+    const CellRec *there = m_world.cells.find(atSource ? g.destCell : g.sourceCell);
     w.begin(g.path());
     w.leaf("objectid", here ? cellObjectId(*here).substr(0, 24) + std::to_string(10000000 + g.id) + "00000000" : "");
     w.leaf("objectname", g.path());
@@ -246,10 +266,12 @@ void ObjectDescriber::drGroup(ObjectWriter &w, DrGroupRec const &g, int64_t cell
     w.leaf("drmmode", atSource ? "source" : "destination");
     w.leaf("writemode", g.writemode);
     w.open("members");
-    for (auto const &[id, m] : m_world.drmembers.rows) {
-        if (m.group != g.id) continue;
-        VdiskRec const *local = m_world.vdisks.find(atSource ? m.sourceDisk : m.destDisk);
-        VdiskRec const *remote = m_world.vdisks.find(atSource ? m.destDisk : m.sourceDisk);
+    for (const auto &[id, m] : m_world.drmembers.rows) {
+        if (m.group != g.id) {
+            continue;
+        }
+        const VdiskRec *local = m_world.vdisks.find(atSource ? m.sourceDisk : m.destDisk);
+        const VdiskRec *remote = m_world.vdisks.find(atSource ? m.destDisk : m.sourceDisk);
         w.open("member");
         w.leaf("objectname", local ? local->path() : "");
         w.leaf("remotevirtualdiskname", remote ? remote->path() : "");
@@ -267,4 +289,4 @@ void ObjectDescriber::drGroup(ObjectWriter &w, DrGroupRec const &g, int64_t cell
     w.end();
 }
 
-} // namespace evasim
+}  // namespace evasim

@@ -12,20 +12,22 @@ namespace {
 
 constexpr size_t kFlushAt = 1 << 16;
 
-void writeAll(int fd, std::string const &data)
+void writeAll(int fd, const std::string &data)
 {
     size_t done = 0;
     while (done < data.size()) {
-        ssize_t const n = ::write(fd, data.data() + done, data.size() - done);
+        const ssize_t n = ::write(fd, data.data() + done, data.size() - done);
         if (n < 0) {
-            if (errno == EINTR) continue;
-            return; // the reader went away; nothing left to tell it
+            if (errno == EINTR) {
+                continue;
+            }
+            return;  // the reader went away; nothing left to tell it
         }
         done += static_cast<size_t>(n);
     }
 }
 
-} // namespace
+}  // namespace
 
 Output::Output(int fd) : m_fd(fd) {}
 
@@ -34,16 +36,20 @@ Output::~Output()
     flush();
 }
 
-void Output::line(std::string const &text)
+void Output::line(const std::string &text)
 {
-    if (m_separatorOwed) m_buffer += '\n';
+    if (m_separatorOwed) {
+        m_buffer += '\n';
+    }
     m_buffer += text;
     m_separatorOwed = true;
     ++m_lines;
     if (m_exitAfter && m_lines == m_exitAfter) {
         m_buffer += '\n';
         flush();
-        if (m_last) m_last();
+        if (m_last) {
+            m_last();
+        }
         ::_exit(m_exitStatus);
     }
     if (m_silenceAfter && m_lines == m_silenceAfter) {
@@ -52,12 +58,16 @@ void Output::line(std::string const &text)
         m_separatorOwed = false;
         pause(m_silenceSeconds);
     }
-    if (m_buffer.size() >= kFlushAt) flush();
+    if (m_buffer.size() >= kFlushAt) {
+        flush();
+    }
 }
 
 void Output::flush()
 {
-    if (m_buffer.empty()) return;
+    if (m_buffer.empty()) {
+        return;
+    }
     writeAll(m_fd, m_buffer);
     m_buffer.clear();
 }
@@ -65,7 +75,9 @@ void Output::flush()
 void Output::pause(double seconds)
 {
     flush();
-    if (seconds > 0) std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+    if (seconds > 0) {
+        std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+    }
 }
 
 void Output::silenceAfter(long long after, double seconds)
@@ -81,4 +93,4 @@ void Output::exitAfter(long long after, int status, std::function<void()> last)
     m_last = std::move(last);
 }
 
-} // namespace evasim
+}  // namespace evasim

@@ -1,6 +1,7 @@
 // SSSU's standard output: lines separated by line feeds, the last one without; with the faults
 // that cut it short or make it pause.
-#pragma once
+#ifndef EVASIM_OUTPUT_H
+#define EVASIM_OUTPUT_H
 
 #include <functional>
 #include <string>
@@ -12,7 +13,7 @@ public:
     explicit Output(int fd);
     ~Output();
 
-    void line(std::string const &text);
+    void line(const std::string &text);
     void flush();
     // Sleeps (after flushing what is written) for 'seconds'.
     void pause(double seconds);
@@ -28,7 +29,7 @@ private:
     int m_fd;
     std::string m_buffer;
     long long m_lines = 0;
-    bool m_separatorOwed = false; // the line feed that ends the last line not yet written
+    bool m_separatorOwed = false;  // the line feed that ends the last line not yet written
     long long m_silenceAfter = 0;
     double m_silenceSeconds = 0;
     long long m_exitAfter = 0;
@@ -36,4 +37,6 @@ private:
     std::function<void()> m_last;
 };
 
-} // namespace evasim
+}  // namespace evasim
+
+#endif

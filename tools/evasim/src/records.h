@@ -1,5 +1,6 @@
 // The rows of the simulated world, one plain record per table of the state file.
-#pragma once
+#ifndef EVASIM_RECORDS_H
+#define EVASIM_RECORDS_H
 
 #include <cstdint>
 #include <string>
@@ -22,7 +23,7 @@ struct ManagedRec {
 struct CellRec {
     int64_t id = 0;
     std::string name;
-    std::string wwn; // 4 groups of 4 upper-case hexadecimal digits
+    std::string wwn;  // 4 groups of 4 upper-case hexadecimal digits
     std::string firmware;
     uint64_t total = 0;  // bytes
     int64_t serial = 0;  // last number used for an object of this cell
@@ -39,24 +40,24 @@ struct DiskGroupRec {
 struct VdiskRec {
     int64_t id = 0;
     int64_t cell = 0;
-    std::string folder; // "\Virtual Disks" or "\Virtual Disks\a\b"
+    std::string folder;  // "\Virtual Disks" or "\Virtual Disks\a\b"
     std::string family;
     std::string leaf;
     bool container = false;
-    std::string wwlunid;  // 8 groups of 4 lower-case hexadecimal digits
-    std::string objectid; // 40 hexadecimal digits
-    uint64_t blocks = 0;  // requested capacity in 512-byte blocks
-    std::string redundancy = "vraid5"; // vraid0, vraid1, vraid5
-    std::string allocation = "fully";  // fully or demand
+    std::string wwlunid;                // 8 groups of 4 lower-case hexadecimal digits
+    std::string objectid;               // 40 hexadecimal digits
+    uint64_t blocks = 0;                // requested capacity in 512-byte blocks
+    std::string redundancy = "vraid5";  // vraid0, vraid1, vraid5
+    std::string allocation = "fully";   // fully or demand
     int64_t diskgroup = 0;
-    int64_t parent = 0;          // the active disk a snapshot was taken of
-    std::string origin = "original"; // original, snapshot, snapclone
-    int64_t copySource = 0;      // the disk being copied into this one, while a copy runs
-    int64_t copyReads = 0;       // reads left that still show the copy as running
-    std::string copyKind;        // "snapclone" or "restore" while a copy runs
+    int64_t parent = 0;               // the active disk a snapshot was taken of
+    std::string origin = "original";  // original, snapshot, snapclone
+    int64_t copySource = 0;           // the disk being copied into this one, while a copy runs
+    int64_t copyReads = 0;            // reads left that still show the copy as running
+    std::string copyKind;             // "snapclone" or "restore" while a copy runs
     std::string writecache = "writeback";
     std::string comments;
-    int64_t created = 0, modified = 0; // seconds since the epoch
+    int64_t created = 0, modified = 0;  // seconds since the epoch
 
     bool active() const { return leaf == "ACTIVE"; }
     std::string familyPath() const { return folder + "\\" + family; }
@@ -68,7 +69,7 @@ struct HostRec {
     int64_t id = 0;
     int64_t cell = 0;
     std::string path;
-    std::string ports; // port WWNs joined by ","
+    std::string ports;  // port WWNs joined by ","
     std::string os = "Linux";
     std::string objectid;
 };
@@ -82,7 +83,7 @@ struct LunRec {
 
 struct DrGroupRec {
     int64_t id = 0;
-    std::string name; // without the "\Data Replication\" head
+    std::string name;  // without the "\Data Replication\" head
     int64_t sourceCell = 0, destCell = 0;
     std::string writemode = "synchronous";
     std::string operationalstate = "good";
@@ -99,4 +100,6 @@ struct DrMemberRec {
     int64_t group = 0, sourceDisk = 0, destDisk = 0;
 };
 
-} // namespace evasim
+}  // namespace evasim
+
+#endif

@@ -1,5 +1,6 @@
 // The rows of one table held in memory, with what changed since they were loaded.
-#pragma once
+#ifndef EVASIM_ROW_TABLE_H
+#define EVASIM_ROW_TABLE_H
 
 #include <cstdint>
 #include <map>
@@ -17,7 +18,7 @@ public:
         auto it = rows.find(id);
         return it == rows.end() ? nullptr : &it->second;
     }
-    Rec const *find(int64_t id) const
+    const Rec *find(int64_t id) const
     {
         auto it = rows.find(id);
         return it == rows.end() ? nullptr : &it->second;
@@ -30,10 +31,12 @@ public:
         return rows[rec.id] = rec;
     }
     // Takes a row read from the state file.
-    void load(Rec const &rec)
+    void load(const Rec &rec)
     {
         rows[rec.id] = rec;
-        if (rec.id > m_lastId) m_lastId = rec.id;
+        if (rec.id > m_lastId) {
+            m_lastId = rec.id;
+        }
     }
     // Marks a row as changed, so that saving writes it.
     void touch(int64_t id) { m_dirty.insert(id); }
@@ -43,8 +46,8 @@ public:
         m_dirty.erase(id);
         m_removed.insert(id);
     }
-    std::set<int64_t> const &dirty() const { return m_dirty; }
-    std::set<int64_t> const &removed() const { return m_removed; }
+    const std::set<int64_t> &dirty() const { return m_dirty; }
+    const std::set<int64_t> &removed() const { return m_removed; }
     void clean()
     {
         m_dirty.clear();
@@ -56,4 +59,6 @@ private:
     std::set<int64_t> m_dirty, m_removed;
 };
 
-} // namespace evasim
+}  // namespace evasim
+
+#endif

@@ -6,9 +6,9 @@
 
 namespace evasim {
 
-std::vector<Settings::Key> const &Settings::keys()
+const std::vector<Settings::Key> &Settings::keys()
 {
-    static std::vector<Key> const list{
+    static const std::vector<Key> list{
         {"version", "8.0.2", "version number on the banner's \"Version: \" line"},
         {"build", "080206A", "text on the banner's \"Build: \" line"},
         {"snapclone_reads", "1", "reads of a new snapclone that still show \"snapclone_in_progress\""},
@@ -24,7 +24,9 @@ std::vector<Settings::Key> const &Settings::keys()
 
 Settings::Settings()
 {
-    for (Key const &k : keys()) m_values.emplace_back(k.name, k.fallback);
+    for (const Key &k : keys()) {
+        m_values.emplace_back(k.name, k.fallback);
+    }
 }
 
 void Settings::load(Database &db)
@@ -32,48 +34,64 @@ void Settings::load(Database &db)
     Statement s(db.handle(), "SELECT key, value FROM settings");
     while (s.step()) {
         std::string const key = s.text(0);
-        for (auto &kv : m_values)
-            if (kv.first == key) kv.second = s.text(1);
+        for (auto &kv : m_values) {
+            if (kv.first == key) {
+                kv.second = s.text(1);
+            }
+        }
     }
 }
 
 void Settings::save(Database &db) const
 {
     Statement s(db.handle(), "INSERT OR REPLACE INTO settings(key, value) VALUES(?, ?)");
-    for (auto const &kv : m_values) {
+    for (const auto &kv : m_values) {
         s.bind(1, kv.first).bind(2, kv.second);
         s.run();
     }
 }
 
-std::string Settings::set(std::string const &key, std::string const &value)
+std::string Settings::set(const std::string &key, const std::string &value)
 {
     std::string const k = lower(trim(key));
     for (auto &kv : m_values) {
-        if (kv.first != k) continue;
+        if (kv.first != k) {
+            continue;
+        }
         if (k == "snapclone_reads" || k == "restore_reads") {
             long long n = 0;
-            if (!parseInt(value, n) || n < 0) return "setting " + k + " needs a whole number of 0 or more, not '" + value + "'";
+            if (!parseInt(value, n) || n < 0) {
+                return "setting " + k + " needs a whole number of 0 or more, not '" + value + "'";
+            }
             kv.second = std::to_string(n);
         } else if (k == "quirk_deletion_completed" || k == "quirk_present_failed" || k == "info_lines") {
             bool b = false;
-            if (!parseBool(value, b)) return "setting " + k + " needs on or off, not '" + value + "'";
+            if (!parseBool(value, b)) {
+                return "setting " + k + " needs on or off, not '" + value + "'";
+            }
             kv.second = b ? "on" : "off";
         } else {
-            if (value.find('\n') != std::string::npos) return "setting " + k + " must be one line";
+            if (value.find('\n') != std::string::npos) {
+                return "setting " + k + " must be one line";
+            }
             kv.second = value;
         }
         return {};
     }
     std::string known;
-    for (Key const &kk : keys()) known += std::string(known.empty() ? "" : ", ") + kk.name;
+    for (const Key &kk : keys()) {
+        known += std::string(known.empty() ? "" : ", ") + kk.name;
+    }
     return "unknown setting '" + key + "' (known: " + known + ")";
 }
 
-std::string Settings::get(std::string const &key) const
+std::string Settings::get(const std::string &key) const
 {
-    for (auto const &kv : m_values)
-        if (kv.first == key) return kv.second;
+    for (const auto &kv : m_values) {
+        if (kv.first == key) {
+            return kv.second;
+        }
+    }
     return {};
 }
 
@@ -89,10 +107,10 @@ long long Settings::restoreReads() const
     return parseInt(get("restore_reads"), n) ? n : 2;
 }
 
-bool Settings::flag(std::string const &key) const
+bool Settings::flag(const std::string &key) const
 {
     bool b = false;
     return parseBool(get(key), b) && b;
 }
 
-} // namespace evasim
+}  // namespace evasim

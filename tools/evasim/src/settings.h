@@ -1,5 +1,6 @@
 // The simulator's own settings: banner, how long copies run, which quirks of the real tool show.
-#pragma once
+#ifndef EVASIM_SETTINGS_H
+#define EVASIM_SETTINGS_H
 
 #include <string>
 #include <vector>
@@ -11,11 +12,11 @@ class Database;
 class Settings {
 public:
     struct Key {
-        char const *name;
-        char const *fallback;
-        char const *help;
+        const char *name;
+        const char *fallback;
+        const char *help;
     };
-    static std::vector<Key> const &keys();
+    static const std::vector<Key> &keys();
 
     // Every key at its default.
     Settings();
@@ -23,17 +24,19 @@ public:
     void save(Database &db) const;
 
     // Checks the key and the value's form; gives an error text, empty on success.
-    std::string set(std::string const &key, std::string const &value);
-    std::string get(std::string const &key) const;
+    std::string set(const std::string &key, const std::string &value);
+    std::string get(const std::string &key) const;
 
     std::string version() const { return get("version"); }
     std::string build() const { return get("build"); }
     long long snapcloneReads() const;
     long long restoreReads() const;
-    bool flag(std::string const &key) const;
+    bool flag(const std::string &key) const;
 
 private:
     std::vector<std::pair<std::string, std::string>> m_values;
 };
 
-} // namespace evasim
+}  // namespace evasim
+
+#endif

@@ -17,8 +17,9 @@
 
 namespace evasim {
 
-SssuRun::SssuRun(std::string database, std::string script)
-    : m_database(std::move(database)), m_script(std::move(script))
+SssuRun::SssuRun(std::string database, std::string script) :
+    m_database(std::move(database)),
+    m_script(std::move(script))
 {
 }
 
@@ -27,7 +28,7 @@ int SssuRun::run()
     Settings settings;
     std::unique_ptr<Database> db;
     std::vector<Fault> runFaults;
-    struct stat st{};
+    struct stat st {};
     if (::stat(m_database.c_str(), &st) == 0) {
         db = std::make_unique<Database>(m_database, false);
         // The faults of this run are used up at once, in a transaction of their own, so that a
@@ -41,32 +42,47 @@ int SssuRun::run()
     std::string versionLine = "Version: " + settings.version() + " ";
     double delay = 0;
     Output out(STDOUT_FILENO);
-    for (Fault const &f : runFaults) {
+    for (const Fault &f : runFaults) {
         if (f.kind == "ignore-signals") {
             std::signal(SIGINT, SIG_IGN);
             std::signal(SIGTERM, SIG_IGN);
         }
     }
-    for (Fault const &f : runFaults) {
-        if (f.kind == "no-output") return static_cast<int>(f.status);
-        if (f.kind == "silence" && f.line <= 0) out.pause(f.seconds);
-        if (f.kind == "silence" && f.line > 0) out.silenceAfter(f.line, f.seconds);
-        if (f.kind == "banner") versionLine = f.text;
-        if (f.kind == "delay") delay = f.seconds;
+    for (const Fault &f : runFaults) {
+        if (f.kind == "no-output") {
+            return static_cast<int>(f.status);
+        }
+        if (f.kind == "silence" && f.line <= 0) {
+            out.pause(f.seconds);
+        }
+        if (f.kind == "silence" && f.line > 0) {
+            out.silenceAfter(f.line, f.seconds);
+        }
+        if (f.kind == "banner") {
+            versionLine = f.text;
+        }
+        if (f.kind == "delay") {
+            delay = f.seconds;
+        }
     }
 
     World world;
     std::vector<Fault> commandFaults;
     bool saved = false;
     auto save = [&]() {
-        if (!db || saved) return;
+        if (!db || saved) {
+            return;
+        }
         saved = true;
         world.save(*db);
         FaultStore::saveUses(*db, commandFaults);
         db->commit();
     };
-    for (Fault const &f : runFaults)
-        if (f.kind == "exit-after") out.exitAfter(f.line, static_cast<int>(f.status), save);
+    for (const Fault &f : runFaults) {
+        if (f.kind == "exit-after") {
+            out.exitAfter(f.line, static_cast<int>(f.status), save);
+        }
+    }
 
     out.line("");
     out.line("");
@@ -81,19 +97,24 @@ int SssuRun::run()
         return 1;
     }
     std::vector<std::string> lines;
-    for (std::string l; std::getline(in, l);) lines.push_back(l);
+    for (std::string l; std::getline(in, l);) {
+        lines.push_back(l);
+    }
 
     if (db) {
         db->begin();
         world.load(*db);
-        for (Fault const &f : FaultStore::list(*db))
-            if (!f.perRun()) commandFaults.push_back(f);
+        for (const Fault &f : FaultStore::list(*db)) {
+            if (!f.perRun()) {
+                commandFaults.push_back(f);
+            }
+        }
     }
     Interpreter interpreter(out, db ? &world : nullptr, settings, commandFaults, delay);
-    int const status = interpreter.run(lines);
+    const int status = interpreter.run(lines);
     save();
     out.flush();
     return status;
 }
 
-} // namespace evasim
+}  // namespace evasim

@@ -1,6 +1,7 @@
 // One run of the simulated SSSU: the banner, the script, the state saved in one transaction,
 // and the armed faults of this run.
-#pragma once
+#ifndef EVASIM_SSSU_RUN_H
+#define EVASIM_SSSU_RUN_H
 
 #include <string>
 
@@ -17,4 +18,6 @@ private:
     std::string m_script;
 };
 
-} // namespace evasim
+}  // namespace evasim
+
+#endif

@@ -13,64 +13,85 @@ namespace evasim {
 
 namespace {
 
-std::string dirOf(std::string const &path)
+std::string dirOf(const std::string &path)
 {
-    size_t const at = path.rfind('/');
-    if (at == std::string::npos) return ".";
-    if (at == 0) return "/";
+    const size_t at = path.rfind('/');
+    if (at == std::string::npos) {
+        return ".";
+    }
+    if (at == 0) {
+        return "/";
+    }
     return path.substr(0, at);
 }
 
-std::string startedFrom(char const *argv0)
+std::string startedFrom(const char *argv0)
 {
     std::string const name = argv0 ? argv0 : "";
-    if (name.find('/') != std::string::npos) return dirOf(name);
+    if (name.find('/') != std::string::npos) {
+        return dirOf(name);
+    }
     if (!name.empty()) {
-        if (char const *path = std::getenv("PATH")) {
+        if (const char *path = std::getenv("PATH")) {
             std::string const list = path;
             size_t start = 0;
             while (start <= list.size()) {
                 size_t end = list.find(':', start);
-                if (end == std::string::npos) end = list.size();
+                if (end == std::string::npos) {
+                    end = list.size();
+                }
                 std::string dir = list.substr(start, end - start);
-                if (dir.empty()) dir = ".";
+                if (dir.empty()) {
+                    dir = ".";
+                }
                 std::string const candidate = dir + "/" + name;
-                if (::access(candidate.c_str(), X_OK) == 0) return dir;
+                if (::access(candidate.c_str(), X_OK) == 0) {
+                    return dir;
+                }
                 start = end + 1;
             }
         }
     }
     char buf[PATH_MAX];
-    ssize_t const n = ::readlink("/proc/self/exe", buf, sizeof buf - 1);
-    if (n > 0) return dirOf(std::string(buf, static_cast<size_t>(n)));
+    const ssize_t n = ::readlink("/proc/self/exe", buf, sizeof buf - 1);
+    if (n > 0) {
+        return dirOf(std::string(buf, static_cast<size_t>(n)));
+    }
     return ".";
 }
 
-} // namespace
+}  // namespace
 
-std::string StateLocation::directory(char const *argv0)
+std::string StateLocation::directory(const char *argv0)
 {
-    char const *home = std::getenv("EVASIM_HOME");
-    if (home && *home) return home;
+    const char *home = std::getenv("EVASIM_HOME");
+    if (home && *home) {
+        return home;
+    }
     return startedFrom(argv0) + "/evasim.d";
 }
 
-std::string StateLocation::database(char const *argv0)
+std::string StateLocation::database(const char *argv0)
 {
     return directory(argv0) + "/evasim.db";
 }
 
-void StateLocation::ensureDirectory(std::string const &dir)
+void StateLocation::ensureDirectory(const std::string &dir)
 {
-    struct stat st{};
+    struct stat st {};
     if (::stat(dir.c_str(), &st) == 0) {
-        if (S_ISDIR(st.st_mode)) return;
+        if (S_ISDIR(st.st_mode)) {
+            return;
+        }
         throw std::runtime_error(dir + " exists and is not a directory");
     }
     std::string const parent = dirOf(dir);
-    if (parent != dir && parent != "/" && parent != ".") ensureDirectory(parent);
-    if (::mkdir(dir.c_str(), 0755) != 0 && errno != EEXIST)
+    if (parent != dir && parent != "/" && parent != ".") {
+        ensureDirectory(parent);
+    }
+    if (::mkdir(dir.c_str(), 0755) != 0 && errno != EEXIST) {
         throw std::runtime_error("cannot make the state directory " + dir + ": " + std::strerror(errno));
+    }
 }
 
-} // namespace evasim
+}  // namespace evasim

@@ -6,10 +6,11 @@
 
 namespace evasim {
 
-Statement::Statement(sqlite3 *db, std::string const &sql) : m_db(db)
+Statement::Statement(sqlite3 *db, const std::string &sql) : m_db(db)
 {
-    if (sqlite3_prepare_v2(db, sql.c_str(), -1, &m_stmt, nullptr) != SQLITE_OK)
+    if (sqlite3_prepare_v2(db, sql.c_str(), -1, &m_stmt, nullptr) != SQLITE_OK) {
         throw std::runtime_error(std::string("state database: ") + sqlite3_errmsg(db) + " in: " + sql);
+    }
 }
 
 Statement::~Statement()
@@ -29,7 +30,7 @@ Statement &Statement::bind(int index, double value)
     return *this;
 }
 
-Statement &Statement::bind(int index, std::string const &value)
+Statement &Statement::bind(int index, const std::string &value)
 {
     sqlite3_bind_text(m_stmt, index, value.data(), static_cast<int>(value.size()), SQLITE_TRANSIENT);
     return *this;
@@ -37,9 +38,13 @@ Statement &Statement::bind(int index, std::string const &value)
 
 bool Statement::step()
 {
-    int const rc = sqlite3_step(m_stmt);
-    if (rc == SQLITE_ROW) return true;
-    if (rc == SQLITE_DONE) return false;
+    const int rc = sqlite3_step(m_stmt);
+    if (rc == SQLITE_ROW) {
+        return true;
+    }
+    if (rc == SQLITE_DONE) {
+        return false;
+    }
     throw std::runtime_error(std::string("state database: ") + sqlite3_errmsg(m_db));
 }
 
@@ -67,8 +72,8 @@ double Statement::real(int column) const
 
 std::string Statement::text(int column) const
 {
-    auto const *p = reinterpret_cast<char const *>(sqlite3_column_text(m_stmt, column));
+    const auto *p = reinterpret_cast<const char *>(sqlite3_column_text(m_stmt, column));
     return p ? std::string(p, static_cast<size_t>(sqlite3_column_bytes(m_stmt, column))) : std::string();
 }
 
-} // namespace evasim
+}  // namespace evasim

@@ -1,5 +1,6 @@
 // One prepared SQLite statement: bind by position, step, read columns.
-#pragma once
+#ifndef EVASIM_STATEMENT_H
+#define EVASIM_STATEMENT_H
 
 #include <cstdint>
 #include <string>
@@ -11,14 +12,14 @@ namespace evasim {
 
 class Statement {
 public:
-    Statement(sqlite3 *db, std::string const &sql);
+    Statement(sqlite3 *db, const std::string &sql);
     ~Statement();
-    Statement(Statement const &) = delete;
-    Statement &operator=(Statement const &) = delete;
+    Statement(const Statement &) = delete;
+    Statement &operator=(const Statement &) = delete;
 
     Statement &bind(int index, int64_t value);
     Statement &bind(int index, double value);
-    Statement &bind(int index, std::string const &value);
+    Statement &bind(int index, const std::string &value);
     // True while a row is available; throws on an error.
     bool step();
     // Steps once and resets, for statements that give no rows.
@@ -34,4 +35,6 @@ private:
     sqlite3_stmt *m_stmt = nullptr;
 };
 
-} // namespace evasim
+}  // namespace evasim
+
+#endif

@@ -4,8 +4,9 @@
 
 namespace evasim {
 
-TablePrinter::TablePrinter(std::string title, std::vector<std::string> headers)
-    : m_title(std::move(title)), m_headers(std::move(headers))
+TablePrinter::TablePrinter(std::string title, std::vector<std::string> headers) :
+    m_title(std::move(title)),
+    m_headers(std::move(headers))
 {
 }
 
@@ -15,7 +16,7 @@ void TablePrinter::row(std::vector<std::string> cells)
     m_rows.push_back(std::move(cells));
 }
 
-void TablePrinter::print(std::ostream &os, std::string const &format) const
+void TablePrinter::print(std::ostream &os, const std::string &format) const
 {
     if (format == "tsv") {
         auto clean = [](std::string v) {
@@ -24,34 +25,53 @@ void TablePrinter::print(std::ostream &os, std::string const &format) const
             return v;
         };
         os << "# " << m_title << "\n";
-        for (size_t i = 0; i < m_headers.size(); ++i) os << (i ? "\t" : "") << m_headers[i];
+        for (size_t i = 0; i < m_headers.size(); ++i) {
+            os << (i ? "\t" : "") << m_headers[i];
+        }
         os << "\n";
-        for (auto const &r : m_rows) {
-            for (size_t i = 0; i < r.size(); ++i) os << (i ? "\t" : "") << clean(r[i]);
+        for (const auto &r : m_rows) {
+            for (size_t i = 0; i < r.size(); ++i) {
+                os << (i ? "\t" : "") << clean(r[i]);
+            }
             os << "\n";
         }
         return;
     }
     std::vector<size_t> width(m_headers.size());
-    for (size_t i = 0; i < m_headers.size(); ++i) width[i] = m_headers[i].size();
-    for (auto const &r : m_rows)
-        for (size_t i = 0; i < r.size(); ++i) width[i] = std::max(width[i], r[i].size());
-    auto line = [&](std::vector<std::string> const &cells) {
+    for (size_t i = 0; i < m_headers.size(); ++i) {
+        width[i] = m_headers[i].size();
+    }
+    for (const auto &r : m_rows) {
+        for (size_t i = 0; i < r.size(); ++i) {
+            width[i] = std::max(width[i], r[i].size());
+        }
+    }
+    auto line = [&](const std::vector<std::string> &cells) {
         std::string text;
         for (size_t i = 0; i < cells.size(); ++i) {
-            if (i) text += "  ";
+            if (i) {
+                text += "  ";
+            }
             text += cells[i];
-            if (i + 1 < cells.size()) text += std::string(width[i] - cells[i].size(), ' ');
+            if (i + 1 < cells.size()) {
+                text += std::string(width[i] - cells[i].size(), ' ');
+            }
         }
         os << text << "\n";
     };
     os << m_title << " (" << m_rows.size() << ")\n";
     line(m_headers);
     std::vector<std::string> rule;
-    for (size_t w : width) rule.push_back(std::string(w, '-'));
+    for (size_t w : width) {
+        rule.push_back(std::string(w, '-'));
+    }
     line(rule);
-    for (auto const &r : m_rows) line(r);
-    if (m_rows.empty()) os << "(none)\n";
+    for (const auto &r : m_rows) {
+        line(r);
+    }
+    if (m_rows.empty()) {
+        os << "(none)\n";
+    }
 }
 
-} // namespace evasim
+}  // namespace evasim

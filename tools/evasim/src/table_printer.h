@@ -1,5 +1,6 @@
 // A table for `evasim show`: aligned columns for people, or tab-separated rows for scripts.
-#pragma once
+#ifndef EVASIM_TABLE_PRINTER_H
+#define EVASIM_TABLE_PRINTER_H
 
 #include <ostream>
 #include <string>
@@ -13,7 +14,7 @@ public:
     void row(std::vector<std::string> cells);
     // "table": a title, a header, a rule, aligned rows. "tsv": the title as "# title", the header,
     // then rows, all tab-separated, tabs and line feeds in values replaced by blanks.
-    void print(std::ostream &os, std::string const &format) const;
+    void print(std::ostream &os, const std::string &format) const;
 
 private:
     std::string m_title;
@@ -21,4 +22,6 @@ private:
     std::vector<std::vector<std::string>> m_rows;
 };
 
-} // namespace evasim
+}  // namespace evasim
+
+#endif

@@ -6,24 +6,24 @@ namespace evasim {
 
 TextObjectWriter::TextObjectWriter(Output &out) : m_out(out) {}
 
-void TextObjectWriter::begin(std::string const &objectname)
+void TextObjectWriter::begin(const std::string &objectname)
 {
     m_out.line(objectname + " information:");
     m_depth = 1;
 }
 
-void TextObjectWriter::open(char const *tag, char const *label)
+void TextObjectWriter::open(const char *tag, const char *label)
 {
     m_out.line(std::string(static_cast<size_t>(m_depth) * 2, ' ') + (label ? label : tag) + ":");
     ++m_depth;
 }
 
-void TextObjectWriter::leaf(char const *tag, std::string const &value, char const *label)
+void TextObjectWriter::leaf(const char *tag, const std::string &value, const char *label)
 {
     m_out.line(std::string(static_cast<size_t>(m_depth) * 2, ' ') + (label ? label : tag) + " : " + value);
 }
 
-void TextObjectWriter::close(char const *)
+void TextObjectWriter::close(const char *)
 {
     --m_depth;
 }
@@ -34,4 +34,4 @@ void TextObjectWriter::end()
     m_depth = 0;
 }
 
-} // namespace evasim
+}  // namespace evasim

@@ -1,5 +1,6 @@
 // SSSU's text form of an object: "<name> information:", then "label : value" lines, indented.
-#pragma once
+#ifndef EVASIM_TEXT_OBJECT_WRITER_H
+#define EVASIM_TEXT_OBJECT_WRITER_H
 
 #include "object_writer.h"
 
@@ -11,10 +12,10 @@ class TextObjectWriter : public ObjectWriter {
 public:
     explicit TextObjectWriter(Output &out);
 
-    void begin(std::string const &objectname) override;
-    void open(char const *tag, char const *label) override;
-    void leaf(char const *tag, std::string const &value, char const *label) override;
-    void close(char const *tag) override;
+    void begin(const std::string &objectname) override;
+    void open(const char *tag, const char *label) override;
+    void leaf(const char *tag, const std::string &value, const char *label) override;
+    void close(const char *tag) override;
     void end() override;
 
 private:
@@ -22,4 +23,6 @@ private:
     int m_depth = 0;
 };
 
-} // namespace evasim
+}  // namespace evasim
+
+#endif

@@ -4,21 +4,21 @@
 
 namespace evasim {
 
-bool Token::is(char const *keyword) const
+bool Token::is(const char *keyword) const
 {
     return kind == Word && iequals(text, keyword);
 }
 
-bool Token::isKey(char const *key) const
+bool Token::isKey(const char *key) const
 {
     return kind == Assign && iequals(text, key);
 }
 
-bool Tokenizer::split(std::string const &line, std::vector<Token> &tokens, size_t &errorColumn)
+bool Tokenizer::split(const std::string &line, std::vector<Token> &tokens, size_t &errorColumn)
 {
     tokens.clear();
     size_t i = 0;
-    size_t const n = line.size();
+    const size_t n = line.size();
     auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
     while (i < n) {
         if (blank(line[i])) {
@@ -28,7 +28,7 @@ bool Tokenizer::split(std::string const &line, std::vector<Token> &tokens, size_
         Token t;
         t.column = i;
         if (line[i] == '"') {
-            size_t const close = line.find('"', i + 1);
+            const size_t close = line.find('"', i + 1);
             if (close == std::string::npos) {
                 errorColumn = i;
                 return false;
@@ -40,13 +40,15 @@ bool Tokenizer::split(std::string const &line, std::vector<Token> &tokens, size_
             continue;
         }
         size_t j = i;
-        while (j < n && !blank(line[j]) && line[j] != '=' && line[j] != '"') ++j;
+        while (j < n && !blank(line[j]) && line[j] != '=' && line[j] != '"') {
+            ++j;
+        }
         t.text = line.substr(i, j - i);
         if (j < n && line[j] == '=' && j > i) {
             t.kind = Token::Assign;
             size_t k = j + 1;
             if (k < n && line[k] == '"') {
-                size_t const close = line.find('"', k + 1);
+                const size_t close = line.find('"', k + 1);
                 if (close == std::string::npos) {
                     errorColumn = k;
                     return false;
@@ -55,13 +57,17 @@ bool Tokenizer::split(std::string const &line, std::vector<Token> &tokens, size_
                 i = close + 1;
             } else {
                 size_t e = k;
-                while (e < n && !blank(line[e])) ++e;
+                while (e < n && !blank(line[e])) {
+                    ++e;
+                }
                 t.value = line.substr(k, e - k);
                 i = e;
             }
         } else {
             // A word runs to the next blank; a stray '=' or quote inside it stays part of it.
-            while (j < n && !blank(line[j])) ++j;
+            while (j < n && !blank(line[j])) {
+                ++j;
+            }
             t.text = line.substr(i, j - i);
             i = j;
         }
@@ -70,4 +76,4 @@ bool Tokenizer::split(std::string const &line, std::vector<Token> &tokens, size_
     return true;
 }
 
-} // namespace evasim
+}  // namespace evasim

@@ -16,16 +16,16 @@ namespace {
 // the placeholders 2.. and how to read one from columns 1...
 template <class Rec>
 struct Mapping {
-    char const *table;
-    char const *columns;
+    const char *table;
+    const char *columns;
     int count;
-    std::function<void(Statement &, Rec const &)> bind;
+    std::function<void(Statement &, const Rec &)> bind;
     std::function<Rec(Statement &)> read;
 };
 
-Mapping<ServerRec> const kServers{
+const Mapping<ServerRec> kServers{
     "servers", "host,user,password,reachable", 4,
-    [](Statement &s, ServerRec const &r) {
+    [](Statement &s, const ServerRec &r) {
         s.bind(2, r.host).bind(3, r.user).bind(4, r.password).bind(5, int64_t(r.reachable));
     },
     [](Statement &s) {
@@ -37,19 +37,18 @@ Mapping<ServerRec> const kServers{
         return r;
     }};
 
-Mapping<ManagedRec> const kManaged{
-    "managed", "server,cell", 2,
-    [](Statement &s, ManagedRec const &r) { s.bind(2, r.server).bind(3, r.cell); },
-    [](Statement &s) {
-        ManagedRec r;
-        r.server = s.integer(1);
-        r.cell = s.integer(2);
-        return r;
-    }};
+const Mapping<ManagedRec> kManaged{"managed", "server,cell", 2,
+                                   [](Statement &s, const ManagedRec &r) { s.bind(2, r.server).bind(3, r.cell); },
+                                   [](Statement &s) {
+                                       ManagedRec r;
+                                       r.server = s.integer(1);
+                                       r.cell = s.integer(2);
+                                       return r;
+                                   }};
 
-Mapping<CellRec> const kCells{
+const Mapping<CellRec> kCells{
     "cells", "name,wwn,firmware,total,serial", 5,
-    [](Statement &s, CellRec const &r) {
+    [](Statement &s, const CellRec &r) {
         s.bind(2, r.name).bind(3, r.wwn).bind(4, r.firmware).bind(5, int64_t(r.total)).bind(6, r.serial);
     },
     [](Statement &s) {
@@ -62,22 +61,21 @@ Mapping<CellRec> const kCells{
         return r;
     }};
 
-Mapping<DiskGroupRec> const kDiskGroups{
-    "diskgroups", "cell,name", 2,
-    [](Statement &s, DiskGroupRec const &r) { s.bind(2, r.cell).bind(3, r.name); },
-    [](Statement &s) {
-        DiskGroupRec r;
-        r.cell = s.integer(1);
-        r.name = s.text(2);
-        return r;
-    }};
+const Mapping<DiskGroupRec> kDiskGroups{"diskgroups", "cell,name", 2,
+                                        [](Statement &s, const DiskGroupRec &r) { s.bind(2, r.cell).bind(3, r.name); },
+                                        [](Statement &s) {
+                                            DiskGroupRec r;
+                                            r.cell = s.integer(1);
+                                            r.name = s.text(2);
+                                            return r;
+                                        }};
 
-Mapping<VdiskRec> const kVdisks{
+const Mapping<VdiskRec> kVdisks{
     "vdisks",
     "cell,folder,family,leaf,container,wwlunid,objectid,blocks,redundancy,allocation,diskgroup,parent,"
     "origin,copy_source,copy_reads,copy_kind,writecache,comments,created,modified",
     20,
-    [](Statement &s, VdiskRec const &r) {
+    [](Statement &s, const VdiskRec &r) {
         s.bind(2, r.cell).bind(3, r.folder).bind(4, r.family).bind(5, r.leaf).bind(6, int64_t(r.container));
         s.bind(7, r.wwlunid).bind(8, r.objectid).bind(9, int64_t(r.blocks)).bind(10, r.redundancy);
         s.bind(11, r.allocation).bind(12, r.diskgroup).bind(13, r.parent).bind(14, r.origin);
@@ -109,35 +107,33 @@ Mapping<VdiskRec> const kVdisks{
         return r;
     }};
 
-Mapping<HostRec> const kHosts{
-    "hosts", "cell,path,ports,os,objectid", 5,
-    [](Statement &s, HostRec const &r) {
-        s.bind(2, r.cell).bind(3, r.path).bind(4, r.ports).bind(5, r.os).bind(6, r.objectid);
-    },
-    [](Statement &s) {
-        HostRec r;
-        r.cell = s.integer(1);
-        r.path = s.text(2);
-        r.ports = s.text(3);
-        r.os = s.text(4);
-        r.objectid = s.text(5);
-        return r;
-    }};
+const Mapping<HostRec> kHosts{"hosts", "cell,path,ports,os,objectid", 5,
+                              [](Statement &s, const HostRec &r) {
+                                  s.bind(2, r.cell).bind(3, r.path).bind(4, r.ports).bind(5, r.os).bind(6, r.objectid);
+                              },
+                              [](Statement &s) {
+                                  HostRec r;
+                                  r.cell = s.integer(1);
+                                  r.path = s.text(2);
+                                  r.ports = s.text(3);
+                                  r.os = s.text(4);
+                                  r.objectid = s.text(5);
+                                  return r;
+                              }};
 
-Mapping<LunRec> const kLuns{
-    "luns", "vdisk,host,lun", 3,
-    [](Statement &s, LunRec const &r) { s.bind(2, r.vdisk).bind(3, r.host).bind(4, r.lun); },
-    [](Statement &s) {
-        LunRec r;
-        r.vdisk = s.integer(1);
-        r.host = s.integer(2);
-        r.lun = s.integer(3);
-        return r;
-    }};
+const Mapping<LunRec> kLuns{"luns", "vdisk,host,lun", 3,
+                            [](Statement &s, const LunRec &r) { s.bind(2, r.vdisk).bind(3, r.host).bind(4, r.lun); },
+                            [](Statement &s) {
+                                LunRec r;
+                                r.vdisk = s.integer(1);
+                                r.host = s.integer(2);
+                                r.lun = s.integer(3);
+                                return r;
+                            }};
 
-Mapping<DrGroupRec> const kDrGroups{
+const Mapping<DrGroupRec> kDrGroups{
     "drgroups", "name,source_cell,dest_cell,writemode,operationalstate,membercondition,linkstate,suspended", 8,
-    [](Statement &s, DrGroupRec const &r) {
+    [](Statement &s, const DrGroupRec &r) {
         s.bind(2, r.name).bind(3, r.sourceCell).bind(4, r.destCell).bind(5, r.writemode);
         s.bind(6, r.operationalstate).bind(7, r.membercondition).bind(8, r.linkstate);
         s.bind(9, int64_t(r.suspended));
@@ -155,9 +151,9 @@ Mapping<DrGroupRec> const kDrGroups{
         return r;
     }};
 
-Mapping<DrMemberRec> const kDrMembers{
+const Mapping<DrMemberRec> kDrMembers{
     "drmembers", "drgroup,source_disk,dest_disk", 3,
-    [](Statement &s, DrMemberRec const &r) { s.bind(2, r.group).bind(3, r.sourceDisk).bind(4, r.destDisk); },
+    [](Statement &s, const DrMemberRec &r) { s.bind(2, r.group).bind(3, r.sourceDisk).bind(4, r.destDisk); },
     [](Statement &s) {
         DrMemberRec r;
         r.group = s.integer(1);
@@ -167,7 +163,7 @@ Mapping<DrMemberRec> const kDrMembers{
     }};
 
 template <class Rec>
-void loadTable(Database &db, Mapping<Rec> const &m, RowTable<Rec> &table)
+void loadTable(Database &db, const Mapping<Rec> &m, RowTable<Rec> &table)
 {
     Statement s(db.handle(), std::string("SELECT id,") + m.columns + " FROM " + m.table + " ORDER BY id");
     while (s.step()) {
@@ -179,16 +175,20 @@ void loadTable(Database &db, Mapping<Rec> const &m, RowTable<Rec> &table)
 }
 
 template <class Rec>
-void saveTable(Database &db, Mapping<Rec> const &m, RowTable<Rec> &table)
+void saveTable(Database &db, const Mapping<Rec> &m, RowTable<Rec> &table)
 {
     if (!table.dirty().empty()) {
         std::string marks = "?";
-        for (int i = 0; i < m.count; ++i) marks += ",?";
-        Statement s(db.handle(), std::string("INSERT OR REPLACE INTO ") + m.table + "(id," + m.columns +
-                                     ") VALUES(" + marks + ")");
+        for (int i = 0; i < m.count; ++i) {
+            marks += ",?";
+        }
+        Statement s(db.handle(),
+                    std::string("INSERT OR REPLACE INTO ") + m.table + "(id," + m.columns + ") VALUES(" + marks + ")");
         for (int64_t id : table.dirty()) {
-            Rec const *r = table.find(id);
-            if (!r) continue;
+            const Rec *r = table.find(id);
+            if (!r) {
+                continue;
+            }
             s.bind(1, id);
             m.bind(s, *r);
             s.run();
@@ -205,13 +205,13 @@ void saveTable(Database &db, Mapping<Rec> const &m, RowTable<Rec> &table)
 }
 
 // The last path element of "\Hosts\a\b" or of a family path.
-std::string leafOf(std::string const &path)
+std::string leafOf(const std::string &path)
 {
-    size_t const at = path.rfind('\\');
+    const size_t at = path.rfind('\\');
     return at == std::string::npos ? path : path.substr(at + 1);
 }
 
-} // namespace
+}  // namespace
 
 void World::load(Database &db)
 {
@@ -241,68 +241,94 @@ void World::save(Database &db)
 
 void World::wipe(Database &db)
 {
-    for (char const *table : {"servers", "managed", "cells", "diskgroups", "vdisks", "hosts", "luns", "drgroups",
-                              "drmembers", "faults"})
+    for (const char *table :
+         {"servers", "managed", "cells", "diskgroups", "vdisks", "hosts", "luns", "drgroups", "drmembers", "faults"}) {
         db.exec(std::string("DELETE FROM ") + table);
+    }
 }
 
-ServerRec *World::serverByHost(std::string const &host)
+ServerRec *World::serverByHost(const std::string &host)
 {
-    for (auto &[id, s] : servers.rows)
-        if (iequals(s.host, host)) return &s;
+    for (auto &[id, s] : servers.rows) {
+        if (iequals(s.host, host)) {
+            return &s;
+        }
+    }
     return nullptr;
 }
 
-CellRec *World::cellByName(std::string const &name)
+CellRec *World::cellByName(const std::string &name)
 {
-    for (auto &[id, c] : cells.rows)
-        if (iequals(c.name, name)) return &c;
+    for (auto &[id, c] : cells.rows) {
+        if (iequals(c.name, name)) {
+            return &c;
+        }
+    }
     return nullptr;
 }
 
-CellRec *World::cellByWwn(std::string const &wwn)
+CellRec *World::cellByWwn(const std::string &wwn)
 {
     std::string wanted;
-    if (!normaliseWwn(wwn, 4, wanted, true)) return nullptr;
-    for (auto &[id, c] : cells.rows)
-        if (c.wwn == wanted) return &c;
+    if (!normaliseWwn(wwn, 4, wanted, true)) {
+        return nullptr;
+    }
+    for (auto &[id, c] : cells.rows) {
+        if (c.wwn == wanted) {
+            return &c;
+        }
+    }
     return nullptr;
 }
 
-std::vector<CellRec const *> World::cellsOf(int64_t server) const
+std::vector<const CellRec *> World::cellsOf(int64_t server) const
 {
-    std::vector<CellRec const *> out;
-    for (auto const &[id, m] : managed.rows)
-        if (m.server == server)
-            if (CellRec const *c = cells.find(m.cell)) out.push_back(c);
+    std::vector<const CellRec *> out;
+    for (const auto &[id, m] : managed.rows) {
+        if (m.server == server) {
+            if (const CellRec *c = cells.find(m.cell)) {
+                out.push_back(c);
+            }
+        }
+    }
     return out;
 }
 
 bool World::manages(int64_t server, int64_t cell) const
 {
-    for (auto const &[id, m] : managed.rows)
-        if (m.server == server && m.cell == cell) return true;
+    for (const auto &[id, m] : managed.rows) {
+        if (m.server == server && m.cell == cell) {
+            return true;
+        }
+    }
     return false;
 }
 
 std::vector<VdiskRec *> World::vdisksOf(int64_t cell)
 {
     std::vector<std::pair<std::string, VdiskRec *>> keyed;
-    for (auto &[id, d] : vdisks.rows)
-        if (d.cell == cell) keyed.emplace_back(lower(d.path()), &d);
-    std::sort(keyed.begin(), keyed.end(),
-              [](auto const &a, auto const &b) { return a.first < b.first; });
+    for (auto &[id, d] : vdisks.rows) {
+        if (d.cell == cell) {
+            keyed.emplace_back(lower(d.path()), &d);
+        }
+    }
+    std::sort(keyed.begin(), keyed.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
     std::vector<VdiskRec *> out;
     out.reserve(keyed.size());
-    for (auto &k : keyed) out.push_back(k.second);
+    for (auto &k : keyed) {
+        out.push_back(k.second);
+    }
     return out;
 }
 
 std::vector<HostRec *> World::hostsOf(int64_t cell)
 {
     std::vector<HostRec *> out;
-    for (auto &[id, h] : hosts.rows)
-        if (h.cell == cell) out.push_back(&h);
+    for (auto &[id, h] : hosts.rows) {
+        if (h.cell == cell) {
+            out.push_back(&h);
+        }
+    }
     std::sort(out.begin(), out.end(), [](HostRec *a, HostRec *b) { return lower(a->path) < lower(b->path); });
     return out;
 }
@@ -310,39 +336,54 @@ std::vector<HostRec *> World::hostsOf(int64_t cell)
 std::vector<LunRec *> World::lunsOfDisk(int64_t vdisk)
 {
     std::vector<LunRec *> out;
-    for (auto &[id, l] : luns.rows)
-        if (l.vdisk == vdisk) out.push_back(&l);
+    for (auto &[id, l] : luns.rows) {
+        if (l.vdisk == vdisk) {
+            out.push_back(&l);
+        }
+    }
     return out;
 }
 
 std::vector<LunRec *> World::lunsOfHost(int64_t host)
 {
     std::vector<LunRec *> out;
-    for (auto &[id, l] : luns.rows)
-        if (l.host == host) out.push_back(&l);
+    for (auto &[id, l] : luns.rows) {
+        if (l.host == host) {
+            out.push_back(&l);
+        }
+    }
     return out;
 }
 
 std::vector<VdiskRec *> World::snapshotsOf(int64_t vdisk)
 {
     std::vector<VdiskRec *> out;
-    for (auto &[id, d] : vdisks.rows)
-        if (d.parent == vdisk) out.push_back(&d);
+    for (auto &[id, d] : vdisks.rows) {
+        if (d.parent == vdisk) {
+            out.push_back(&d);
+        }
+    }
     return out;
 }
 
-DiskGroupRec *World::diskGroupByName(int64_t cell, std::string const &name)
+DiskGroupRec *World::diskGroupByName(int64_t cell, const std::string &name)
 {
     std::string const leaf = leafOf(name);
-    for (auto &[id, g] : diskgroups.rows)
-        if (g.cell == cell && iequals(g.name, leaf)) return &g;
+    for (auto &[id, g] : diskgroups.rows) {
+        if (g.cell == cell && iequals(g.name, leaf)) {
+            return &g;
+        }
+    }
     return nullptr;
 }
 
 DiskGroupRec &World::defaultDiskGroup(int64_t cell)
 {
-    for (auto &[id, g] : diskgroups.rows)
-        if (g.cell == cell) return g;
+    for (auto &[id, g] : diskgroups.rows) {
+        if (g.cell == cell) {
+            return g;
+        }
+    }
     DiskGroupRec g;
     g.cell = cell;
     g.name = "Default Disk Group";
@@ -351,29 +392,46 @@ DiskGroupRec &World::defaultDiskGroup(int64_t cell)
 
 DrMemberRec *World::drMembershipOf(int64_t vdisk)
 {
-    for (auto &[id, m] : drmembers.rows)
-        if (m.sourceDisk == vdisk || m.destDisk == vdisk) return &m;
+    for (auto &[id, m] : drmembers.rows) {
+        if (m.sourceDisk == vdisk || m.destDisk == vdisk) {
+            return &m;
+        }
+    }
     return nullptr;
 }
 
-VdiskRec *World::resolveVdisk(int64_t cell, std::string const &ref, bool &ambiguous)
+VdiskRec *World::resolveVdisk(int64_t cell, const std::string &ref, bool &ambiguous)
 {
     ambiguous = false;
-    if (ref.empty()) return nullptr;
-    std::string const full = ref[0] == '\\' ? ref : (istartsWith(ref, "Virtual Disks\\") ? "\\" + ref
-                                                                                        : "\\Virtual Disks\\" + ref);
+    if (ref.empty()) {
+        return nullptr;
+    }
+    std::string const full =
+        ref[0] == '\\' ? ref : (istartsWith(ref, "Virtual Disks\\") ? "\\" + ref : "\\Virtual Disks\\" + ref);
     VdiskRec *byFamily = nullptr;
     for (auto &[id, d] : vdisks.rows) {
-        if (d.cell != cell) continue;
-        if (iequals(d.path(), full)) return &d;
-        if (d.active() && iequals(d.familyPath(), full)) byFamily = &d;
+        if (d.cell != cell) {
+            continue;
+        }
+        if (iequals(d.path(), full)) {
+            return &d;
+        }
+        if (d.active() && iequals(d.familyPath(), full)) {
+            byFamily = &d;
+        }
     }
-    if (byFamily || ref.find('\\') != std::string::npos) return byFamily;
+    if (byFamily || ref.find('\\') != std::string::npos) {
+        return byFamily;
+    }
     VdiskRec *found = nullptr;
     for (auto &[id, d] : vdisks.rows) {
-        if (d.cell != cell) continue;
-        bool const fits = d.active() ? iequals(d.family, ref) : iequals(d.leaf, ref);
-        if (!fits) continue;
+        if (d.cell != cell) {
+            continue;
+        }
+        const bool fits = d.active() ? iequals(d.family, ref) : iequals(d.leaf, ref);
+        if (!fits) {
+            continue;
+        }
         if (found) {
             ambiguous = true;
             return nullptr;
@@ -383,17 +441,26 @@ VdiskRec *World::resolveVdisk(int64_t cell, std::string const &ref, bool &ambigu
     return found;
 }
 
-HostRec *World::resolveHost(int64_t cell, std::string const &ref, bool &ambiguous)
+HostRec *World::resolveHost(int64_t cell, const std::string &ref, bool &ambiguous)
 {
     ambiguous = false;
-    if (ref.empty()) return nullptr;
+    if (ref.empty()) {
+        return nullptr;
+    }
     std::string const full = ref[0] == '\\' ? ref : (istartsWith(ref, "Hosts\\") ? "\\" + ref : "\\Hosts\\" + ref);
-    for (auto &[id, h] : hosts.rows)
-        if (h.cell == cell && iequals(h.path, full)) return &h;
-    if (ref.find('\\') != std::string::npos) return nullptr;
+    for (auto &[id, h] : hosts.rows) {
+        if (h.cell == cell && iequals(h.path, full)) {
+            return &h;
+        }
+    }
+    if (ref.find('\\') != std::string::npos) {
+        return nullptr;
+    }
     HostRec *found = nullptr;
     for (auto &[id, h] : hosts.rows) {
-        if (h.cell != cell || !iequals(leafOf(h.path), ref)) continue;
+        if (h.cell != cell || !iequals(leafOf(h.path), ref)) {
+            continue;
+        }
         if (found) {
             ambiguous = true;
             return nullptr;
@@ -403,48 +470,66 @@ HostRec *World::resolveHost(int64_t cell, std::string const &ref, bool &ambiguou
     return found;
 }
 
-DrGroupRec *World::resolveDrGroup(int64_t cell, std::string const &ref)
+DrGroupRec *World::resolveDrGroup(int64_t cell, const std::string &ref)
 {
     for (auto &[id, g] : drgroups.rows) {
-        if (g.sourceCell != cell && g.destCell != cell) continue;
-        if (iequals(g.name, ref) || iequals(g.path(), ref) || iequals("Data Replication\\" + g.name, ref)) return &g;
+        if (g.sourceCell != cell && g.destCell != cell) {
+            continue;
+        }
+        if (iequals(g.name, ref) || iequals(g.path(), ref) || iequals("Data Replication\\" + g.name, ref)) {
+            return &g;
+        }
     }
     return nullptr;
 }
 
-uint64_t World::allocatedBytes(VdiskRec const &disk)
+uint64_t World::allocatedBytes(const VdiskRec &disk)
 {
-    if (disk.allocation == "demand") return 0;
-    uint64_t const bytes = disk.blocks * 512;
-    if (disk.redundancy == "vraid1") return bytes * 2;
-    if (disk.redundancy == "vraid5") return bytes + bytes / 4;
+    if (disk.allocation == "demand") {
+        return 0;
+    }
+    const uint64_t bytes = disk.blocks * 512;
+    if (disk.redundancy == "vraid1") {
+        return bytes * 2;
+    }
+    if (disk.redundancy == "vraid5") {
+        return bytes + bytes / 4;
+    }
     return bytes;
 }
 
 uint64_t World::usedBytes(int64_t cell) const
 {
     uint64_t used = 0;
-    for (auto const &[id, d] : vdisks.rows)
-        if (d.cell == cell) used += allocatedBytes(d);
+    for (const auto &[id, d] : vdisks.rows) {
+        if (d.cell == cell) {
+            used += allocatedBytes(d);
+        }
+    }
     return used;
 }
 
 uint64_t World::freeBytes(int64_t cell) const
 {
-    CellRec const *c = cells.find(cell);
-    if (!c) return 0;
-    uint64_t const used = usedBytes(cell);
+    const CellRec *c = cells.find(cell);
+    if (!c) {
+        return 0;
+    }
+    const uint64_t used = usedBytes(cell);
     return used >= c->total ? 0 : c->total - used;
 }
 
-bool World::wwlunidInUse(int64_t cell, std::string const &wwlunid, int64_t except) const
+bool World::wwlunidInUse(int64_t cell, const std::string &wwlunid, int64_t except) const
 {
-    for (auto const &[id, d] : vdisks.rows)
-        if (d.cell == cell && id != except && iequals(d.wwlunid, wwlunid)) return true;
+    for (const auto &[id, d] : vdisks.rows) {
+        if (d.cell == cell && id != except && iequals(d.wwlunid, wwlunid)) {
+            return true;
+        }
+    }
     return false;
 }
 
-std::string World::formatWwlunid(CellRec const &cell, int64_t serial)
+std::string World::formatWwlunid(const CellRec &cell, int64_t serial)
 {
     std::string const w = lower(cell.wwn);
     // "5000-1fe1-5000-a9f0": its last two groups make the cell's part of every LUN id.
@@ -461,7 +546,9 @@ std::string World::newWwlunid(CellRec &cell)
         ++cell.serial;
         cells.touch(cell.id);
         std::string const id = formatWwlunid(cell, cell.serial);
-        if (!wwlunidInUse(cell.id, id, 0)) return id;
+        if (!wwlunidInUse(cell.id, id, 0)) {
+            return id;
+        }
     }
 }
 
@@ -470,11 +557,14 @@ std::string World::newObjectId(CellRec &cell)
     ++cell.serial;
     cells.touch(cell.id);
     std::string digits;
-    for (char c : cell.wwn)
-        if (c != '-') digits += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    for (char c : cell.wwn) {
+        if (c != '-') {
+            digits += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        }
+    }
     char serial[32];
     std::snprintf(serial, sizeof serial, "%016llx", static_cast<unsigned long long>(cell.serial));
     return "0" + digits.substr(0, 15) + std::string(serial) + "00000000";
 }
 
-} // namespace evasim
+}  // namespace evasim

@@ -1,5 +1,6 @@
 // Builds a world of any size from a few numbers, for tests and benchmarks that need bulk.
-#pragma once
+#ifndef EVASIM_WORLD_GENERATOR_H
+#define EVASIM_WORLD_GENERATOR_H
 
 #include <string>
 
@@ -21,10 +22,12 @@ public:
     };
 
     // Checks the numbers; gives an error text, empty when they can be built.
-    static std::string check(Options const &o);
+    static std::string check(const Options &o);
     // Fills an empty world. Names: servers cv1.., user and password "evasim"; cells EVA01..;
     // disks "\Virtual Disks\folderNN\vdNNNNN\ACTIVE"; hosts "\Hosts\hostNN".
-    static void build(World &world, Options const &o);
+    static void build(World &world, const Options &o);
 };
 
-} // namespace evasim
+}  // namespace evasim
+
+#endif

@@ -6,20 +6,29 @@
 
 namespace evasim {
 
-XmlObjectWriter::XmlObjectWriter(Output &out, bool infoLines, bool malformed)
-    : m_out(out), m_infoLines(infoLines), m_malformed(malformed)
+XmlObjectWriter::XmlObjectWriter(Output &out, bool infoLines, bool malformed) :
+    m_out(out),
+    m_infoLines(infoLines),
+    m_malformed(malformed)
 {
 }
 
-std::string XmlObjectWriter::escape(std::string const &text)
+std::string XmlObjectWriter::escape(const std::string &text)
 {
-    if (text.find_first_of("&<>") == std::string::npos) return text;
+    if (text.find_first_of("&<>") == std::string::npos) {
+        return text;
+    }
     std::string out;
     for (char c : text) {
-        if (c == '&') out += "&amp;";
-        else if (c == '<') out += "&lt;";
-        else if (c == '>') out += "&gt;";
-        else out += c;
+        if (c == '&') {
+            out += "&amp;";
+        } else if (c == '<') {
+            out += "&lt;";
+        } else if (c == '>') {
+            out += "&gt;";
+        } else {
+            out += c;
+        }
     }
     return out;
 }
@@ -29,20 +38,22 @@ std::string XmlObjectWriter::indent() const
     return std::string(static_cast<size_t>(m_depth) * 2, ' ');
 }
 
-void XmlObjectWriter::begin(std::string const &objectname)
+void XmlObjectWriter::begin(const std::string &objectname)
 {
-    if (m_infoLines) m_out.line(objectname + " information:");
+    if (m_infoLines) {
+        m_out.line(objectname + " information:");
+    }
     m_out.line("<object>");
     m_depth = 1;
 }
 
-void XmlObjectWriter::open(char const *tag, char const *)
+void XmlObjectWriter::open(const char *tag, const char *)
 {
     m_out.line(indent() + "<" + tag + ">");
     ++m_depth;
 }
 
-void XmlObjectWriter::leaf(char const *tag, std::string const &value, char const *)
+void XmlObjectWriter::leaf(const char *tag, const std::string &value, const char *)
 {
     m_line.assign(static_cast<size_t>(m_depth) * 2, ' ');
     m_line += '<';
@@ -61,7 +72,7 @@ void XmlObjectWriter::leaf(char const *tag, std::string const &value, char const
     m_out.line(m_line);
 }
 
-void XmlObjectWriter::close(char const *tag)
+void XmlObjectWriter::close(const char *tag)
 {
     --m_depth;
     m_out.line(indent() + "</" + tag + ">");
@@ -73,4 +84,4 @@ void XmlObjectWriter::end()
     m_depth = 0;
 }
 
-} // namespace evasim
+}  // namespace evasim

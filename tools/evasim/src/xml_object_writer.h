@@ -1,6 +1,7 @@
 // SSSU's XML form: a series of <object> blocks, no declaration, no root, one element a line,
 // children indented by two blanks.
-#pragma once
+#ifndef EVASIM_XML_OBJECT_WRITER_H
+#define EVASIM_XML_OBJECT_WRITER_H
 
 #include "object_writer.h"
 
@@ -14,13 +15,13 @@ public:
     // 'malformed': break the first object, as a damaged listing would be.
     XmlObjectWriter(Output &out, bool infoLines, bool malformed);
 
-    void begin(std::string const &objectname) override;
-    void open(char const *tag, char const *label) override;
-    void leaf(char const *tag, std::string const &value, char const *label) override;
-    void close(char const *tag) override;
+    void begin(const std::string &objectname) override;
+    void open(const char *tag, const char *label) override;
+    void leaf(const char *tag, const std::string &value, const char *label) override;
+    void close(const char *tag) override;
     void end() override;
 
-    static std::string escape(std::string const &text);
+    static std::string escape(const std::string &text);
 
 private:
     std::string indent() const;
@@ -32,4 +33,6 @@ private:
     std::string m_line;
 };
 
-} // namespace evasim
+}  // namespace evasim
+
+#endif

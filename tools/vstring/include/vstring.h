@@ -41,15 +41,15 @@ extern "C" {
 
 /* A read-only input over memory; the scanner never looks at or behind data[length]. */
 typedef struct V_input {
-    char const *data;
+    const char *data;
     size_t length;
     size_t position; /* characters consumed so far */
 } V_input;
 
-int V_sscanf(char const *text, char const *format, ...);
-int V_vsscanf(char const *text, char const *format, va_list args);
+int V_sscanf(const char *text, const char *format, ...);
+int V_vsscanf(const char *text, const char *format, va_list args);
 /* The scanner core. On return input->position is where the scan stopped. */
-int V_vfscanf(V_input *input, char const *format, va_list args);
+int V_vfscanf(V_input *input, const char *format, va_list args);
 
 /*
  * As strtoll/strtoull: white space, one sign, base 0 detects 0x/0 prefixes,
@@ -57,8 +57,8 @@ int V_vfscanf(V_input *input, char const *format, va_list args);
  * ERANGE (34) and the limit is returned. V_strtoumax negates after a minus
  * sign when nothing overflowed. A base other than 0 or 2..36 gives 0 and EINVAL.
  */
-intmax_t V_strtoimax(char const *text, char **end, int base);
-uintmax_t V_strtoumax(char const *text, char **end, int base);
+intmax_t V_strtoimax(const char *text, char **end, int base);
+uintmax_t V_strtoumax(const char *text, char **end, int base);
 
 /*
  * A null buffer or a size of 0 gives -1. A text that fits gives its length;
@@ -66,24 +66,24 @@ uintmax_t V_strtoumax(char const *text, char **end, int base);
  * size - 1 (never the length that was wanted). A formatting error leaves an
  * empty text and gives -1.
  */
-int V_snprintf(char *buffer, size_t size, char const *format, ...)
+int V_snprintf(char *buffer, size_t size, const char *format, ...)
 #if defined(__GNUC__)
     __attribute__((format(printf, 3, 4)))
 #endif
     ;
-int V_vsnprintf(char *buffer, size_t size, char const *format, va_list args);
+int V_vsnprintf(char *buffer, size_t size, const char *format, va_list args);
 
 /*
  * A size of 0 gives -1. Otherwise the buffer receives at most size - 1
  * characters and a terminator; the result is the length of the text, or
  * negative when it did not fit (or could not be formatted).
  */
-int V_swprintf(wchar_t *buffer, size_t size, wchar_t const *format, ...);
-int V_vswprintf(wchar_t *buffer, size_t size, wchar_t const *format, va_list args);
+int V_swprintf(wchar_t *buffer, size_t size, const wchar_t *format, ...);
+int V_vswprintf(wchar_t *buffer, size_t size, const wchar_t *format, va_list args);
 
 /* Copies at most size - 1 characters and terminates; gives the number copied.
    A size of 0 or a null pointer gives 0 and writes nothing. */
-size_t V_wcslcpy(wchar_t *target, wchar_t const *source, size_t size);
+size_t V_wcslcpy(wchar_t *target, const wchar_t *source, size_t size);
 
 /*
  * n = min(count, size). Copies up to n characters, stopping at the source's
@@ -91,7 +91,7 @@ size_t V_wcslcpy(wchar_t *target, wchar_t const *source, size_t size);
  * character becomes 0 and the result is size - 1; else target[n] becomes 0 and
  * the result is n. A size of 0 or a null pointer gives 0 and writes nothing.
  */
-size_t V_wcsncpy(wchar_t *target, wchar_t const *source, size_t count, size_t size);
+size_t V_wcsncpy(wchar_t *target, const wchar_t *source, size_t count, size_t size);
 
 #ifdef __cplusplus
 }

@@ -15,57 +15,79 @@ constexpr size_t kNumberField = 512;
 constexpr size_t kWidthCap = size_t(1) << 40;
 
 // White space and case are tested by hand so that the host's locale can't change a scan.
-bool isSpace(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-bool isUpper(int c) { return c >= 'A' && c <= 'Z'; }
+bool isSpace(int c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+bool isUpper(int c)
+{
+    return c >= 'A' && c <= 'Z';
+}
 
 int digitValue(int c)
 {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'z') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'Z') return c - 'A' + 10;
+    if (c >= '0' && c <= '9') {
+        return c - '0';
+    }
+    if (c >= 'a' && c <= 'z') {
+        return c - 'a' + 10;
+    }
+    if (c >= 'A' && c <= 'Z') {
+        return c - 'A' + 10;
+    }
     return INT_MAX;
 }
 
 // Shared by both readers: the magnitude of the number, checked against the limit
 // that belongs to its sign. Digits after an overflow are still consumed.
-uint64_t readMagnitude(char const *text, char **end, int base, uint64_t limitPositive,
-                       uint64_t limitNegative, bool *negative, bool *overflow)
+uint64_t readMagnitude(const char *text, char **end, int base, uint64_t limitPositive, uint64_t limitNegative,
+                       bool *negative, bool *overflow)
 {
     *negative = false;
     *overflow = false;
     if (base < 0 || base == 1 || base > 36) {
-        if (end) *end = const_cast<char *>(text);
+        if (end) {
+            *end = const_cast<char *>(text);
+        }
         errno = EINVAL;
         return 0;
     }
-    unsigned char const *s = reinterpret_cast<unsigned char const *>(text);
-    while (isSpace(*s)) ++s;
+    const unsigned char *s = reinterpret_cast<const unsigned char *>(text);
+    while (isSpace(*s)) {
+        ++s;
+    }
     if (*s == '+' || *s == '-') {
         *negative = *s == '-';
         ++s;
     }
     // "0x" counts as a prefix only when a hex digit follows; otherwise the number is the 0.
-    if ((base == 0 || base == 16) && s[0] == '0' && (s[1] == 'x' || s[1] == 'X') &&
-        digitValue(s[2]) < 16) {
+    if ((base == 0 || base == 16) && s[0] == '0' && (s[1] == 'x' || s[1] == 'X') && digitValue(s[2]) < 16) {
         s += 2;
         base = 16;
     } else if (base == 0) {
         base = s[0] == '0' ? 8 : 10;
     }
-    uint64_t const limit = *negative ? limitNegative : limitPositive;
+    const uint64_t limit = *negative ? limitNegative : limitPositive;
     uint64_t value = 0;
     bool any = false;
     for (;; ++s) {
-        int const d = digitValue(*s);
-        if (d >= base) break;
+        const int d = digitValue(*s);
+        if (d >= base) {
+            break;
+        }
         any = true;
-        if (*overflow) continue;
-        if (value > (limit - uint64_t(d)) / uint64_t(base))
+        if (*overflow) {
+            continue;
+        }
+        if (value > (limit - uint64_t(d)) / uint64_t(base)) {
             *overflow = true;
-        else
+        } else {
             value = value * uint64_t(base) + uint64_t(d);
+        }
     }
-    if (end) *end = const_cast<char *>(any ? reinterpret_cast<char const *>(s) : text);
+    if (end) {
+        *end = const_cast<char *>(any ? reinterpret_cast<const char *>(s) : text);
+    }
     return value;
 }
 
@@ -75,48 +97,66 @@ enum class Mod { None, HH, H, L, LL, Long64, BigL };
 int integerBytes(Mod m)
 {
     switch (m) {
-    case Mod::HH: return 1;
-    case Mod::H: return 2;
+    case Mod::HH:
+        return 1;
+    case Mod::H:
+        return 2;
     case Mod::None:
-    case Mod::L: return 4;
-    default: return 8;
+    case Mod::L:
+        return 4;
+    default:
+        return 8;
     }
 }
 
-bool floatIsDouble(Mod m) { return m == Mod::L || m == Mod::LL || m == Mod::BigL; }
+bool floatIsDouble(Mod m)
+{
+    return m == Mod::L || m == Mod::LL || m == Mod::BigL;
+}
 
 // Destinations may be unaligned; copy the low bytes of the value.
 void storeInteger(void *dst, uint64_t value, int bytes)
 {
     switch (bytes) {
-    case 1: { uint8_t v = uint8_t(value); std::memcpy(dst, &v, 1); break; }
-    case 2: { uint16_t v = uint16_t(value); std::memcpy(dst, &v, 2); break; }
-    case 4: { uint32_t v = uint32_t(value); std::memcpy(dst, &v, 4); break; }
-    default: std::memcpy(dst, &value, 8); break;
+    case 1: {
+        uint8_t v = uint8_t(value);
+        std::memcpy(dst, &v, 1);
+        break;
+    }
+    case 2: {
+        uint16_t v = uint16_t(value);
+        std::memcpy(dst, &v, 2);
+        break;
+    }
+    case 4: {
+        uint32_t v = uint32_t(value);
+        std::memcpy(dst, &v, 4);
+        break;
+    }
+    default:
+        std::memcpy(dst, &value, 8);
+        break;
     }
 }
 
 // strtod must not see a decimal comma because the host switched locales.
-double parseDouble(char const *text)
+double parseDouble(const char *text)
 {
-    static locale_t const c_locale = newlocale(LC_ALL_MASK, "C", locale_t(0));
+    static const locale_t c_locale = newlocale(LC_ALL_MASK, "C", locale_t(0));
     return c_locale ? strtod_l(text, nullptr, c_locale) : std::strtod(text, nullptr);
 }
 
 class Reader {
 public:
     explicit Reader(V_input *in) : in_(in), start_(in->position) {}
-    int peek() const
-    {
-        return in_->position < in_->length
-                   ? static_cast<unsigned char>(in_->data[in_->position])
-                   : -1;
-    }
+    int peek() const { return in_->position < in_->length ? static_cast<unsigned char>(in_->data[in_->position]) : -1; }
     void next() { ++in_->position; }
     void giveBack() { --in_->position; }
     void skipSpace()
     {
-        while (isSpace(peek())) next();
+        while (isSpace(peek())) {
+            next();
+        }
     }
     size_t consumed() const { return in_->position - start_; }
 
@@ -130,11 +170,11 @@ private:
 bool readIntegerField(Reader &r, size_t width, int &base, char *buf)
 {
     enum { SignOk = 1, NoDigits = 2, NoZeroDigits = 4, PrefixOk = 8 };
-    static int const kBaseFix[17] = {10, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
+    static const int kBaseFix[17] = {10, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
     int flags = SignOk | NoDigits | NoZeroDigits | (base == 16 ? PrefixOk : 0);
     size_t p = 0;
     for (; width > 0; --width) {
-        int const c = r.peek();
+        const int c = r.peek();
         bool take = false;
         if (c == '0') {
             if (base == 0) {
@@ -142,10 +182,11 @@ bool readIntegerField(Reader &r, size_t width, int &base, char *buf)
                 flags |= PrefixOk;
             }
             // A first 0 keeps the prefix possible; a second one ends that chance.
-            if (flags & NoZeroDigits)
+            if (flags & NoZeroDigits) {
                 flags &= ~(SignOk | NoZeroDigits | NoDigits);
-            else
+            } else {
                 flags &= ~(SignOk | PrefixOk | NoDigits);
+            }
             take = true;
         } else if (c >= '1' && c <= '9') {
             base = kBaseFix[base];
@@ -170,11 +211,15 @@ bool readIntegerField(Reader &r, size_t width, int &base, char *buf)
                 take = true;
             }
         }
-        if (!take) break;
+        if (!take) {
+            break;
+        }
         buf[p++] = char(c);
         r.next();
     }
-    if (flags & NoDigits) return false;
+    if (flags & NoDigits) {
+        return false;
+    }
     if (buf[p - 1] == 'x' || buf[p - 1] == 'X') {
         --p;
         r.giveBack();
@@ -191,7 +236,7 @@ bool readFloatField(Reader &r, size_t width, char *buf)
     int flags = SignOk | NoDigits | PointOk | ExpOk;
     size_t p = 0;
     for (; width > 0; --width) {
-        int const c = r.peek();
+        const int c = r.peek();
         bool take = false;
         if (c >= '0' && c <= '9') {
             flags &= ~(SignOk | NoDigits);
@@ -212,14 +257,18 @@ bool readFloatField(Reader &r, size_t width, char *buf)
                 take = true;
             }
         }
-        if (!take) break;
+        if (!take) {
+            break;
+        }
         buf[p++] = char(c);
         r.next();
     }
     if (flags & NoDigits) {
-        if (flags & ExpOk) return false; // no mantissa digits at all
+        if (flags & ExpOk) {
+            return false;  // no mantissa digits at all
+        }
         if (buf[p - 1] != 'e' && buf[p - 1] != 'E') {
-            --p; // the exponent's sign
+            --p;  // the exponent's sign
             r.giveBack();
         }
         --p;
@@ -231,7 +280,7 @@ bool readFloatField(Reader &r, size_t width, char *buf)
 
 // Fills table with the members of a %[ set starting at fmt (behind the '[').
 // Returns the format position behind the closing ']' or at the format's end.
-unsigned char const *parseSet(unsigned char const *fmt, bool table[256])
+const unsigned char *parseSet(const unsigned char *fmt, bool table[256])
 {
     bool invert = false;
     if (*fmt == '^') {
@@ -240,18 +289,24 @@ unsigned char const *parseSet(unsigned char const *fmt, bool table[256])
     }
     std::memset(table, 0, 256 * sizeof(bool));
     if (*fmt != '\0') {
-        int prev = *fmt++; // the first member may be ']'
+        int prev = *fmt++;  // the first member may be ']'
         table[prev] = true;
         for (;;) {
-            int const c = *fmt;
-            if (c == '\0') break;
+            const int c = *fmt;
+            if (c == '\0') {
+                break;
+            }
             ++fmt;
-            if (c == ']') break;
+            if (c == ']') {
+                break;
+            }
             if (c == '-') {
-                int const hi = *fmt;
+                const int hi = *fmt;
                 if (hi != '\0' && hi != ']' && hi >= prev) {
                     ++fmt;
-                    for (int k = prev; k <= hi; ++k) table[k] = true;
+                    for (int k = prev; k <= hi; ++k) {
+                        table[k] = true;
+                    }
                     prev = hi;
                     continue;
                 }
@@ -260,8 +315,11 @@ unsigned char const *parseSet(unsigned char const *fmt, bool table[256])
             prev = c;
         }
     }
-    if (invert)
-        for (int k = 0; k < 256; ++k) table[k] = !table[k];
+    if (invert) {
+        for (int k = 0; k < 256; ++k) {
+            table[k] = !table[k];
+        }
+    }
     return fmt;
 }
 
@@ -276,20 +334,22 @@ struct Args {
 struct Spec {
     int letter = 0;
     bool suppress = false;
-    size_t width = 0; // 0: none given
+    size_t width = 0;  // 0: none given
     Mod mod = Mod::None;
 };
 
 // Reads flags, width and modifiers, in any order, up to the conversion letter.
-unsigned char const *parseSpec(unsigned char const *fmt, Spec &spec)
+const unsigned char *parseSpec(const unsigned char *fmt, Spec &spec)
 {
     int prev = 0;
     for (;;) {
-        int const c = *fmt++;
+        const int c = *fmt++;
         if (c == '*') {
             spec.suppress = true;
         } else if (c >= '0' && c <= '9') {
-            if (spec.width < kWidthCap) spec.width = spec.width * 10 + size_t(c - '0');
+            if (spec.width < kWidthCap) {
+                spec.width = spec.width * 10 + size_t(c - '0');
+            }
         } else if (c == 'h') {
             spec.mod = prev == 'h' && spec.mod == Mod::H ? Mod::HH : Mod::H;
         } else if (c == 'l') {
@@ -313,34 +373,68 @@ constexpr int kGoOn = INT_MIN;
 
 // Runs one conversion other than %% and %n. Gives kGoOn, or the scan's result when it ends here.
 // fmt is advanced past a %[ set.
-int convert(Reader &r, Spec spec, unsigned char const *&fmt, Args &args, int &assigned)
+int convert(Reader &r, Spec spec, const unsigned char *&fmt, Args &args, int &assigned)
 {
-    int const c = spec.letter;
+    const int c = spec.letter;
     int base = 10;
     bool isSigned = true;
     bool isFloat = false;
     bool isPointer = false;
     switch (c) {
-    case 'c': case 's': case '[': case 'd': break;
-    case 'i': base = 0; break;
-    case 'u': isSigned = false; break;
-    case 'o': isSigned = false; base = 8; break;
-    case 'x': case 'X': isSigned = false; base = 16; break;
-    case 'p': isSigned = false; base = 16; isPointer = true; break;
-    case 'e': case 'E': case 'f': case 'g': case 'G': isFloat = true; break;
-    case 'O': isSigned = false; base = 8; [[fallthrough]];
+    case 'c':
+    case 's':
+    case '[':
+    case 'd':
+        break;
+    case 'i':
+        base = 0;
+        break;
+    case 'u':
+        isSigned = false;
+        break;
+    case 'o':
+        isSigned = false;
+        base = 8;
+        break;
+    case 'x':
+    case 'X':
+        isSigned = false;
+        base = 16;
+        break;
+    case 'p':
+        isSigned = false;
+        base = 16;
+        isPointer = true;
+        break;
+    case 'e':
+    case 'E':
+    case 'f':
+    case 'g':
+    case 'G':
+        isFloat = true;
+        break;
+    case 'O':
+        isSigned = false;
+        base = 8;
+        [[fallthrough]];
     default:
         // D, O and any upper-case letter read as with 'l': at least 32 bits.
-        if (isUpper(c) && (spec.mod == Mod::H || spec.mod == Mod::HH)) spec.mod = Mod::L;
+        if (isUpper(c) && (spec.mod == Mod::H || spec.mod == Mod::HH)) {
+            spec.mod = Mod::L;
+        }
         break;
     }
 
-    if (c != 'c' && c != '[') r.skipSpace();
-    if (r.peek() < 0) return assigned ? assigned : -1;
+    if (c != 'c' && c != '[') {
+        r.skipSpace();
+    }
+    if (r.peek() < 0) {
+        return assigned ? assigned : -1;
+    }
 
     if (c == 'c') {
         // One character is read and stored, whatever the width.
-        int const in = r.peek();
+        const int in = r.peek();
         r.next();
         if (!spec.suppress) {
             char *dst = static_cast<char *>(args.pointer());
@@ -353,7 +447,9 @@ int convert(Reader &r, Spec spec, unsigned char const *&fmt, Args &args, int &as
 
     if (c == 's' || c == '[') {
         bool set[256];
-        if (c == '[') fmt = parseSet(fmt, set);
+        if (c == '[') {
+            fmt = parseSet(fmt, set);
+        }
         char *dst = nullptr;
         int size = 0;
         if (!spec.suppress) {
@@ -361,39 +457,51 @@ int convert(Reader &r, Spec spec, unsigned char const *&fmt, Args &args, int &as
             size = args.size();
         }
         // Characters that may be stored before the terminator.
-        size_t const room = size > 0 ? size_t(size) - 1 : 0;
+        const size_t room = size > 0 ? size_t(size) - 1 : 0;
         size_t left = spec.width ? spec.width : SIZE_MAX;
         size_t read = 0;
         for (; left > 0; --left) {
-            int const in = r.peek();
-            if (in < 0) break;
-            if (c == 's' ? isSpace(in) : !set[in]) break;
+            const int in = r.peek();
+            if (in < 0) {
+                break;
+            }
+            if (c == 's' ? isSpace(in) : !set[in]) {
+                break;
+            }
             // The field is read to its end; what doesn't fit is dropped.
-            if (read < room) dst[read] = char(in);
+            if (read < room) {
+                dst[read] = char(in);
+            }
             ++read;
             r.next();
         }
-        if (read == 0) return assigned;
+        if (read == 0) {
+            return assigned;
+        }
         if (dst) {
             // A size below 1 has no room even for the terminator.
-            if (size > 0) dst[read < room ? read : room] = '\0';
+            if (size > 0) {
+                dst[read < room ? read : room] = '\0';
+            }
             ++assigned;
         }
         return kGoOn;
     }
 
-    size_t const width = spec.width == 0 || spec.width > kNumberField ? kNumberField : spec.width;
+    const size_t width = spec.width == 0 || spec.width > kNumberField ? kNumberField : spec.width;
     char buf[kNumberField + 1];
     if (isFloat) {
-        if (!readFloatField(r, width, buf)) return assigned;
+        if (!readFloatField(r, width, buf)) {
+            return assigned;
+        }
         if (!spec.suppress) {
             void *dst = args.pointer();
             args.size();
-            double const value = parseDouble(buf);
+            const double value = parseDouble(buf);
             if (floatIsDouble(spec.mod)) {
                 std::memcpy(dst, &value, sizeof value);
             } else {
-                float const f = float(value);
+                const float f = float(value);
                 std::memcpy(dst, &f, sizeof f);
             }
             ++assigned;
@@ -401,25 +509,28 @@ int convert(Reader &r, Spec spec, unsigned char const *&fmt, Args &args, int &as
         return kGoOn;
     }
 
-    if (!readIntegerField(r, width, base, buf)) return assigned;
+    if (!readIntegerField(r, width, base, buf)) {
+        return assigned;
+    }
     if (!spec.suppress) {
         void *dst = args.pointer();
         args.size();
-        uint64_t const value = isSigned ? uint64_t(V_strtoimax(buf, nullptr, base))
-                                        : V_strtoumax(buf, nullptr, base);
+        const uint64_t value = isSigned ? uint64_t(V_strtoimax(buf, nullptr, base)) : V_strtoumax(buf, nullptr, base);
         storeInteger(dst, value, isPointer ? 8 : integerBytes(spec.mod));
         ++assigned;
     }
     return kGoOn;
 }
 
-int scan(V_input *input, unsigned char const *fmt, Args &args)
+int scan(V_input *input, const unsigned char *fmt, Args &args)
 {
     Reader r(input);
     int assigned = 0;
     for (;;) {
         int c = *fmt++;
-        if (c == '\0') return assigned;
+        if (c == '\0') {
+            return assigned;
+        }
         if (isSpace(c)) {
             r.skipSpace();
             continue;
@@ -428,7 +539,9 @@ int scan(V_input *input, unsigned char const *fmt, Args &args)
             Spec spec;
             fmt = parseSpec(fmt, spec);
             c = spec.letter;
-            if (c == '\0') return -1;
+            if (c == '\0') {
+                return -1;
+            }
             if (c == 'n') {
                 if (!spec.suppress) {
                     void *dst = args.pointer();
@@ -438,42 +551,48 @@ int scan(V_input *input, unsigned char const *fmt, Args &args)
                 continue;
             }
             if (c != '%') {
-                int const result = convert(r, spec, fmt, args, assigned);
-                if (result != kGoOn) return result;
+                const int result = convert(r, spec, fmt, args, assigned);
+                if (result != kGoOn) {
+                    return result;
+                }
                 continue;
             }
         }
         // A literal character, %% included: no white space is skipped before it.
-        int const in = r.peek();
-        if (in < 0) return assigned ? assigned : -1;
-        if (in != c) return assigned;
+        const int in = r.peek();
+        if (in < 0) {
+            return assigned ? assigned : -1;
+        }
+        if (in != c) {
+            return assigned;
+        }
         r.next();
     }
 }
 
-} // namespace
+}  // namespace
 
 extern "C" {
 
-intmax_t V_strtoimax(char const *text, char **end, int base)
+intmax_t V_strtoimax(const char *text, char **end, int base)
 {
     bool negative, overflow;
-    uint64_t const limit = uint64_t(INT64_MAX);
-    uint64_t const value =
-        readMagnitude(text, end, base, limit, limit + 1, &negative, &overflow);
+    const uint64_t limit = uint64_t(INT64_MAX);
+    const uint64_t value = readMagnitude(text, end, base, limit, limit + 1, &negative, &overflow);
     if (overflow) {
         errno = ERANGE;
         return negative ? INT64_MIN : INT64_MAX;
     }
-    if (!negative) return intmax_t(value);
+    if (!negative) {
+        return intmax_t(value);
+    }
     return value == limit + 1 ? INT64_MIN : -intmax_t(value);
 }
 
-uintmax_t V_strtoumax(char const *text, char **end, int base)
+uintmax_t V_strtoumax(const char *text, char **end, int base)
 {
     bool negative, overflow;
-    uint64_t const value =
-        readMagnitude(text, end, base, UINT64_MAX, UINT64_MAX, &negative, &overflow);
+    const uint64_t value = readMagnitude(text, end, base, UINT64_MAX, UINT64_MAX, &negative, &overflow);
     if (overflow) {
         errno = ERANGE;
         return UINT64_MAX;
@@ -481,31 +600,37 @@ uintmax_t V_strtoumax(char const *text, char **end, int base)
     return negative ? uint64_t(0) - value : value;
 }
 
-int V_vfscanf(V_input *input, char const *format, va_list args)
+int V_vfscanf(V_input *input, const char *format, va_list args)
 {
-    if (!input || !format || (!input->data && input->length)) return -1;
-    if (input->position > input->length) input->position = input->length;
+    if (!input || !format || (!input->data && input->length)) {
+        return -1;
+    }
+    if (input->position > input->length) {
+        input->position = input->length;
+    }
     Args copy;
     va_copy(copy.ap, args);
-    int const result = scan(input, reinterpret_cast<unsigned char const *>(format), copy);
+    const int result = scan(input, reinterpret_cast<const unsigned char *>(format), copy);
     va_end(copy.ap);
     return result;
 }
 
-int V_vsscanf(char const *text, char const *format, va_list args)
+int V_vsscanf(const char *text, const char *format, va_list args)
 {
-    if (!text || !format) return -1;
+    if (!text || !format) {
+        return -1;
+    }
     V_input input = {text, std::strlen(text), 0};
     return V_vfscanf(&input, format, args);
 }
 
-int V_sscanf(char const *text, char const *format, ...)
+int V_sscanf(const char *text, const char *format, ...)
 {
     va_list args;
     va_start(args, format);
-    int const result = V_vsscanf(text, format, args);
+    const int result = V_vsscanf(text, format, args);
     va_end(args);
     return result;
 }
 
-} // extern "C"
+}  // extern "C"
