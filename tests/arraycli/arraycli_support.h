@@ -15,7 +15,7 @@
 #include "cfistringtool.h"
 #include "hpeva_cell.h"
 #include "hpeva_clitool.h"
-#include "hpeva_singletons.h"
+#include "hpeva_process.h"
 #include "message_recorder.h"
 #include "scratch_files.h"
 

@@ -197,7 +197,7 @@ std::vector<RaiseSite> raiseSites()
                                static_cast<size_t>(std::count(text.begin(), text.begin() + at, '\n') + 1), (*it)[1],
                                -1};
                 size_t before = at > 200 ? at - 200 : 0;
-                bool pushed = text.substr(before, at - before).find("pushError(") != std::string::npos;
+                bool pushed = text.substr(before, at - before).find("pushMessage(") != std::string::npos;
                 size_t next = text.find_first_not_of(" \t\r\n", at + it->length());
                 if (pushed && next != std::string::npos && text[next] == ',') {
                     size_t open = text.find_first_not_of(" \t\r\n", next + 1);

@@ -16,6 +16,7 @@
 #include "cfitracelog.h"
 #include "efiexecpipe.h"
 #include "hpeva_guard.h"
+#include "hpeva_messages.h"
 #include "hpeva_plugin.h"
 #include "message_recorder.h"
 #include "temp_install_root.h"
@@ -183,8 +184,7 @@ TEST(PluginErrors, APushedMessageIsReadOnItsThreadOnlyUntilDeleted)
     plugin->registerErrorManager(errors);
 
     icu::Formattable path(icu::UnicodeString("/opt/HP/SSSU/sssu"));
-    CHpEvaGuard::pushError(errors, "MSG_ERROR_CLI_NOT_FOUND", {path, icu::Formattable(static_cast<int32_t>(2))}, 2,
-                           kSite, 5);
+    pushMessage(errors, "MSG_ERROR_CLI_NOT_FOUND", {path, icu::Formattable(static_cast<int32_t>(2))}, 2, kSite, 5);
     qrn_msg_info *info = nullptr;
     EXPECT_EQ(plugin->getLastError(&info), 0);
     ASSERT_NE(info, nullptr);

@@ -13,7 +13,7 @@
 #include "cfistringtool.h"
 #include "cfitracelog.h"
 #include "hpeva_clitool.h"
-#include "hpeva_singletons.h"
+#include "hpeva_process.h"
 #include "message_recorder.h"
 #include "scratch_files.h"
 #include "temp_install_root.h"

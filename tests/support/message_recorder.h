@@ -10,7 +10,7 @@
 
 #include "cfierrorhandlerbase.h"
 #include "cfimessage.h"
-#include "hpeva_singletons.h"
+#include "hpeva_process.h"
 
 namespace tamlin_test {
 

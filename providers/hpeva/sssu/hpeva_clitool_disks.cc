@@ -10,7 +10,7 @@
 #include "hpeva_clitool_run.h"
 #include "hpeva_lsdrgrouphandler.h"
 #include "hpeva_lsvdiskhandler.h"
-#include "hpeva_singletons.h"
+#include "hpeva_process.h"
 
 using namespace qorin_pdk_4_4;
 using namespace hpeva_cli;

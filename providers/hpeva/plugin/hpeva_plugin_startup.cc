@@ -9,6 +9,7 @@
 #include "cfistringtool.h"
 #include "cfitracelogfunction.h"
 #include "hpeva_configuration.h"
+#include "hpeva_messages.h"
 #include "hpeva_privatedata.h"
 
 using namespace qorin_pdk_4_4;
@@ -53,16 +54,14 @@ int CHpEvaPlugin::init()
         getPblmOps().setLunNumRange(1, 254);
 
         if (CFiConfigurationPathTool::verify(cliTool.getDirectory().c_str()) != 0) {
-            CHpEvaGuard::pushError(m_errorManager, "MSG_ERROR_CLI_NOT_INSTALLED",
-                                   {text(cliTool.getDirectory()), text(cliTool.getFileName())}, 2, kSourceFile,
-                                   __LINE__);
+            pushMessage(m_errorManager, "MSG_ERROR_CLI_NOT_INSTALLED",
+                        {text(cliTool.getDirectory()), text(cliTool.getFileName())}, 2, kSourceFile, __LINE__);
             trace(1, "CHpEvaPlugin::init: CLI tool is not installed.");
             return 30;
         }
         if (CFiConfigurationPathTool::verify(cliTool.getPath().c_str()) != 0) {
-            CHpEvaGuard::pushError(m_errorManager, "MSG_ERROR_CLI_NOT_FOUND",
-                                   {text(cliTool.getDirectory()), text(cliTool.getFileName())}, 2, kSourceFile,
-                                   __LINE__);
+            pushMessage(m_errorManager, "MSG_ERROR_CLI_NOT_FOUND",
+                        {text(cliTool.getDirectory()), text(cliTool.getFileName())}, 2, kSourceFile, __LINE__);
             return 30;
         }
         credentials = config.importCredentials("HP", "HSV", ACE_WString(L"MANAGEMENT_APPLIANCE_INFO"), false);
@@ -74,7 +73,7 @@ int CHpEvaPlugin::init()
         ACE_WString file;
         CFiConfigurationPathTool::getConfigFileInfo(ACE_WString(PROVIDER_NAME), directory, file);
         directory += file;
-        CHpEvaGuard::pushError(m_errorManager, "MSG_ERROR_NO_CREDENTIALS", {text(directory)}, 2, kSourceFile, __LINE__);
+        pushMessage(m_errorManager, "MSG_ERROR_NO_CREDENTIALS", {text(directory)}, 2, kSourceFile, __LINE__);
         return 30;
     });
 }
@@ -85,15 +84,14 @@ int CHpEvaPlugin::delayedInit()
     return guard("delayedInit", __LINE__, true).run([&] {
         CHpEvaCliTool tool(cliTool);
         if (tool.checkVersion() != 0) {
-            CHpEvaGuard::pushError(m_errorManager, "MSG_ERROR_VERSION_CHECK", {text(tool.getPath())}, 2, kSourceFile,
-                                   __LINE__);
+            pushMessage(m_errorManager, "MSG_ERROR_VERSION_CHECK", {text(tool.getPath())}, 2, kSourceFile, __LINE__);
             return 29;
         }
         cells = tool.enumerateCells(credentials);
         if (!cells.empty()) {
             return 0;
         }
-        CHpEvaGuard::pushError(m_errorManager, "MSG_ERROR_NO_ARRAYS_DISCOVERED", {}, 2, kSourceFile, __LINE__);
+        pushMessage(m_errorManager, "MSG_ERROR_NO_ARRAYS_DISCOVERED", {}, 2, kSourceFile, __LINE__);
         return 30;
     });
 }

@@ -3,8 +3,8 @@
 #include <unicode/fmtable.h>
 
 #include "cfistringtool.h"
-#include "hpeva_guard.h"
-#include "hpeva_singletons.h"
+#include "hpeva_messages.h"
+#include "hpeva_process.h"
 
 using namespace qorin_pdk_4_4;
 
@@ -28,9 +28,7 @@ CHpEvaCliException::CHpEvaCliException(Kind kind, const ACE_WString &command, co
 
 int CHpEvaCliException::report() const
 {
-    CFiErrorManagerPtr errors;
-    getErrorManagerSingleton(errors, false);
-    return report(errors);
+    return report(processErrorManager());
 }
 
 int CHpEvaCliException::report(const CFiErrorManagerPtr &errors) const
@@ -40,11 +38,11 @@ int CHpEvaCliException::report(const CFiErrorManagerPtr &errors) const
         output += CFiStringTool::trim(line, " \n\t\r");
         output += '\n';
     }
-    CHpEvaGuard::pushError(errors, "MSG_ERROR_CLI_COMMAND_FAILED",
-                           {icu::Formattable(CFiStringTool::tstr2ustr(m_command)),
-                            icu::Formattable(CFiStringTool::str2ustr(m_sourceFile)), icu::Formattable(m_sourceLine),
-                            icu::Formattable(CFiStringTool::str2ustr(m_errorText)),
-                            icu::Formattable(CFiStringTool::str2ustr(output))},
-                           3, m_sourceFile.c_str(), m_sourceLine);
+    pushMessage(errors, "MSG_ERROR_CLI_COMMAND_FAILED",
+                {icu::Formattable(CFiStringTool::tstr2ustr(m_command)),
+                 icu::Formattable(CFiStringTool::str2ustr(m_sourceFile)), icu::Formattable(m_sourceLine),
+                 icu::Formattable(CFiStringTool::str2ustr(m_errorText)),
+                 icu::Formattable(CFiStringTool::str2ustr(output))},
+                3, m_sourceFile.c_str(), m_sourceLine);
     return 6;
 }

@@ -12,7 +12,7 @@
 #include "hpeva_commandtempfile.h"
 #include "hpeva_lscellhandler.h"
 #include "hpeva_lshosthandler.h"
-#include "hpeva_singletons.h"
+#include "hpeva_process.h"
 
 using namespace qorin_pdk_4_4;
 using namespace hpeva_cli;

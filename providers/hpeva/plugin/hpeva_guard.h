@@ -1,10 +1,7 @@
 #ifndef HPEVA_GUARD_H
 #define HPEVA_GUARD_H
 
-#include <initializer_list>
 #include <type_traits>
-
-#include <unicode/fmtable.h>
 
 #include "cfierrormanager.h"
 #include "cfitracelog.h"
@@ -39,13 +36,6 @@ public:
             return ladder();
         }
     }
-
-    // Pushes one catalog message into the calling thread's slot and so to the host's callback.
-    // Arguments that cross the entry table intact: UnicodeString, int32_t and double. A null
-    // manager drops the message, and pushing never throws.
-    static void pushError(const qorin_pdk_4_4::CFiErrorManagerPtr &errors, const char *key,
-                          std::initializer_list<icu::Formattable> args, qrn_eseverity severity, const char *file,
-                          int line);
 
 private:
     // Called only inside a handler: rethrows what is in flight and answers by the ladder.

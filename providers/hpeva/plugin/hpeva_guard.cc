@@ -3,11 +3,11 @@
 #include <stdexcept>
 
 #include "cfierror.h"
-#include "cfiicumessage.h"
 #include "cfistringtool.h"
 #include "cfiudidexception.h"
 #include "efiexecpipe.h"
 #include "hpeva_cliexception.h"
+#include "hpeva_messages.h"
 
 using namespace qorin_pdk_4_4;
 
@@ -36,22 +36,6 @@ CHpEvaGuard::CHpEvaGuard(const CFiErrorManagerPtr &errors, const CFiTraceLogPtr 
 {
 }
 
-void CHpEvaGuard::pushError(const CFiErrorManagerPtr &errors, const char *key,
-                            std::initializer_list<icu::Formattable> args, qrn_eseverity severity, const char *file,
-                            int line)
-{
-    if (errors.isNull()) {
-        return;
-    }
-    try {
-        CFiMessagePtr message(
-            new CFiIcuMessage(key, args.begin(), static_cast<int>(args.size()), severity, file, line));
-        errors->pushError(message);
-    } catch (...) {
-        // Reporting must not change the result of the operation that reports.
-    }
-}
-
 int CHpEvaGuard::ladder() const
 {
     const icu::Formattable file = text(std::string(m_file));
@@ -62,23 +46,23 @@ int CHpEvaGuard::ladder() const
     try {
         throw;
     } catch (const EFiExecPipe &e) {
-        pushError(m_errors, "MSG_ERROR_UNHANDLED_EXEC_PIPE_EXCEPTION",
-                  {text(std::string(e.getCodeName())), text(e.getCommand()), file, line}, 3, m_file, m_line);
+        pushMessage(m_errors, "MSG_ERROR_UNHANDLED_EXEC_PIPE_EXCEPTION",
+                    {text(std::string(e.getCodeName())), text(e.getCommand()), file, line}, 3, m_file, m_line);
     } catch (const CHpEvaCliException &e) {
         return e.report(m_errors);
     } catch (const CFiError &e) {
-        pushError(m_errors, "MSG_ERROR_UNHANDLED_FIERROR_EXCEPTION",
-                  {text(std::wstring(e.getText())), text(e.getFunction()), file, line}, 3, m_file, m_line);
+        pushMessage(m_errors, "MSG_ERROR_UNHANDLED_FIERROR_EXCEPTION",
+                    {text(std::wstring(e.getText())), text(e.getFunction()), file, line}, 3, m_file, m_line);
     } catch (const CFiUdidException &e) {
-        pushError(m_errors, "MSG_ERROR_UDID_PARSING_EXCEPTION", {text(e.getText()), icu::Formattable(e.getNumber())}, 3,
-                  m_file, m_line);
+        pushMessage(m_errors, "MSG_ERROR_UDID_PARSING_EXCEPTION", {text(e.getText()), icu::Formattable(e.getNumber())},
+                    3, m_file, m_line);
     } catch (const std::runtime_error &e) {
-        pushError(m_errors, "MSG_ERROR_UNHANDLED_RUNTIME_EXCEPTION",
-                  {text(std::string("std::runtime_error")), text(std::string(e.what())), file, line}, 3, m_file,
-                  m_line);
+        pushMessage(m_errors, "MSG_ERROR_UNHANDLED_RUNTIME_EXCEPTION",
+                    {text(std::string("std::runtime_error")), text(std::string(e.what())), file, line}, 3, m_file,
+                    m_line);
     } catch (int value) {
-        pushError(m_errors, "MSG_ERROR_UNHANDLED_INT_EXCEPTION",
-                  {icu::Formattable(static_cast<int32_t>(value)), file, line}, 3, m_file, m_line);
+        pushMessage(m_errors, "MSG_ERROR_UNHANDLED_INT_EXCEPTION",
+                    {icu::Formattable(static_cast<int32_t>(value)), file, line}, 3, m_file, m_line);
     }
     return unhandled();
 }
@@ -86,7 +70,7 @@ int CHpEvaGuard::ladder() const
 int CHpEvaGuard::unhandled() const
 {
     if (m_initialisation) {
-        pushError(m_errors, "MSG_ERROR_INITIALIZATION_FAILED", {}, 2, m_file, m_line);
+        pushMessage(m_errors, "MSG_ERROR_INITIALIZATION_FAILED", {}, 2, m_file, m_line);
         return 30;
     }
     if (!m_log.isNull()) {

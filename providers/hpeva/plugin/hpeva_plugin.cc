@@ -3,7 +3,7 @@
 #include "cfifimlistfactory.h"
 #include "cfiproviderinfolistfactory.h"
 #include "cfitracelogfunction.h"
-#include "hpeva_singletons.h"
+#include "hpeva_process.h"
 
 using namespace qorin_pdk_4_4;
 

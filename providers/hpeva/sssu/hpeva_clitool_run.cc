@@ -4,7 +4,7 @@
 #include "cfistringtool.h"
 #include "hpeva_cliexception.h"
 #include "hpeva_commandtempfile.h"
-#include "hpeva_singletons.h"
+#include "hpeva_process.h"
 
 using namespace qorin_pdk_4_4;
 

@@ -9,7 +9,7 @@
 #include "cfistringtool.h"
 #include "cfitracelogfunction.h"
 #include "hpeva_clierrorprocessor.h"
-#include "hpeva_singletons.h"
+#include "hpeva_process.h"
 
 using namespace qorin_pdk_4_4;
 

@@ -1,29 +1,24 @@
 #ifndef HPEVA_SINGLETONS_H
 #define HPEVA_SINGLETONS_H
 
-#include "cfierrormanager.h"
 #include "cfimessagecatalogmanager.h"
 #include "cfipluginbase.h"
 #include "cfiprivatedatamanager.h"
 #include "cfisessionmanager.h"
-#include "cfitracelog.h"
+#include "hpeva_process.h"
 
 using CFiPluginPtr =
     qorin_pdk_4_4::CFiSmartPtr<qorin_pdk_4_4::CFiPluginBase,
                                qorin_pdk_4_4::CFiContextSingletonAllocator<qorin_pdk_4_4::CFiPluginBase>>;
 
-// The six process-wide objects. Each accessor fills out with the one object, creating it
+// The six process-wide objects; the trace log and the error manager, which every layer
+// reaches, are in hpeva_process.h. Each accessor fills out with the one object, creating it
 // when there is none; with destroy set it first drops the process's reference, so that a
 // later call builds a fresh object.
 void getPluginSingleton(CFiPluginPtr &out, bool destroy);
 void getCatalogManagerSingleton(qorin_pdk_4_4::CFiCatalogManagerPtr &out, bool destroy);
-void getTraceLogSingleton(qorin_pdk_4_4::CFiTraceLogPtr &out, bool destroy);
-void getErrorManagerSingleton(qorin_pdk_4_4::CFiErrorManagerPtr &out, bool destroy);
 void getPrivateDataManagerSingleton(qorin_pdk_4_4::CFiPrivateDataManagerPtr &out, bool destroy);
 void getSessionManagerSingleton(qorin_pdk_4_4::CFiSessionManagerPtr &out, bool destroy);
-
-// The process's trace log, made on first use like the others.
-qorin_pdk_4_4::CFiTraceLogPtr processTraceLog();
 
 // Drops the handlers through which init connected the host's callback to the error
 // manager. Only for the library's unload, after the process-wide objects: a registered

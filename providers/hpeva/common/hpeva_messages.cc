@@ -1,0 +1,21 @@
+#include "hpeva_messages.h"
+
+#include "cfierrormanager.h"
+#include "cfiicumessage.h"
+
+using namespace qorin_pdk_4_4;
+
+void pushMessage(const CFiErrorManagerPtr &errors, const char *key, std::initializer_list<icu::Formattable> args,
+                 qrn_eseverity severity, const char *file, int line)
+{
+    if (errors.isNull()) {
+        return;
+    }
+    try {
+        CFiMessagePtr message(
+            new CFiIcuMessage(key, args.begin(), static_cast<int>(args.size()), severity, file, line));
+        errors->pushError(message);
+    } catch (...) {
+        // Reporting must not change the result of the operation that reports.
+    }
+}
