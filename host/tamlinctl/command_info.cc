@@ -3,11 +3,11 @@
 #include <cstdlib>
 #include <string>
 
+#include "cliutil_table.h"
 #include "commands.h"
 #include "json_writer.h"
 #include "provider_session.h"
 #include "result_lists.h"
-#include "table_printer.h"
 #include "text.h"
 
 namespace {
@@ -39,8 +39,8 @@ std::string patterns(wchar_t **list)
 
 int runCheck(CliOptions &options)
 {
-    CommandArgs args("check", options.args);
-    if (!args.finish()) {
+    cliutil::Args args(options.args);
+    if (!finishArgs(args, "check")) {
         return ProviderSession::kExitUsage;
     }
     ProviderSession session(options);
@@ -75,8 +75,8 @@ int runCheck(CliOptions &options)
 
 int runInfo(CliOptions &options)
 {
-    CommandArgs args("info", options.args);
-    if (!args.finish()) {
+    cliutil::Args args(options.args);
+    if (!finishArgs(args, "info")) {
         return ProviderSession::kExitUsage;
     }
     ProviderSession session(options);
@@ -136,12 +136,12 @@ int runInfo(CliOptions &options)
         }
         fprintf(options.out, "Initialisation  %s\n\nSnapshot methods\n",
                 session.initResult() == 0 ? "ok" : ("failed (" + std::to_string(session.initResult()) + ")").c_str());
-        TablePrinter table({"METHOD", "ATTRIBUTES", "VERSION", "DESCRIPTION"});
+        cliutil::Table table({"METHOD", "ATTRIBUTES", "VERSION", "DESCRIPTION"});
         for (qrn_fim_list *f : result_lists::elements(fims)) {
             table.addRow({toUtf8(f->name ? f->name : L""), words(f->words, 6), toUtf8(f->version ? f->version : L""),
                           toUtf8(f->description ? f->description : L"")});
         }
-        table.print(options.out);
+        fputs(table.aligned().c_str(), options.out);
     }
     result_lists::freeList(providers);
     result_lists::freeList(fims);
@@ -150,9 +150,9 @@ int runInfo(CliOptions &options)
 
 int runErrmsg(CliOptions &options)
 {
-    CommandArgs args("errmsg", options.args);
+    cliutil::Args args(options.args);
     std::vector<std::string> codes = args.positional();
-    if (!args.finish()) {
+    if (!finishArgs(args, "errmsg")) {
         return ProviderSession::kExitUsage;
     }
     if (codes.empty()) {

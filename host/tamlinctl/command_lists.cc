@@ -1,14 +1,15 @@
 // enclosures, hosts and disks: what the arrays behind the provider hold.
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "cliutil_table.h"
 #include "commands.h"
 #include "json_writer.h"
 #include "provider_session.h"
 #include "result_lists.h"
-#include "table_printer.h"
 #include "text.h"
 
 namespace {
@@ -38,7 +39,7 @@ std::string humanSize(uint64_t bytes)
 }
 
 // The provider's filter text from --filter KEY=VALUE items and the named shortcuts.
-bool buildFilter(CommandArgs &args, const char *command, const std::vector<std::pair<std::string, std::string>> &named,
+bool buildFilter(cliutil::Args &args, const std::vector<std::pair<std::string, std::string>> &named,
                  std::wstring &filter)
 {
     std::vector<std::string> items = args.values("--filter");
@@ -50,13 +51,10 @@ bool buildFilter(CommandArgs &args, const char *command, const std::vector<std::
     std::string joined;
     for (const std::string &item : items) {
         if (item.find('=') == std::string::npos || item[0] == '=') {
-            fprintf(stderr, "tamlinctl %s: a filter is KEY=VALUE, not '%s'\n", command, item.c_str());
-            return false;
+            return args.fail("a filter is KEY=VALUE, not '" + item + "'");
         }
         if (item.find(',') != std::string::npos || item.find('\n') != std::string::npos) {
-            fprintf(stderr, "tamlinctl %s: a filter value cannot hold a comma or a line break: '%s'\n", command,
-                    item.c_str());
-            return false;
+            return args.fail("a filter value cannot hold a comma or a line break: '" + item + "'");
         }
         joined += (joined.empty() ? "" : ",") + item;
     }
@@ -90,9 +88,10 @@ int listEntry(ProviderSession &session, const char *name, Entry entry, std::wstr
 
 int runEnclosures(CliOptions &options)
 {
-    CommandArgs args("enclosures", options.args);
+    cliutil::Args args(options.args);
     std::wstring filter;
-    if (!buildFilter(args, "enclosures", kEnclosureKeys, filter) || !args.finish()) {
+    buildFilter(args, kEnclosureKeys, filter);
+    if (!finishArgs(args, "enclosures")) {
         return ProviderSession::kExitUsage;
     }
     ProviderSession session(options);
@@ -116,14 +115,14 @@ int runEnclosures(CliOptions &options)
         }
         fprintf(options.out, "%s\n", json.endArray().text().c_str());
     } else {
-        TablePrinter table({"NAME", "ENCLOSURE ID", "VENDOR", "PRODUCT", "TOTAL", "AVAILABLE"});
+        cliutil::Table table({"NAME", "ENCLOSURE ID", "VENDOR", "PRODUCT", "TOTAL", "AVAILABLE"});
         table.alignRight(4);
         table.alignRight(5);
         for (auto *e : result_lists::elements(list)) {
             table.addRow({text(e->name), text(e->enclosureId), text(e->vendor), text(e->product), humanSize(e->total),
                           humanSize(e->available)});
         }
-        table.print(options.out);
+        fputs(table.aligned().c_str(), options.out);
         fprintf(options.out, "%zu enclosure%s\n", table.rows(), table.rows() == 1 ? "" : "s");
     }
     result_lists::freeList(list);
@@ -132,9 +131,10 @@ int runEnclosures(CliOptions &options)
 
 int runHosts(CliOptions &options)
 {
-    CommandArgs args("hosts", options.args);
+    cliutil::Args args(options.args);
     std::wstring filter;
-    if (!buildFilter(args, "hosts", kEnclosureKeys, filter) || !args.finish()) {
+    buildFilter(args, kEnclosureKeys, filter);
+    if (!finishArgs(args, "hosts")) {
         return ProviderSession::kExitUsage;
     }
     ProviderSession session(options);
@@ -161,7 +161,7 @@ int runHosts(CliOptions &options)
         }
         fprintf(options.out, "%s\n", json.endArray().text().c_str());
     } else {
-        TablePrinter table({"HOST", "ENCLOSURE ID", "PORTS"});
+        cliutil::Table table({"HOST", "ENCLOSURE ID", "PORTS"});
         for (auto *h : result_lists::elements(list)) {
             std::string ports;
             for (uint32_t i = 0; h->ports != nullptr && h->ports[i] != nullptr; ++i) {
@@ -169,7 +169,7 @@ int runHosts(CliOptions &options)
             }
             table.addRow({text(h->hostName), text(h->enclosureId), ports.empty() ? "-" : ports});
         }
-        table.print(options.out);
+        fputs(table.aligned().c_str(), options.out);
         fprintf(options.out, "%zu host%s\n", table.rows(), table.rows() == 1 ? "" : "s");
     }
     result_lists::freeList(list);
@@ -178,14 +178,12 @@ int runHosts(CliOptions &options)
 
 int runDisks(CliOptions &options)
 {
-    CommandArgs args("disks", options.args);
+    cliutil::Args args(options.args);
     std::vector<std::pair<std::string, std::string>> keys = kEnclosureKeys;
     keys.push_back({"--udid", "udid"});
     keys.push_back({"--prefix", "node_prefix"});
     std::wstring filter;
-    if (!buildFilter(args, "disks", keys, filter)) {
-        return ProviderSession::kExitUsage;
-    }
+    buildFilter(args, keys, filter);
     int32_t flags = 0;
     if (args.flag("--no-snapshots")) {
         flags |= kServeFlag | kLeaveOutSnapshots;
@@ -193,17 +191,15 @@ int runDisks(CliOptions &options)
     if (args.flag("--no-active")) {
         flags |= kServeFlag | kLeaveOutActive;
     }
-    std::string raw = args.value("--flags");
-    if (!raw.empty()) {
+    if (std::optional<std::string> raw = args.value("--flags")) {
         char *end = nullptr;
-        long value = strtol(raw.c_str(), &end, 0);
-        if (*end != '\0' || value < 0 || value > INT32_MAX) {
-            fprintf(stderr, "tamlinctl disks: --flags takes a number, not '%s'\n", raw.c_str());
-            return ProviderSession::kExitUsage;
+        long value = strtol(raw->c_str(), &end, 0);
+        if (raw->empty() || *end != '\0' || value < 0 || value > INT32_MAX) {
+            args.fail("--flags takes a number, not '" + *raw + "'");
         }
         flags |= static_cast<int32_t>(value);
     }
-    if (!args.finish()) {
+    if (!finishArgs(args, "disks")) {
         return ProviderSession::kExitUsage;
     }
     ProviderSession session(options);
@@ -230,12 +226,12 @@ int runDisks(CliOptions &options)
         }
         fprintf(options.out, "%s\n", json.endArray().text().c_str());
     } else {
-        TablePrinter table({"DISK", "SIZE", "UDID"});
+        cliutil::Table table({"DISK", "SIZE", "UDID"});
         table.alignRight(1);
         for (auto *n : result_lists::elements(list)) {
             table.addRow({text(n->displayName), humanSize(n->size), n->id != nullptr ? text(n->id->text) : ""});
         }
-        table.print(options.out);
+        fputs(table.aligned().c_str(), options.out);
         fprintf(options.out, "%zu disk%s\n", table.rows(), table.rows() == 1 ? "" : "s");
     }
     result_lists::freeList(list);

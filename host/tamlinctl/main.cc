@@ -1,7 +1,6 @@
 // tamlinctl: a command-line host for the provider. It loads libtamlin.so the way a backup
 // framework does (dlopen, entries by name) and drives it.
 #include <cstdio>
-#include <cstring>
 #include <functional>
 #include <map>
 #include <string>
@@ -119,58 +118,45 @@ void printMainHelp(const std::map<std::string, Command> &all)
            ProviderLibrary::defaultPath().c_str());
 }
 
-bool wantsHelp(const std::vector<std::string> &args)
-{
-    for (const std::string &a : args) {
-        if (a == "-h" || a == "--help") {
-            return true;
-        }
-    }
-    return false;
-}
-
 }  // namespace
 
 int main(int argc, char **argv)
 {
     std::map<std::string, Command> all = commands();
-    CliOptions options;
-    options.provider = ProviderLibrary::defaultPath();
+    // Global options stand before the command word; only --provider and --lang take a value.
+    std::vector<std::string> global;
     std::string command;
+    CliOptions options;
     int i = 1;
     for (; i < argc; ++i) {
         std::string arg = argv[i];
-        if (arg == "-h" || arg == "--help") {
-            printMainHelp(all);
-            return ProviderSession::kExitOk;
-        }
-        if (arg == "--provider" || arg == "--lang") {
-            if (i + 1 >= argc) {
-                fprintf(stderr, "tamlinctl: %s needs a value\n", arg.c_str());
-                return ProviderSession::kExitUsage;
-            }
-            (arg == "--provider" ? options.provider : options.language) = argv[++i];
-        } else if (arg.rfind("--provider=", 0) == 0) {
-            options.provider = arg.substr(strlen("--provider="));
-        } else if (arg.rfind("--lang=", 0) == 0) {
-            options.language = arg.substr(strlen("--lang="));
-        } else if (arg == "--json") {
-            options.json = true;
-        } else if (arg == "--verbose") {
-            ++options.verbosity;
-        } else if (arg.size() > 1 && arg[0] == '-' && arg.find_first_not_of('v', 1) == std::string::npos) {
-            options.verbosity += static_cast<int>(arg.size() - 1);
-        } else if (!arg.empty() && arg[0] == '-') {
-            fprintf(stderr, "tamlinctl: unknown option '%s' (try --help)\n", arg.c_str());
-            return ProviderSession::kExitUsage;
-        } else {
+        if (arg.empty() || arg[0] != '-') {
             command = arg;
             ++i;
             break;
         }
+        if (arg.size() > 2 && arg[1] == 'v' && arg.find_first_not_of('v', 1) == std::string::npos) {
+            global.insert(global.end(), arg.size() - 1, "-v");  // -vv is -v -v
+            continue;
+        }
+        global.push_back(arg);
+        if ((arg == "--provider" || arg == "--lang") && i + 1 < argc) {
+            global.push_back(argv[++i]);
+        }
     }
-    for (; i < argc; ++i) {
-        options.args.push_back(argv[i]);
+    options.args.assign(argv + i, argv + argc);
+    if (cliutil::wantsHelp(global)) {
+        printMainHelp(all);
+        return ProviderSession::kExitOk;
+    }
+    cliutil::Args globalArgs(global);
+    options.provider = globalArgs.value("--provider").value_or(ProviderLibrary::defaultPath());
+    options.language = globalArgs.value("--lang").value_or("");
+    options.json = globalArgs.flag("--json");
+    options.verbosity = globalArgs.count("-v") + globalArgs.count("--verbose");
+    if (!globalArgs.finish()) {
+        fprintf(stderr, "tamlinctl: %s (try --help)\n", globalArgs.error().c_str());
+        return ProviderSession::kExitUsage;
     }
     if (command.empty()) {
         printMainHelp(all);
@@ -189,7 +175,7 @@ int main(int argc, char **argv)
         fprintf(stderr, "tamlinctl: unknown command '%s' (try --help)\n", command.c_str());
         return ProviderSession::kExitUsage;
     }
-    if (wantsHelp(options.args)) {
+    if (cliutil::wantsHelp(options.args)) {
         fputs(it->second.help.c_str(), stdout);
         return ProviderSession::kExitOk;
     }

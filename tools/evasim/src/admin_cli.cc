@@ -2,24 +2,25 @@
 
 #include "database.h"
 #include "fault_store.h"
-#include "object_describer.h"
 #include "scenario_loader.h"
 #include "settings.h"
 #include "state_location.h"
-#include "table_printer.h"
 #include "text_util.h"
 #include "world.h"
 #include "world_generator.h"
+#include "world_tables.h"
+
+#include "cliutil_args.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <fstream>
 #include <map>
-#include <tuple>
 
 namespace evasim {
 
@@ -92,91 +93,115 @@ Prints the path of the state file: $EVASIM_HOME/evasim.db, else evasim.d/evasim.
 directory of the path the program was started by.
 )";
 
-bool wantsHelp(const std::vector<std::string> &args)
+struct Command {
+    const char *name;
+    const char *help;
+    int (AdminCli::*run)(cliutil::Args &);
+};
+
+// The options each fault takes besides --count.
+const std::map<std::string, std::vector<std::string>> &faultOptions()
 {
-    for (const std::string &a : args) {
-        if (a == "--help" || a == "-h") {
-            return true;
-        }
-    }
-    return false;
+    static const std::map<std::string, std::vector<std::string>> options{
+        {"https", {"--server"}},
+        {"silence", {"--seconds", "--after-line"}},
+        {"ignore-signals", {}},
+        {"exit-after", {"--lines", "--status"}},
+        {"no-output", {"--status"}},
+        {"malformed-xml", {}},
+        {"error", {"--match", "--message", "--cell"}},
+        {"banner", {"--text"}},
+        {"delay", {"--seconds"}},
+    };
+    return options;
 }
 
-// Splits "--name value" pairs; a value is required for every option but the flags listed.
-bool options(const std::vector<std::string> &args, size_t from, const std::vector<std::string> &known,
-             std::multimap<std::string, std::string> &out, std::vector<std::string> &words, std::string &error)
+// Reads the options of a fault of kind f.kind into f; gives an error text, empty on success.
+std::string readFault(cliutil::Args &args, Fault &f)
 {
-    for (size_t i = from; i < args.size(); ++i) {
-        const std::string &a = args[i];
-        if (a.rfind("--", 0) != 0) {
-            words.push_back(a);
-            continue;
+    const std::vector<std::string> &allowed = faultOptions().at(f.kind);
+    auto takes = [&](const char *name) { return std::find(allowed.begin(), allowed.end(), name) != allowed.end(); };
+    std::map<std::string, std::optional<std::string>> given;
+    for (const std::string &name : allowed) {
+        given[name] = args.value(name);
+    }
+    f.status = f.kind == "exit-after" ? 1 : 0;
+    long long count = 1;
+    args.integer("--count", count, LLONG_MIN, LLONG_MAX);
+    f.remaining = count;
+    if (!args.finish()) {
+        return args.error();
+    }
+    auto whole = [&](const char *name, int64_t &out) {
+        long long v = 0;
+        if (given[name] && !parseInt(*given[name], v)) {
+            args.fail(std::string(name) + " needs a whole number, not '" + *given[name] + "'");
         }
-        std::string name = a.substr(2), value;
-        bool inlineValue = false;
-        const size_t eq = name.find('=');
-        if (eq != std::string::npos) {
-            value = name.substr(eq + 1);
-            name = name.substr(0, eq);
-            inlineValue = true;
+        if (given[name]) {
+            out = v;
         }
-        bool found = false;
-        for (const std::string &k : known) {
-            found = found || k == name;
+        return args.ok();
+    };
+    if (f.remaining < 1) {
+        return "--count must be 1 or more";
+    }
+    if (takes("--server")) {
+        f.server = given["--server"].value_or("");
+    }
+    if (takes("--seconds")) {
+        const std::optional<std::string> &seconds = given["--seconds"];
+        char *end = nullptr;
+        const double v = seconds ? std::strtod(seconds->c_str(), &end) : 0;
+        if (!seconds) {
+            return "--seconds is required";
         }
-        if (!found) {
-            error = "unknown option --" + name;
-            return false;
+        if (seconds->empty() || *end || !(v >= 0 && v <= 86400)) {
+            return "--seconds needs a number of seconds from 0 to 86400, not '" + *seconds + "'";
         }
-        if (!inlineValue) {
-            if (i + 1 >= args.size()) {
-                error = "--" + name + " needs a value";
-                return false;
-            }
-            value = args[++i];
+        f.seconds = v;
+    }
+    if (takes("--after-line")) {
+        if (!whole("--after-line", f.line)) {
+            return args.error();
         }
-        out.emplace(name, value);
+        if (f.line < 0) {
+            return "--after-line must be 0 or more";
+        }
     }
-    return true;
-}
-
-bool number(const std::multimap<std::string, std::string> &o, const char *name, long long &value, std::string &error)
-{
-    auto it = o.find(name);
-    if (it == o.end()) {
-        return true;
+    if (takes("--lines")) {
+        if (!given["--lines"]) {
+            return "--lines is required";
+        }
+        if (!whole("--lines", f.line)) {
+            return args.error();
+        }
+        if (f.line < 1) {
+            return "--lines must be 1 or more";
+        }
     }
-    if (!parseInt(it->second, value)) {
-        error = std::string("--") + name + " needs a whole number, not '" + it->second + "'";
-        return false;
+    if (takes("--status")) {
+        if (!whole("--status", f.status)) {
+            return args.error();
+        }
+        if (f.status < 0 || f.status > 255) {
+            return "--status must be 0 to 255";
+        }
     }
-    return true;
-}
-
-bool seconds(const std::multimap<std::string, std::string> &o, double &value, std::string &error)
-{
-    auto it = o.find("seconds");
-    if (it == o.end()) {
-        error = "--seconds is required";
-        return false;
+    if (takes("--match")) {
+        f.pattern = given["--match"].value_or("");
+        if (f.pattern.empty()) {
+            return "--match TEXT is required";
+        }
+        f.text = given["--message"].value_or("Simulated failure");
+        f.cell = given["--cell"].value_or("");
     }
-    char *end = nullptr;
-    value = std::strtod(it->second.c_str(), &end);
-    if (it->second.empty() || *end || value < 0 || value > 86400) {
-        error = "--seconds needs a number of seconds from 0 to 86400, not '" + it->second + "'";
-        return false;
+    if (takes("--text")) {
+        if (!given["--text"]) {
+            return "--text is required";
+        }
+        f.text = *given["--text"];
     }
-    return true;
-}
-
-std::string presentationsOf(World &world, int64_t disk)
-{
-    std::vector<std::string> parts;
-    for (const LunRec *l : world.lunsOfDisk(disk)) {
-        const HostRec *h = world.hosts.find(l->host);
-        parts.push_back((h ? h->path : "?") + ":" + std::to_string(l->lun));
-    }
-    return join(parts, ",");
+    return {};
 }
 
 }  // namespace
@@ -219,114 +244,117 @@ bool AdminCli::stateExists() const
     return ::stat(m_database.c_str(), &st) == 0;
 }
 
+void AdminCli::ensureStateDirectory() const
+{
+    StateLocation::ensureDirectory(m_database.substr(0, m_database.rfind('/')));
+}
+
 int AdminCli::run(const std::vector<std::string> &args)
 {
+    static const Command commands[] = {
+        {"init", kInitHelp, &AdminCli::init},    {"show", kShowHelp, &AdminCli::show},
+        {"fault", kFaultHelp, &AdminCli::fault}, {"set", kSetHelp, &AdminCli::set},
+        {"reset", kResetHelp, &AdminCli::reset}, {"where", kWhereHelp, &AdminCli::where},
+    };
     if (args.empty()) {
         m_err << usage();
         return 2;
     }
-    const std::string &command = args[0];
+    const std::string &name = args[0];
     const std::vector<std::string> rest(args.begin() + 1, args.end());
-    if (command == "--help" || command == "-h" || command == "help") {
+    if (name == "--help" || name == "-h" || name == "help") {
         m_out << usage();
         return 0;
     }
-    try {
-        if (command == "init") {
-            return init(rest);
+    for (const Command &c : commands) {
+        if (name != c.name) {
+            continue;
         }
-        if (command == "show") {
-            return show(rest);
+        if (cliutil::wantsHelp(rest)) {
+            m_out << c.help;
+            if (c.run == &AdminCli::set) {
+                m_out << "\nSettings:\n";
+                for (const Settings::Key &k : Settings::keys()) {
+                    m_out << "  " << k.name << " (default " << k.fallback << "): " << k.help << "\n";
+                }
+            }
+            return 0;
         }
-        if (command == "fault") {
-            return fault(rest);
+        try {
+            cliutil::Args parsed(rest);
+            return (this->*c.run)(parsed);
+        } catch (const std::exception &e) {
+            m_err << "evasim " << name << ": " << e.what() << "\n";
+            return 1;
         }
-        if (command == "set") {
-            return set(rest);
-        }
-        if (command == "reset") {
-            return reset(rest);
-        }
-        if (command == "where") {
-            return where(rest);
-        }
-        if (iequals(command, "FILE")) {
-            m_err << "evasim: FILE needs the path of a script\n";
-            return 2;
-        }
-    } catch (const std::exception &e) {
-        m_err << "evasim " << command << ": " << e.what() << "\n";
-        return 1;
     }
-    m_err << "evasim: unknown command '" << command << "'\n\n" << usage();
+    if (iequals(name, "FILE")) {
+        m_err << "evasim: FILE needs the path of a script\n";
+        return 2;
+    }
+    m_err << "evasim: unknown command '" << name << "'\n\n" << usage();
     return 2;
 }
 
-int AdminCli::init(const std::vector<std::string> &args)
+int AdminCli::init(cliutil::Args &args)
 {
-    if (wantsHelp(args)) {
-        m_out << kInitHelp;
-        return 0;
+    static const char *const generation[] = {"--servers",   "--cells",     "--disks",   "--hosts",
+                                             "--snapshots", "--presented", "--folders", "--size"};
+    const std::optional<std::string> scenario = args.value("--scenario");
+    const std::vector<std::string> sets = args.values("--set");
+    WorldGenerator::Options g;
+    long long *targets[] = {&g.servers,   &g.cells,     &g.disks,   &g.hosts,
+                            &g.snapshots, &g.presented, &g.folders, &g.sizeGb};
+    bool generated = false;
+    for (size_t i = 0; i < sizeof generation / sizeof generation[0]; ++i) {
+        const std::optional<std::string> v = args.value(generation[i]);
+        if (v) {
+            generated = true;
+            if (!parseInt(*v, *targets[i])) {
+                args.fail(std::string(generation[i]) + " needs a whole number, not '" + *v + "'");
+            }
+        }
     }
-    std::multimap<std::string, std::string> o;
-    std::vector<std::string> words;
-    std::string error;
-    if (!options(args, 0,
-                 {"scenario", "servers", "cells", "disks", "hosts", "snapshots", "presented", "folders", "size", "set"},
-                 o, words, error)) {
-        return bad("init", error);
+    if (!args.finish()) {
+        return bad("init", args.error());
     }
-    if (!words.empty()) {
-        return bad("init", "unexpected argument '" + words[0] + "'");
+    if (scenario && generated) {
+        return bad("init", "the generation options make a world; they can't go with --scenario");
     }
 
     World world;
     Settings settings;
-    std::string summary;
-    if (o.count("scenario")) {
-        for (const char *g : {"servers", "cells", "disks", "hosts", "snapshots", "presented", "folders", "size"}) {
-            if (o.count(g)) {
-                return bad("init", std::string("--") + g + " generates a world; it can't go with --scenario");
-            }
-        }
-        std::string const file = o.find("scenario")->second;
-        std::ifstream in(file);
+    std::string error;
+    if (scenario) {
+        std::ifstream in(*scenario);
         if (!in) {
-            m_err << "evasim init: cannot read the scenario file " << file << ": " << std::strerror(errno) << "\n";
+            m_err << "evasim init: cannot read the scenario file " << *scenario << ": " << std::strerror(errno) << "\n";
             return 1;
         }
-        error = ScenarioLoader(world, settings).load(in, file);
+        error = ScenarioLoader(world, settings).load(in, *scenario);
         if (!error.empty()) {
             m_err << "evasim init: " << error << "\n";
             return 1;
         }
     } else {
-        WorldGenerator::Options g;
-        if (!number(o, "servers", g.servers, error) || !number(o, "cells", g.cells, error) ||
-            !number(o, "disks", g.disks, error) || !number(o, "hosts", g.hosts, error) ||
-            !number(o, "snapshots", g.snapshots, error) || !number(o, "presented", g.presented, error) ||
-            !number(o, "folders", g.folders, error) || !number(o, "size", g.sizeGb, error)) {
-            return bad("init", error);
-        }
         error = WorldGenerator::check(g);
         if (!error.empty()) {
             return bad("init", error);
         }
         WorldGenerator::build(world, g);
     }
-    auto range = o.equal_range("set");
-    for (auto it = range.first; it != range.second; ++it) {
-        const size_t eq = it->second.find('=');
+    for (const std::string &kv : sets) {
+        const size_t eq = kv.find('=');
         if (eq == std::string::npos) {
-            return bad("init", "--set needs KEY=VALUE, not '" + it->second + "'");
+            return bad("init", "--set needs KEY=VALUE, not '" + kv + "'");
         }
-        error = settings.set(it->second.substr(0, eq), it->second.substr(eq + 1));
+        error = settings.set(kv.substr(0, eq), kv.substr(eq + 1));
         if (!error.empty()) {
             return bad("init", error);
         }
     }
 
-    StateLocation::ensureDirectory(m_database.substr(0, m_database.rfind('/')));
+    ensureStateDirectory();
     Database db(m_database, true);
     db.begin();
     World::wipe(db);
@@ -340,32 +368,22 @@ int AdminCli::init(const std::vector<std::string> &args)
     return 0;
 }
 
-int AdminCli::show(const std::vector<std::string> &args)
+int AdminCli::show(cliutil::Args &args)
 {
-    if (wantsHelp(args)) {
-        m_out << kShowHelp;
-        return 0;
-    }
-    std::multimap<std::string, std::string> o;
-    std::vector<std::string> words;
-    std::string error;
-    if (!options(args, 0, {"cell", "format"}, o, words, error)) {
-        return bad("show", error);
+    const std::optional<std::string> cell = args.value("--cell");
+    std::string const format = args.value("--format").value_or("table");
+    const std::vector<std::string> words = args.positional();
+    if (!args.finish()) {
+        return bad("show", args.error());
     }
     if (words.size() > 1) {
         return bad("show", "one WHAT at most, not '" + words[1] + "'");
     }
     std::string const what = words.empty() ? "all" : lower(words[0]);
-    static const std::vector<std::string> kinds{"servers",       "cells",    "diskgroups", "disks",    "hosts",
-                                                "presentations", "drgroups", "faults",     "settings", "all"};
-    bool known = false;
-    for (const std::string &k : kinds) {
-        known = known || k == what;
-    }
-    if (!known) {
+    const std::vector<std::string> &kinds = WorldTables::kinds();
+    if (what != "all" && std::find(kinds.begin(), kinds.end(), what) == kinds.end()) {
         return bad("show", "unknown WHAT '" + what + "'");
     }
-    std::string const format = o.count("format") ? o.find("format")->second : "table";
     if (format != "table" && format != "tsv") {
         return bad("show", "--format is table or tsv, not '" + format + "'");
     }
@@ -377,185 +395,48 @@ int AdminCli::show(const std::vector<std::string> &args)
     Database db(m_database, false);
     World world;
     Settings settings;
-    std::vector<Fault> faults;
     db.exec("BEGIN");
     world.load(db);
     settings.load(db);
-    faults = FaultStore::list(db);
+    std::vector<Fault> faults = FaultStore::list(db);
     db.exec("COMMIT");
 
     int64_t onlyCell = 0;
-    if (o.count("cell")) {
-        CellRec *c = world.cellByName(o.find("cell")->second);
+    if (cell) {
+        CellRec *c = world.cellByName(*cell);
         if (!c) {
-            m_err << "evasim show: no cell named '" << o.find("cell")->second << "'\n";
+            m_err << "evasim show: no cell named '" << *cell << "'\n";
             return 1;
         }
         onlyCell = c->id;
     }
-    auto inCell = [&](int64_t cell) { return !onlyCell || cell == onlyCell; };
-    auto cellName = [&](int64_t cell) {
-        CellRec const *c = world.cells.find(cell);
-        return c ? c->name : std::string("?");
-    };
+    WorldTables tables(world, settings, std::move(faults), onlyCell);
     bool first = true;
-    auto emit = [&](const TablePrinter &t) {
-        if (!first && format == "table") {
-            m_out << "\n";
+    for (const std::string &kind : kinds) {
+        if (what != "all" && what != kind) {
+            continue;
+        }
+        cliutil::Table const t = tables.table(kind);
+        if (format == "tsv") {
+            m_out << t.tsv();
+        } else {
+            m_out << (first ? "" : "\n") << t.aligned();
         }
         first = false;
-        t.print(m_out, format);
-    };
-    const bool all = what == "all";
-
-    if (all || what == "servers") {
-        TablePrinter t("Command View servers", {"host", "user", "password", "reachable", "cells"});
-        for (const auto &[id, s] : world.servers.rows) {
-            std::vector<std::string> names;
-            for (const CellRec *c : world.cellsOf(id)) {
-                names.push_back(c->name);
-            }
-            t.row({s.host, s.user, s.password, s.reachable ? "yes" : "no", join(names, ",")});
-        }
-        emit(t);
-    }
-    if (all || what == "cells") {
-        TablePrinter t("Cells", {"name", "wwn", "firmware", "total", "used", "free", "disks", "servers"});
-        for (const auto &[id, c] : world.cells.rows) {
-            if (!inCell(id)) {
-                continue;
-            }
-            size_t disks = 0;
-            for (const auto &[did, d] : world.vdisks.rows) {
-                disks += d.cell == id;
-            }
-            std::vector<std::string> servers;
-            for (const auto &[mid, m] : world.managed.rows) {
-                if (m.cell == id) {
-                    if (const ServerRec *s = world.servers.find(m.server)) {
-                        servers.push_back(s->host);
-                    }
-                }
-            }
-            const uint64_t used = world.usedBytes(id);
-            t.row({c.name, c.wwn, c.firmware, gigabytes(c.total) + " GB", gigabytes(used) + " GB",
-                   gigabytes(world.freeBytes(id)) + " GB", std::to_string(disks), join(servers, ",")});
-        }
-        emit(t);
-    }
-    if (all || what == "diskgroups") {
-        TablePrinter t("Disk groups", {"cell", "name"});
-        for (const auto &[id, g] : world.diskgroups.rows) {
-            if (inCell(g.cell)) {
-                t.row({cellName(g.cell), g.name});
-            }
-        }
-        emit(t);
-    }
-    if (all || what == "disks") {
-        ObjectDescriber describe(world);
-        TablePrinter t("Virtual disks", {"cell", "path", "type", "size", "wwlunid", "sharing", "parent",
-                                         "presentations", "drgroup", "writecache"});
-        for (const auto &[cid, c] : world.cells.rows) {
-            if (!inCell(cid)) {
-                continue;
-            }
-            for (const VdiskRec *d : world.vdisksOf(cid)) {
-                std::string const type = d->container  ? "container"
-                                         : d->active() ? (d->origin == "snapclone" ? "snapclone" : "active")
-                                                       : (d->allocation == "demand" ? "vsnap" : "snapshot");
-                const VdiskRec *parent = world.vdisks.find(d->parent ? d->parent : d->copySource);
-                const DrMemberRec *m = world.drMembershipOf(d->id);
-                const DrGroupRec *g = m ? world.drgroups.find(m->group) : nullptr;
-                t.row({c.name, d->path(), type, humanSize(d->blocks * 512), d->wwlunid, describe.sharing(*d),
-                       parent ? parent->path() : "", presentationsOf(world, d->id), g ? g->name : "", d->writecache});
-            }
-        }
-        emit(t);
-    }
-    if (all || what == "hosts") {
-        TablePrinter t("Hosts", {"cell", "path", "ports", "os"});
-        for (const auto &[cid, c] : world.cells.rows) {
-            if (!inCell(cid)) {
-                continue;
-            }
-            for (const HostRec *h : world.hostsOf(cid)) {
-                t.row({c.name, h->path, h->ports, h->os});
-            }
-        }
-        emit(t);
-    }
-    if (all || what == "presentations") {
-        TablePrinter t("Presentations", {"cell", "host", "lun", "disk"});
-        std::vector<std::vector<std::string>> rows;
-        for (const auto &[id, l] : world.luns.rows) {
-            const HostRec *h = world.hosts.find(l.host);
-            const VdiskRec *d = world.vdisks.find(l.vdisk);
-            if (!h || !d || !inCell(h->cell)) {
-                continue;
-            }
-            rows.push_back({cellName(h->cell), h->path, std::to_string(l.lun), d->path()});
-        }
-        std::sort(rows.begin(), rows.end(), [](const auto &a, const auto &b) {
-            return std::tie(a[0], a[1]) != std::tie(b[0], b[1]) ? std::tie(a[0], a[1]) < std::tie(b[0], b[1])
-                                                                : std::stoi(a[2]) < std::stoi(b[2]);
-        });
-        for (auto &r : rows) {
-            t.row(r);
-        }
-        emit(t);
-    }
-    if (all || what == "drgroups") {
-        TablePrinter t("DR groups", {"name", "source", "destination", "members", "writemode", "operationalstate",
-                                     "membercondition", "linkstate", "suspended"});
-        for (const auto &[id, g] : world.drgroups.rows) {
-            if (!inCell(g.sourceCell) && !inCell(g.destCell)) {
-                continue;
-            }
-            std::vector<std::string> members;
-            for (const auto &[mid, m] : world.drmembers.rows) {
-                if (m.group != id) {
-                    continue;
-                }
-                const VdiskRec *s = world.vdisks.find(m.sourceDisk);
-                const VdiskRec *d = world.vdisks.find(m.destDisk);
-                members.push_back((s ? s->path() : "?") + " => " + (d ? d->path() : "?"));
-            }
-            t.row({g.name, cellName(g.sourceCell), cellName(g.destCell), join(members, "; "), g.writemode,
-                   g.operationalstate, g.membercondition, g.linkstate, g.suspended ? "yes" : "no"});
-        }
-        emit(t);
-    }
-    if (all || what == "faults") {
-        TablePrinter t("Armed faults", {"id", "kind", "remaining", "effect"});
-        for (const Fault &f : faults) {
-            t.row({std::to_string(f.id), f.kind, std::to_string(f.remaining), f.describe()});
-        }
-        emit(t);
-    }
-    if (all || what == "settings") {
-        TablePrinter t("Settings", {"key", "value"});
-        for (const Settings::Key &k : Settings::keys()) {
-            t.row({k.name, settings.get(k.name)});
-        }
-        emit(t);
     }
     return 0;
 }
 
-int AdminCli::fault(const std::vector<std::string> &args)
+int AdminCli::fault(cliutil::Args &args)
 {
-    if (args.empty() || wantsHelp(args)) {
-        if (args.empty()) {
-            return bad("fault", "which fault? (" + join(FaultStore::kinds(), ", ") + ", list, clear)");
-        }
-        m_out << kFaultHelp;
-        return 0;
+    const std::optional<std::string> word = args.leading();
+    if (!word) {
+        return bad("fault", "which fault? (" + join(FaultStore::kinds(), ", ") + ", list, clear)");
     }
-    std::string const kind = lower(args[0]);
+    std::string const kind = lower(*word);
     if (kind == "list" || kind == "clear") {
-        if (args.size() > 1) {
-            return bad("fault", "unexpected argument '" + args[1] + "'");
+        if (!args.finish()) {
+            return bad("fault", args.error());
         }
         if (!stateExists()) {
             if (kind == "list") {
@@ -580,119 +461,16 @@ int AdminCli::fault(const std::vector<std::string> &args)
         }
         return 0;
     }
-    bool known = false;
-    for (const std::string &k : FaultStore::kinds()) {
-        known = known || k == kind;
+    if (!faultOptions().count(kind)) {
+        return bad("fault", "unknown fault '" + *word + "' (known: " + join(FaultStore::kinds(), ", ") + ")");
     }
-    if (!known) {
-        return bad("fault", "unknown fault '" + args[0] + "' (known: " + join(FaultStore::kinds(), ", ") + ")");
-    }
-
-    std::multimap<std::string, std::string> o;
-    std::vector<std::string> words;
-    std::string error;
-    std::vector<std::string> allowed{"count"};
-    if (kind == "https") {
-        allowed.push_back("server");
-    }
-    if (kind == "silence") {
-        allowed.insert(allowed.end(), {"seconds", "after-line"});
-    }
-    if (kind == "exit-after") {
-        allowed.insert(allowed.end(), {"lines", "status"});
-    }
-    if (kind == "no-output") {
-        allowed.push_back("status");
-    }
-    if (kind == "error") {
-        allowed.insert(allowed.end(), {"match", "message", "cell"});
-    }
-    if (kind == "banner") {
-        allowed.push_back("text");
-    }
-    if (kind == "delay") {
-        allowed.push_back("seconds");
-    }
-    if (!options(args, 1, allowed, o, words, error)) {
-        return bad("fault", error);
-    }
-    if (!words.empty()) {
-        return bad("fault", "unexpected argument '" + words[0] + "'");
-    }
-
     Fault f;
     f.kind = kind;
-    long long count = 1;
-    if (!number(o, "count", count, error)) {
+    std::string const error = readFault(args, f);
+    if (!error.empty()) {
         return bad("fault", error);
     }
-    if (count < 1) {
-        return bad("fault", "--count must be 1 or more");
-    }
-    f.remaining = count;
-    if (o.count("server")) {
-        f.server = o.find("server")->second;
-    }
-    if (kind == "silence" || kind == "delay") {
-        if (!seconds(o, f.seconds, error)) {
-            return bad("fault", error);
-        }
-    }
-    if (kind == "silence") {
-        long long after = 0;
-        if (!number(o, "after-line", after, error)) {
-            return bad("fault", error);
-        }
-        if (after < 0) {
-            return bad("fault", "--after-line must be 0 or more");
-        }
-        f.line = after;
-    }
-    if (kind == "exit-after") {
-        long long lines = 0, status = 1;
-        if (!o.count("lines")) {
-            return bad("fault", "--lines is required");
-        }
-        if (!number(o, "lines", lines, error) || !number(o, "status", status, error)) {
-            return bad("fault", error);
-        }
-        if (lines < 1) {
-            return bad("fault", "--lines must be 1 or more");
-        }
-        if (status < 0 || status > 255) {
-            return bad("fault", "--status must be 0 to 255");
-        }
-        f.line = lines;
-        f.status = status;
-    }
-    if (kind == "no-output") {
-        long long status = 0;
-        if (!number(o, "status", status, error)) {
-            return bad("fault", error);
-        }
-        if (status < 0 || status > 255) {
-            return bad("fault", "--status must be 0 to 255");
-        }
-        f.status = status;
-    }
-    if (kind == "error") {
-        if (!o.count("match") || o.find("match")->second.empty()) {
-            return bad("fault", "--match TEXT is required");
-        }
-        f.pattern = o.find("match")->second;
-        f.text = o.count("message") ? o.find("message")->second : "Simulated failure";
-        if (o.count("cell")) {
-            f.cell = o.find("cell")->second;
-        }
-    }
-    if (kind == "banner") {
-        if (!o.count("text")) {
-            return bad("fault", "--text is required");
-        }
-        f.text = o.find("text")->second;
-    }
-
-    StateLocation::ensureDirectory(m_database.substr(0, m_database.rfind('/')));
+    ensureStateDirectory();
     Database db(m_database, true);
     db.begin();
     FaultStore::add(db, f);
@@ -701,17 +479,14 @@ int AdminCli::fault(const std::vector<std::string> &args)
     return 0;
 }
 
-int AdminCli::set(const std::vector<std::string> &args)
+int AdminCli::set(cliutil::Args &args)
 {
-    if (wantsHelp(args)) {
-        m_out << kSetHelp << "\nSettings:\n";
-        for (const Settings::Key &k : Settings::keys()) {
-            m_out << "  " << k.name << " (default " << k.fallback << "): " << k.help << "\n";
-        }
-        return 0;
+    const std::vector<std::string> pairs = args.positional();
+    if (!args.finish()) {
+        return bad("set", args.error());
     }
     Settings settings;
-    for (const std::string &a : args) {
+    for (const std::string &a : pairs) {
         const size_t eq = a.find('=');
         if (eq == std::string::npos) {
             return bad("set", "expected KEY=VALUE, not '" + a + "'");
@@ -721,7 +496,7 @@ int AdminCli::set(const std::vector<std::string> &args)
             return bad("set", error);
         }
     }
-    if (args.empty()) {
+    if (pairs.empty()) {
         if (stateExists()) {
             Database db(m_database, false);
             settings.load(db);
@@ -731,29 +506,26 @@ int AdminCli::set(const std::vector<std::string> &args)
         }
         return 0;
     }
-    StateLocation::ensureDirectory(m_database.substr(0, m_database.rfind('/')));
+    ensureStateDirectory();
     Database db(m_database, true);
     db.begin();
     Settings stored;
     stored.load(db);
-    for (const std::string &a : args) {
+    for (const std::string &a : pairs) {
         const size_t eq = a.find('=');
-        stored.set(a.substr(0, eq), a.substr(eq + 1));
-        m_out << "evasim: " << lower(trim(a.substr(0, eq))) << "=" << stored.get(lower(trim(a.substr(0, eq)))) << "\n";
+        std::string const key = lower(trim(a.substr(0, eq)));
+        stored.set(key, a.substr(eq + 1));
+        m_out << "evasim: " << key << "=" << stored.get(key) << "\n";
     }
     stored.save(db);
     db.commit();
     return 0;
 }
 
-int AdminCli::reset(const std::vector<std::string> &args)
+int AdminCli::reset(cliutil::Args &args)
 {
-    if (wantsHelp(args)) {
-        m_out << kResetHelp;
-        return 0;
-    }
-    if (!args.empty()) {
-        return bad("reset", "unexpected argument '" + args[0] + "'");
+    if (!args.finish()) {
+        return bad("reset", args.error());
     }
     if (!stateExists()) {
         m_out << "evasim: no state at " << m_database << "\n";
@@ -770,14 +542,10 @@ int AdminCli::reset(const std::vector<std::string> &args)
     return 0;
 }
 
-int AdminCli::where(const std::vector<std::string> &args)
+int AdminCli::where(cliutil::Args &args)
 {
-    if (wantsHelp(args)) {
-        m_out << kWhereHelp;
-        return 0;
-    }
-    if (!args.empty()) {
-        return bad("where", "unexpected argument '" + args[0] + "'");
+    if (!args.finish()) {
+        return bad("where", args.error());
     }
     m_out << m_database << "\n";
     return 0;

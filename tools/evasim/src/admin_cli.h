@@ -6,6 +6,10 @@
 #include <string>
 #include <vector>
 
+namespace cliutil {
+class Args;
+}
+
 namespace evasim {
 
 class AdminCli {
@@ -17,14 +21,15 @@ public:
     static std::string usage();
 
 private:
-    int init(const std::vector<std::string> &args);
-    int show(const std::vector<std::string> &args);
-    int fault(const std::vector<std::string> &args);
-    int set(const std::vector<std::string> &args);
-    int reset(const std::vector<std::string> &args);
-    int where(const std::vector<std::string> &args);
+    int init(cliutil::Args &args);
+    int show(cliutil::Args &args);
+    int fault(cliutil::Args &args);
+    int set(cliutil::Args &args);
+    int reset(cliutil::Args &args);
+    int where(cliutil::Args &args);
     int bad(const std::string &command, const std::string &message);
     bool stateExists() const;
+    void ensureStateDirectory() const;
 
     std::string m_database;
     std::ostream &m_out;

@@ -603,7 +603,7 @@ std::string ArrayOps::setDrGroup(int64_t cell, const std::string &ref, bool susp
     return {};
 }
 
-void ArrayOps::observeCopies(const std::vector<VdiskRec const *> &disks)
+void ArrayOps::observeCopies(const std::vector<const VdiskRec *> &disks)
 {
     std::set<int64_t> copies;
     std::set<int64_t> sources;

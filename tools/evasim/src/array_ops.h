@@ -52,7 +52,7 @@ public:
 
     // A listing read these disks: each running copy among them is read once more, and a copy
     // whose reads are used up is done.
-    void observeCopies(const std::vector<VdiskRec const *> &disks);
+    void observeCopies(const std::vector<const VdiskRec *> &disks);
 
     static bool validName(const std::string &name);
 
