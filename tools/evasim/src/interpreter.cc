@@ -20,17 +20,24 @@ const char *const kNoManager = "Command not valid until a manager is selected (S
 const char *const kNoSystem = "Command not valid until a system is selected (SELECT SYSTEM)";
 const char *const kHttps = "Error opening https connection";
 
+}  // namespace
+
 // The tail keywords of an LS command, and where the name before them starts and ends.
-struct ListRequest {
+struct Interpreter::ListRequest {
     bool full = false;
     bool xml = false;
     std::string name;
     size_t badColumn = std::string::npos;
+
+    // A listing of whole objects rather than of names.
+    bool objects() const { return full || xml || !name.empty(); }
 };
 
-ListRequest parseList(const std::string &line, const std::vector<Token> &t)
+namespace {
+
+Interpreter::ListRequest parseList(const std::string &line, const std::vector<Token> &t)
 {
-    ListRequest r;
+    Interpreter::ListRequest r;
     size_t end = t.size();
     while (end > 2 && (t[end - 1].is("XML") || t[end - 1].is("FULL"))) {
         if (t[end - 1].is("XML")) {
@@ -225,8 +232,26 @@ void Interpreter::nameList(const std::string &header, const std::vector<std::str
     }
 }
 
+std::unique_ptr<ObjectWriter> Interpreter::objectWriter(bool xml, const std::string &line)
+{
+    if (!xml) {
+        return std::make_unique<TextObjectWriter>(m_out);
+    }
+    const bool malformed = takeFault("malformed-xml", line);
+    return std::make_unique<XmlObjectWriter>(m_out, m_settings.flag("info_lines"), malformed);
+}
+
 Interpreter::Result Interpreter::execute(const std::string &line)
 {
+    static const struct {
+        const char *verb;
+        Result (Interpreter::*run)(const std::string &, const std::vector<Token> &);
+    } verbs[] = {
+        {"SET", &Interpreter::setCommand},  {"SELECT", &Interpreter::selectCommand},
+        {"LS", &Interpreter::lsCommand},    {"FIND", &Interpreter::findCommand},
+        {"ADD", &Interpreter::addCommand},  {"DELETE", &Interpreter::deleteCommand},
+        {"REFRESH", &Interpreter::refresh}, {"REDISCOVER", &Interpreter::refresh},
+    };
     std::vector<Token> t;
     size_t bad = 0;
     if (!Tokenizer::split(line, t, bad)) {
@@ -239,37 +264,24 @@ Interpreter::Result Interpreter::execute(const std::string &line)
     if (takeFault("error", line, &injected)) {
         return error(injected.text);
     }
+    for (const auto &v : verbs) {
+        if (t[0].is(v.verb)) {
+            return (this->*v.run)(line, t);
+        }
+    }
+    return syntaxError(line, t[0].column);
+}
 
-    const Token &verb = t[0];
-    if (verb.is("SET")) {
-        return setCommand(line, t);
+Interpreter::Result Interpreter::refresh(const std::string &line, const std::vector<Token> &t)
+{
+    if (t.size() > 1) {
+        return syntaxError(line, t[1].column);
     }
-    if (verb.is("SELECT")) {
-        return selectCommand(line, t);
+    if (!needManager()) {
+        return Result::Error;
     }
-    if (verb.is("LS")) {
-        return lsCommand(line, t);
-    }
-    if (verb.is("FIND")) {
-        return findCommand(line, t);
-    }
-    if (verb.is("ADD")) {
-        return addCommand(line, t);
-    }
-    if (verb.is("DELETE")) {
-        return deleteCommand(line, t);
-    }
-    if (verb.is("REFRESH") || verb.is("REDISCOVER")) {
-        if (t.size() > 1) {
-            return syntaxError(line, t[1].column);
-        }
-        if (!needManager()) {
-            return Result::Error;
-        }
-        m_out.line("");
-        return Result::Ok;
-    }
-    return syntaxError(line, verb.column);
+    m_out.line("");
+    return Result::Ok;
 }
 
 Interpreter::Result Interpreter::setCommand(const std::string &line, const std::vector<Token> &t)
@@ -278,87 +290,100 @@ Interpreter::Result Interpreter::setCommand(const std::string &line, const std::
         return syntaxError(line, line.size());
     }
     if (t[1].is("OPTION") || t[1].is("OPTIONS")) {
-        if (t.size() < 3) {
-            return syntaxError(line, line.size());
-        }
-        bool exitOnError = m_exitOnError;
-        long long delay = m_commandDelay, width = m_displayWidth;
-        for (size_t i = 2; i < t.size(); ++i) {
-            const Token &o = t[i];
-            long long n = 0;
-            if (o.is("NOCOMMAND_DELAY")) {
-                delay = 0;
-            } else if (o.isKey("COMMAND_DELAY") && parseInt(o.value, n) && n >= 0) {
-                delay = n;
-            } else if (o.isKey("DISPLAY_WIDTH") && parseInt(o.value, n) && n >= 20 && n <= 65535) {
-                width = n;
-            } else if (o.isKey("ON_ERROR") && iequals(o.value, "CONTINUE")) {
-                exitOnError = false;
-            } else if (o.isKey("ON_ERROR") &&
-                       (iequals(o.value, "EXIT_ON_ERROR") || iequals(o.value, "HALT_ON_ERROR"))) {
-                exitOnError = true;
-            } else {
-                return syntaxError(line, o.column);
-            }
-        }
-        m_exitOnError = exitOnError;
-        m_commandDelay = delay;
-        m_displayWidth = width;
-        m_out.line("");
-        return Result::Ok;
+        return setOptions(line, t);
     }
     if (t[1].is("VDISK")) {
-        if (t.size() < 4 || !t[2].isName()) {
-            return syntaxError(line, t.size() < 3 ? line.size() : t[2].column);
-        }
-        ArrayOps::VdiskChange change;
-        for (size_t i = 3; i < t.size(); ++i) {
-            const Token &o = t[i];
-            if (o.is("CHANGE_INTO_CONTAINER")) {
-                change.container = true;
-            } else if (o.isKey("NAME")) {
-                change.hasName = true, change.name = o.value;
-            } else if (o.isKey("WORLD_WIDE_LUN_NAME")) {
-                change.hasWwlunid = true, change.wwlunid = o.value;
-            } else if (o.isKey("WRITECACHE")) {
-                change.hasWritecache = true, change.writecache = o.value;
-            } else if (o.isKey("COMMENT") || o.isKey("COMMENTS")) {
-                change.hasComment = true, change.comment = o.value;
-            } else {
-                return syntaxError(line, o.column);
-            }
-        }
-        if (!needSystem()) {
-            return Result::Error;
-        }
-        std::string const refused = ArrayOps(*m_world, m_settings).setVdisk(m_cell, t[2].text, change);
-        if (!refused.empty()) {
-            return error(refused);
-        }
-        m_out.line("");
-        return Result::Ok;
+        return setVdisk(line, t);
     }
     if (t[1].is("DR_GROUP")) {
-        if (t.size() != 4 || !t[2].isName()) {
-            return syntaxError(line, t.size() < 3 ? line.size() : t[t.size() < 4 ? 2 : 3].column);
-        }
-        bool suspend = false;
-        if (t[3].is("SUSPEND")) {
-            suspend = true;
-        } else if (!t[3].is("NOSUSPEND")) {
-            return syntaxError(line, t[3].column);
-        }
-        if (!needSystem()) {
-            return Result::Error;
-        }
-        std::string const refused = ArrayOps(*m_world, m_settings).setDrGroup(m_cell, t[2].text, suspend);
-        if (!refused.empty()) {
-            return error(refused);
-        }
-        m_out.line("");
-        return Result::Ok;
+        return setDrGroup(line, t);
     }
     return syntaxError(line, t[1].column);
+}
+
+Interpreter::Result Interpreter::setOptions(const std::string &line, const std::vector<Token> &t)
+{
+    if (t.size() < 3) {
+        return syntaxError(line, line.size());
+    }
+    bool exitOnError = m_exitOnError;
+    long long delay = m_commandDelay, width = m_displayWidth;
+    for (size_t i = 2; i < t.size(); ++i) {
+        const Token &o = t[i];
+        long long n = 0;
+        if (o.is("NOCOMMAND_DELAY")) {
+            delay = 0;
+        } else if (o.isKey("COMMAND_DELAY") && parseInt(o.value, n) && n >= 0) {
+            delay = n;
+        } else if (o.isKey("DISPLAY_WIDTH") && parseInt(o.value, n) && n >= 20 && n <= 65535) {
+            width = n;
+        } else if (o.isKey("ON_ERROR") && iequals(o.value, "CONTINUE")) {
+            exitOnError = false;
+        } else if (o.isKey("ON_ERROR") && (iequals(o.value, "EXIT_ON_ERROR") || iequals(o.value, "HALT_ON_ERROR"))) {
+            exitOnError = true;
+        } else {
+            return syntaxError(line, o.column);
+        }
+    }
+    m_exitOnError = exitOnError;
+    m_commandDelay = delay;
+    m_displayWidth = width;
+    m_out.line("");
+    return Result::Ok;
+}
+
+Interpreter::Result Interpreter::setVdisk(const std::string &line, const std::vector<Token> &t)
+{
+    if (t.size() < 4 || !t[2].isName()) {
+        return syntaxError(line, t.size() < 3 ? line.size() : t[2].column);
+    }
+    ArrayOps::VdiskChange change;
+    for (size_t i = 3; i < t.size(); ++i) {
+        const Token &o = t[i];
+        if (o.is("CHANGE_INTO_CONTAINER")) {
+            change.container = true;
+        } else if (o.isKey("NAME")) {
+            change.hasName = true, change.name = o.value;
+        } else if (o.isKey("WORLD_WIDE_LUN_NAME")) {
+            change.hasWwlunid = true, change.wwlunid = o.value;
+        } else if (o.isKey("WRITECACHE")) {
+            change.hasWritecache = true, change.writecache = o.value;
+        } else if (o.isKey("COMMENT") || o.isKey("COMMENTS")) {
+            change.hasComment = true, change.comment = o.value;
+        } else {
+            return syntaxError(line, o.column);
+        }
+    }
+    if (!needSystem()) {
+        return Result::Error;
+    }
+    return done(ArrayOps(*m_world, m_settings).setVdisk(m_cell, t[2].text, change));
+}
+
+Interpreter::Result Interpreter::setDrGroup(const std::string &line, const std::vector<Token> &t)
+{
+    if (t.size() != 4 || !t[2].isName()) {
+        return syntaxError(line, t.size() < 3 ? line.size() : t[t.size() < 4 ? 2 : 3].column);
+    }
+    bool suspend = false;
+    if (t[3].is("SUSPEND")) {
+        suspend = true;
+    } else if (!t[3].is("NOSUSPEND")) {
+        return syntaxError(line, t[3].column);
+    }
+    if (!needSystem()) {
+        return Result::Error;
+    }
+    return done(ArrayOps(*m_world, m_settings).setDrGroup(m_cell, t[2].text, suspend));
+}
+
+Interpreter::Result Interpreter::done(const std::string &refused)
+{
+    if (!refused.empty()) {
+        return error(refused);
+    }
+    m_out.line("");
+    return Result::Ok;
 }
 
 Interpreter::Result Interpreter::selectCommand(const std::string &line, const std::vector<Token> &t)
@@ -395,150 +420,144 @@ Interpreter::Result Interpreter::selectCommand(const std::string &line, const st
 
 Interpreter::Result Interpreter::lsCommand(const std::string &line, const std::vector<Token> &t)
 {
+    static const struct {
+        const char *what;
+        bool needsSystem;
+        Result (Interpreter::*run)(const std::string &, const ListRequest &);
+    } kinds[] = {
+        {"CELL", false, &Interpreter::lsCells},       {"SYSTEM", false, &Interpreter::lsCells},
+        {"VDISK", true, &Interpreter::lsVdisks},      {"HOST", true, &Interpreter::lsHosts},
+        {"DR_GROUP", true, &Interpreter::lsDrGroups}, {"DISK_GROUP", true, &Interpreter::lsDiskGroups},
+    };
     if (t.size() < 2) {
         return syntaxError(line, line.size());
     }
-    const Token &what = t[1];
-    const bool cells = what.is("CELL") || what.is("SYSTEM");
-    if (!cells && !what.is("VDISK") && !what.is("HOST") && !what.is("DR_GROUP") && !what.is("DISK_GROUP")) {
-        return syntaxError(line, what.column);
+    for (const auto &k : kinds) {
+        if (!t[1].is(k.what)) {
+            continue;
+        }
+        const ListRequest req = parseList(line, t);
+        if (req.badColumn != std::string::npos) {
+            return syntaxError(line, req.badColumn);
+        }
+        if (k.needsSystem ? !needSystem() : !needManager()) {
+            return Result::Error;
+        }
+        return (this->*k.run)(line, req);
     }
-    const ListRequest req = parseList(line, t);
-    if (req.badColumn != std::string::npos) {
-        return syntaxError(line, req.badColumn);
-    }
-    if (cells ? !needManager() : !needSystem()) {
-        return Result::Error;
-    }
+    return syntaxError(line, t[1].column);
+}
 
-    const bool objects = req.full || !req.name.empty() || req.xml;
-    const bool malformed = req.xml && takeFault("malformed-xml", line);
-    std::unique_ptr<ObjectWriter> writer;
-    if (req.xml) {
-        writer = std::make_unique<XmlObjectWriter>(m_out, m_settings.flag("info_lines"), malformed);
+template <class Rec, class NameOf, class Describe>
+Interpreter::Result Interpreter::report(const std::string &line, const ListRequest &req, const char *marker,
+                                        const std::vector<const Rec *> &list, NameOf nameOf, Describe describe)
+{
+    if (!req.objects()) {
+        std::vector<std::string> names;
+        names.reserve(list.size());
+        for (const Rec *r : list) {
+            names.push_back(nameOf(*r));
+        }
+        nameList(marker, names);
+        return Result::Ok;
+    }
+    const std::unique_ptr<ObjectWriter> writer = objectWriter(req.xml, line);
+    ObjectDescriber describer(*m_world);
+    m_out.line("");
+    for (const Rec *r : list) {
+        describe(describer, *writer, *r);
+    }
+    return Result::Ok;
+}
+
+Interpreter::Result Interpreter::notFound(const std::string &name, bool ambiguous)
+{
+    return error(ambiguous ? name + " is ambiguous; give the full path" : name + " not found");
+}
+
+Interpreter::Result Interpreter::lsCells(const std::string &line, const ListRequest &req)
+{
+    std::vector<const CellRec *> list;
+    for (const CellRec *c : m_world->cellsOf(m_server)) {
+        if (req.name.empty() || iequals(c->name, req.name)) {
+            list.push_back(c);
+        }
+    }
+    if (!req.name.empty() && list.empty()) {
+        return notFound(req.name, false);
+    }
+    return report(
+        line, req, "Systems available on this Manager:", list, [](const CellRec &c) { return c.name; },
+        [](ObjectDescriber &d, ObjectWriter &w, const CellRec &c) { d.cell(w, c); });
+}
+
+Interpreter::Result Interpreter::lsVdisks(const std::string &line, const ListRequest &req)
+{
+    std::vector<const VdiskRec *> list;
+    if (!req.name.empty()) {
+        bool ambiguous = false;
+        VdiskRec *d = m_world->resolveVdisk(m_cell, req.name, ambiguous);
+        if (!d) {
+            return notFound(req.name, ambiguous);
+        }
+        list.push_back(d);
     } else {
-        writer = std::make_unique<TextObjectWriter>(m_out);
-    }
-
-    if (cells) {
-        std::vector<const CellRec *> list;
-        for (const CellRec *c : m_world->cellsOf(m_server)) {
-            if (req.name.empty() || iequals(c->name, req.name)) {
-                list.push_back(c);
-            }
-        }
-        if (!req.name.empty() && list.empty()) {
-            return error(req.name + " not found");
-        }
-        if (!objects) {
-            std::vector<std::string> names;
-            for (const CellRec *c : list) {
-                names.push_back(c->name);
-            }
-            nameList("Systems available on this Manager:", names);
-            return Result::Ok;
-        }
-        ObjectDescriber describe(*m_world);
-        m_out.line("");
-        for (const CellRec *c : list) {
-            describe.cell(*writer, *c);
-        }
-        return Result::Ok;
-    }
-
-    if (what.is("VDISK")) {
-        std::vector<const VdiskRec *> list;
-        if (!req.name.empty()) {
-            bool ambiguous = false;
-            VdiskRec *d = m_world->resolveVdisk(m_cell, req.name, ambiguous);
-            if (!d) {
-                return error(ambiguous ? req.name + " is ambiguous; give the full path" : req.name + " not found");
-            }
+        for (VdiskRec *d : m_world->vdisksOf(m_cell)) {
             list.push_back(d);
-        } else {
-            for (VdiskRec *d : m_world->vdisksOf(m_cell)) {
-                list.push_back(d);
-            }
         }
-        if (!objects) {
-            std::vector<std::string> names;
-            names.reserve(list.size());
-            for (const VdiskRec *d : list) {
-                names.push_back(d->path());
-            }
-            nameList("Vdisks available on this Cell:", names);
-            return Result::Ok;
-        }
+    }
+    if (req.objects()) {
         ArrayOps(*m_world, m_settings).observeCopies(list);
-        ObjectDescriber describe(*m_world);
-        m_out.line("");
-        for (const VdiskRec *d : list) {
-            describe.vdisk(*writer, *d);
-        }
-        return Result::Ok;
     }
+    return report(
+        line, req, "Vdisks available on this Cell:", list, [](const VdiskRec &d) { return d.path(); },
+        [](ObjectDescriber &d, ObjectWriter &w, const VdiskRec &v) { d.vdisk(w, v); });
+}
 
-    if (what.is("HOST")) {
-        std::vector<const HostRec *> list;
-        if (!req.name.empty()) {
-            bool ambiguous = false;
-            HostRec *h = m_world->resolveHost(m_cell, req.name, ambiguous);
-            if (!h) {
-                return error(ambiguous ? req.name + " is ambiguous; give the full path" : req.name + " not found");
-            }
+Interpreter::Result Interpreter::lsHosts(const std::string &line, const ListRequest &req)
+{
+    std::vector<const HostRec *> list;
+    if (!req.name.empty()) {
+        bool ambiguous = false;
+        HostRec *h = m_world->resolveHost(m_cell, req.name, ambiguous);
+        if (!h) {
+            return notFound(req.name, ambiguous);
+        }
+        list.push_back(h);
+    } else {
+        for (HostRec *h : m_world->hostsOf(m_cell)) {
             list.push_back(h);
-        } else {
-            for (HostRec *h : m_world->hostsOf(m_cell)) {
-                list.push_back(h);
-            }
         }
-        if (!objects) {
-            std::vector<std::string> names;
-            for (const HostRec *h : list) {
-                names.push_back(h->path);
-            }
-            nameList("Hosts available on this Cell:", names);
-            return Result::Ok;
-        }
-        ObjectDescriber describe(*m_world);
-        m_out.line("");
-        for (const HostRec *h : list) {
-            describe.host(*writer, *h);
-        }
-        return Result::Ok;
     }
+    return report(
+        line, req, "Hosts available on this Cell:", list, [](const HostRec &h) { return h.path; },
+        [](ObjectDescriber &d, ObjectWriter &w, const HostRec &h) { d.host(w, h); });
+}
 
-    if (what.is("DR_GROUP")) {
-        std::vector<const DrGroupRec *> list;
-        if (!req.name.empty()) {
-            DrGroupRec *g = m_world->resolveDrGroup(m_cell, req.name);
-            if (!g) {
-                return error(req.name + " not found");
-            }
-            list.push_back(g);
-        } else {
-            for (const auto &[id, g] : m_world->drgroups.rows) {
-                if (g.sourceCell == m_cell || g.destCell == m_cell) {
-                    list.push_back(&g);
-                }
+Interpreter::Result Interpreter::lsDrGroups(const std::string &line, const ListRequest &req)
+{
+    std::vector<const DrGroupRec *> list;
+    if (!req.name.empty()) {
+        DrGroupRec *g = m_world->resolveDrGroup(m_cell, req.name);
+        if (!g) {
+            return notFound(req.name, false);
+        }
+        list.push_back(g);
+    } else {
+        for (const auto &[id, g] : m_world->drgroups.rows) {
+            if (g.sourceCell == m_cell || g.destCell == m_cell) {
+                list.push_back(&g);
             }
         }
-        if (!objects) {
-            std::vector<std::string> names;
-            for (const DrGroupRec *g : list) {
-                names.push_back(g->path());
-            }
-            nameList("DR groups available on this Cell:", names);
-            return Result::Ok;
-        }
-        ObjectDescriber describe(*m_world);
-        m_out.line("");
-        for (const DrGroupRec *g : list) {
-            describe.drGroup(*writer, *g, m_cell);
-        }
-        return Result::Ok;
     }
+    const int64_t cell = m_cell;
+    return report(
+        line, req, "DR groups available on this Cell:", list, [](const DrGroupRec &g) { return g.path(); },
+        [cell](ObjectDescriber &d, ObjectWriter &w, const DrGroupRec &g) { d.drGroup(w, g, cell); });
+}
 
+Interpreter::Result Interpreter::lsDiskGroups(const std::string &line, const ListRequest &req)
+{
     std::vector<const DiskGroupRec *> list;
     for (const auto &[id, g] : m_world->diskgroups.rows) {
         if (g.cell == m_cell &&
@@ -547,22 +566,12 @@ Interpreter::Result Interpreter::lsCommand(const std::string &line, const std::v
         }
     }
     if (!req.name.empty() && list.empty()) {
-        return error(req.name + " not found");
+        return notFound(req.name, false);
     }
-    if (!objects) {
-        std::vector<std::string> names;
-        for (const DiskGroupRec *g : list) {
-            names.push_back("\\Disk Groups\\" + g->name);
-        }
-        nameList("Disk groups available on this Cell:", names);
-        return Result::Ok;
-    }
-    ObjectDescriber describe(*m_world);
-    m_out.line("");
-    for (const DiskGroupRec *g : list) {
-        describe.diskGroup(*writer, *g);
-    }
-    return Result::Ok;
+    return report(
+        line, req, "Disk groups available on this Cell:", list,
+        [](const DiskGroupRec &g) { return "\\Disk Groups\\" + g.name; },
+        [](ObjectDescriber &d, ObjectWriter &w, const DiskGroupRec &g) { d.diskGroup(w, g); });
 }
 
 Interpreter::Result Interpreter::findCommand(const std::string &line, const std::vector<Token> &t)
@@ -575,39 +584,30 @@ Interpreter::Result Interpreter::findCommand(const std::string &line, const std:
     }
     bool xml = false;
     for (size_t i = 3; i < t.size(); ++i) {
-        if (t[i].is("XML")) {
-            xml = true;
-        } else {
+        if (!t[i].is("XML")) {
             return syntaxError(line, t[i].column);
         }
+        xml = true;
     }
     if (!needSystem()) {
         return Result::Error;
     }
     std::string wanted;
-    if (!normaliseWwn(t[2].value, 8, wanted, false)) {
-        return error(t[2].value + " not found");
-    }
     const VdiskRec *found = nullptr;
-    for (const auto &[id, d] : m_world->vdisks.rows) {
-        if (d.cell == m_cell && iequals(d.wwlunid, wanted)) {
-            found = &d;
+    if (normaliseWwn(t[2].value, 8, wanted, false)) {
+        for (const auto &[id, d] : m_world->vdisks.rows) {
+            if (d.cell == m_cell && iequals(d.wwlunid, wanted)) {
+                found = &d;
+            }
         }
     }
     if (!found) {
-        return error(t[2].value + " not found");
-    }
-    const bool malformed = xml && takeFault("malformed-xml", line);
-    std::unique_ptr<ObjectWriter> writer;
-    if (xml) {
-        writer = std::make_unique<XmlObjectWriter>(m_out, m_settings.flag("info_lines"), malformed);
-    } else {
-        writer = std::make_unique<TextObjectWriter>(m_out);
+        return notFound(t[2].value, false);
     }
     ArrayOps(*m_world, m_settings).observeCopies({found});
-    ObjectDescriber describe(*m_world);
+    const std::unique_ptr<ObjectWriter> writer = objectWriter(xml, line);
     m_out.line("");
-    describe.vdisk(*writer, *found);
+    ObjectDescriber(*m_world).vdisk(*writer, *found);
     return Result::Ok;
 }
 
@@ -616,40 +616,50 @@ Interpreter::Result Interpreter::addCommand(const std::string &line, const std::
     if (t.size() < 2) {
         return syntaxError(line, line.size());
     }
-    const Token &what = t[1];
-    if (what.is("LUN")) {
-        long long lun = 0;
-        if (t.size() < 3 || t[2].kind != Token::Word || !parseInt(t[2].text, lun)) {
-            return syntaxError(line, t.size() < 3 ? line.size() : t[2].column);
-        }
-        std::string host, disk;
-        bool hasHost = false, hasDisk = false;
-        for (size_t i = 3; i < t.size(); ++i) {
-            if (t[i].isKey("HOST")) {
-                host = t[i].value, hasHost = true;
-            } else if (t[i].isKey("VDISK")) {
-                disk = t[i].value, hasDisk = true;
-            } else {
-                return syntaxError(line, t[i].column);
-            }
-        }
-        if (!hasHost || !hasDisk) {
-            return syntaxError(line, line.size());
-        }
-        if (!needSystem()) {
-            return Result::Error;
-        }
-        std::string const refused = ArrayOps(*m_world, m_settings).addLun(m_cell, lun, host, disk);
-        if (!refused.empty()) {
-            return error(refused);
-        }
-        return quirk("quirk_present_failed",
-                     "Error the call to present the virtual disk has failed. [Logical disk Presented]");
+    if (t[1].is("LUN")) {
+        return addLun(line, t);
     }
+    if (t[1].is("VDISK") || t[1].is("SNAPSHOT") || t[1].is("COPY")) {
+        return addDisk(line, t);
+    }
+    return syntaxError(line, t[1].column);
+}
 
-    if (!what.is("VDISK") && !what.is("SNAPSHOT") && !what.is("COPY")) {
-        return syntaxError(line, what.column);
+Interpreter::Result Interpreter::addLun(const std::string &line, const std::vector<Token> &t)
+{
+    long long lun = 0;
+    if (t.size() < 3 || t[2].kind != Token::Word || !parseInt(t[2].text, lun)) {
+        return syntaxError(line, t.size() < 3 ? line.size() : t[2].column);
     }
+    std::string host, disk;
+    bool hasHost = false, hasDisk = false;
+    for (size_t i = 3; i < t.size(); ++i) {
+        if (t[i].isKey("HOST")) {
+            host = t[i].value, hasHost = true;
+        } else if (t[i].isKey("VDISK")) {
+            disk = t[i].value, hasDisk = true;
+        } else {
+            return syntaxError(line, t[i].column);
+        }
+    }
+    if (!hasHost || !hasDisk) {
+        return syntaxError(line, line.size());
+    }
+    if (!needSystem()) {
+        return Result::Error;
+    }
+    std::string const refused = ArrayOps(*m_world, m_settings).addLun(m_cell, lun, host, disk);
+    if (!refused.empty()) {
+        return error(refused);
+    }
+    return quirk("quirk_present_failed",
+                 "Error the call to present the virtual disk has failed. [Logical disk Presented]");
+}
+
+// ADD VDISK, ADD SNAPSHOT and ADD COPY: a name, then options of which each kind takes its own.
+Interpreter::Result Interpreter::addDisk(const std::string &line, const std::vector<Token> &t)
+{
+    const Token &what = t[1];
     if (t.size() < 3 || !t[2].isName()) {
         return syntaxError(line, t.size() < 3 ? line.size() : t[2].column);
     }
@@ -683,23 +693,17 @@ Interpreter::Result Interpreter::addCommand(const std::string &line, const std::
         return Result::Error;
     }
     ArrayOps ops(*m_world, m_settings);
-    std::string refused;
     if (what.is("VDISK")) {
         uint64_t bytes = 0;
         if (!parseSize(size, bytes)) {
             return error("Invalid size " + size);
         }
-        refused = ops.addVdisk(m_cell, name, bytes, redundancy, diskGroup, wwlunid);
-    } else if (what.is("SNAPSHOT")) {
-        refused = ops.addSnapshot(m_cell, name, source, allocation, redundancy, wwlunid);
-    } else {
-        refused = ops.addCopy(m_cell, name, source, container, redundancy);
+        return done(ops.addVdisk(m_cell, name, bytes, redundancy, diskGroup, wwlunid));
     }
-    if (!refused.empty()) {
-        return error(refused);
+    if (what.is("SNAPSHOT")) {
+        return done(ops.addSnapshot(m_cell, name, source, allocation, redundancy, wwlunid));
     }
-    m_out.line("");
-    return Result::Ok;
+    return done(ops.addCopy(m_cell, name, source, container, redundancy));
 }
 
 Interpreter::Result Interpreter::deleteCommand(const std::string &line, const std::vector<Token> &t)

@@ -5,6 +5,7 @@
 
 #include "fault.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,8 @@ public:
     // Gives the exit status: 0, or 1 when ON_ERROR=EXIT_ON_ERROR stopped at an error.
     int run(const std::vector<std::string> &lines);
 
+    struct ListRequest;
+
 private:
     enum class Result { Ok, Error, Stop, Exit };
 
@@ -37,12 +40,33 @@ private:
     bool needManager();
     bool needSystem();
 
+    // One handler per command; each checks its words, then its selection, then asks the array.
     Result setCommand(const std::string &line, const std::vector<Token> &t);
+    Result setOptions(const std::string &line, const std::vector<Token> &t);
+    Result setVdisk(const std::string &line, const std::vector<Token> &t);
+    Result setDrGroup(const std::string &line, const std::vector<Token> &t);
     Result selectCommand(const std::string &line, const std::vector<Token> &t);
     Result lsCommand(const std::string &line, const std::vector<Token> &t);
+    Result lsCells(const std::string &line, const ListRequest &req);
+    Result lsVdisks(const std::string &line, const ListRequest &req);
+    Result lsHosts(const std::string &line, const ListRequest &req);
+    Result lsDrGroups(const std::string &line, const ListRequest &req);
+    Result lsDiskGroups(const std::string &line, const ListRequest &req);
     Result findCommand(const std::string &line, const std::vector<Token> &t);
     Result addCommand(const std::string &line, const std::vector<Token> &t);
+    Result addLun(const std::string &line, const std::vector<Token> &t);
+    Result addDisk(const std::string &line, const std::vector<Token> &t);
     Result deleteCommand(const std::string &line, const std::vector<Token> &t);
+    Result refresh(const std::string &line, const std::vector<Token> &t);
+
+    // A listing: the names under their marker line, or the objects in text or XML.
+    template <class Rec, class NameOf, class Describe>
+    Result report(const std::string &line, const ListRequest &req, const char *marker,
+                  const std::vector<const Rec *> &list, NameOf nameOf, Describe describe);
+    std::unique_ptr<ObjectWriter> objectWriter(bool xml, const std::string &line);
+    // The end of a change: its refusal, or the empty result line.
+    Result done(const std::string &refused);
+    Result notFound(const std::string &name, bool ambiguous);
 
     // Text listing: the marker line, then one name a line.
     void nameList(const std::string &header, const std::vector<std::string> &names);

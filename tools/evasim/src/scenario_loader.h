@@ -2,13 +2,16 @@
 #ifndef EVASIM_SCENARIO_LOADER_H
 #define EVASIM_SCENARIO_LOADER_H
 
+#include <cstdint>
 #include <istream>
 #include <string>
+#include <vector>
 
 namespace evasim {
 
 class Settings;
 class World;
+struct Token;
 
 class ScenarioLoader {
 public:
@@ -18,6 +21,18 @@ public:
 
 private:
     std::string line(const std::string &text);
+    // One reader per kind of line; each gives an error text, empty on success.
+    std::string setLine(const std::vector<Token> &t);
+    std::string serverLine(const std::vector<Token> &t);
+    std::string cellLine(const std::vector<Token> &t);
+    std::string diskGroupLine(const std::vector<Token> &t);
+    std::string hostLine(const std::vector<Token> &t);
+    std::string vdiskLine(const std::vector<Token> &t);
+    std::string snapshotLine(const std::vector<Token> &t);
+    std::string presentLine(const std::vector<Token> &t);
+    std::string drGroupLine(const std::vector<Token> &t);
+    std::string memberLine(const std::vector<Token> &t);
+    std::string cellOf(const std::string &name, int64_t &id);
 
     World &m_world;
     Settings &m_settings;
