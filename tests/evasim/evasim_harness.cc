@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -67,7 +68,8 @@ std::string Harness::scenario(const std::string &name)
     return std::string(source ? source : ".") + "/tools/evasim/scenarios/" + name;
 }
 
-Outcome Harness::evasim(const std::vector<std::string> &args, const std::function<void(pid_t)> &meanwhile) const
+Outcome Harness::evasim(const std::vector<std::string> &args, const std::function<void(pid_t)> &meanwhile,
+                        size_t killAtLine) const
 {
     const auto start = std::chrono::steady_clock::now();
     auto elapsed = [&]() { return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(); };
@@ -141,6 +143,9 @@ Outcome Harness::evasim(const std::vector<std::string> &args, const std::functio
                         if (buf[k] == '\n') {
                             run.lineTimes.push_back(elapsed());
                         }
+                        if (killAtLine && run.lineTimes.size() == killAtLine && buf[k] == '\n') {
+                            ::kill(pid, SIGKILL);
+                        }
                     }
                 }
             }
@@ -172,7 +177,8 @@ std::string Harness::script(const std::vector<std::string> &lines) const
     return path;
 }
 
-Outcome Harness::sssu(const std::vector<std::string> &commands, const std::string &cell, const std::string &login) const
+std::string Harness::sssuScript(const std::vector<std::string> &commands, const std::string &cell,
+                                const std::string &login) const
 {
     std::vector<std::string> lines{"set option NOCOMMAND_DELAY", "set option DISPLAY_WIDTH=200",
                                    "set option ON_ERROR=EXIT_ON_ERROR"};
@@ -184,7 +190,12 @@ Outcome Harness::sssu(const std::vector<std::string> &commands, const std::strin
     }
     lines.insert(lines.end(), commands.begin(), commands.end());
     lines.push_back("exit");
-    return evasim({"FILE " + script(lines)});
+    return script(lines);
+}
+
+Outcome Harness::sssu(const std::vector<std::string> &commands, const std::string &cell, const std::string &login) const
+{
+    return evasim({"FILE " + sssuScript(commands, cell, login)});
 }
 
 std::vector<std::map<std::string, std::string>> Harness::table(const std::string &what) const

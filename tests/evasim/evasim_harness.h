@@ -33,13 +33,18 @@ public:
     const std::string &home() const { return m_home; }
 
     // evasim with these arguments, EVASIM_HOME set to this harness's directory. 'meanwhile' runs
-    // on a thread of its own with the child's process id while the child runs.
-    Outcome evasim(const std::vector<std::string> &args, const std::function<void(pid_t)> &meanwhile = {}) const;
+    // on a thread of its own with the child's process id while the child runs. With 'killAtLine'
+    // the child gets SIGKILL as soon as that many lines of its output have arrived.
+    Outcome evasim(const std::vector<std::string> &args, const std::function<void(pid_t)> &meanwhile = {},
+                   size_t killAtLine = 0) const;
     // `evasim init --scenario small.scn` (or the given one); fails the test if it fails.
     void init(const std::string &scenarioName = "small.scn") const;
     // Writes a script file and gives its path.
     std::string script(const std::vector<std::string> &lines) const;
     // The provider's script: the three option lines, the login, the cell, the commands, exit.
+    std::string sssuScript(const std::vector<std::string> &commands, const std::string &cell = "EVA01",
+                           const std::string &login = "select manager cv1 user=admin password=secret") const;
+    // That script run.
     Outcome sssu(const std::vector<std::string> &commands, const std::string &cell = "EVA01",
                  const std::string &login = "select manager cv1 user=admin password=secret") const;
     // `evasim show WHAT --format tsv` as rows of column name to value.

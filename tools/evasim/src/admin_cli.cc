@@ -2,6 +2,7 @@
 
 #include "database.h"
 #include "fault_store.h"
+#include "history.h"
 #include "scenario_loader.h"
 #include "settings.h"
 #include "state_location.h"
@@ -18,7 +19,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <fstream>
 #include <map>
 
@@ -82,6 +85,19 @@ const char *const kSetHelp = R"(Usage: evasim set [KEY=VALUE]...
 Changes settings of the simulator; without arguments prints them.
 )";
 
+const char *const kHistoryHelp = R"(Usage: evasim history [--last N] [--run ID] [--format table|tsv] [--clear]
+
+Shows what SSSU runs did: each run with its start, process id, script and exit status, and each
+of its commands with its outcome and its answer: ok, error, stopped (a login that failed), or cut
+off (the run ended while the answer went out; the command's change was kept). A run that never
+ended (killed, or still running) shows as unfinished. Passwords are masked. The newest 1000 runs are kept; `evasim init` starts anew.
+
+  --last N          the newest N runs (20); 0 for all
+  --run ID          one run, with the whole of each answer as kept (its first 40 lines)
+  --format tsv      one row per command: run, exit, seq, outcome, command, answer (lines joined by " | ")
+  --clear           forget all runs
+)";
+
 const char *const kResetHelp = R"(Usage: evasim reset
 
 Removes the state file: the simulator then behaves as SSSU that reaches no server.
@@ -92,6 +108,71 @@ const char *const kWhereHelp = R"(Usage: evasim where
 Prints the path of the state file: $EVASIM_HOME/evasim.db, else evasim.d/evasim.db in the
 directory of the path the program was started by.
 )";
+
+std::string exitText(const HistoryRun &r)
+{
+    return r.status < 0 ? "unfinished" : std::to_string(r.status);
+}
+
+std::string outcomeText(const HistoryCommand &c)
+{
+    return c.outcome == "running" ? "cut off" : c.outcome;
+}
+
+// The lines of an answer that say something: the empty lines that open results left out.
+std::vector<std::string> telling(const HistoryCommand &c)
+{
+    std::vector<std::string> out;
+    for (const std::string &l : c.answer) {
+        if (!trim(l).empty()) {
+            out.push_back(l);
+        }
+    }
+    return out;
+}
+
+std::string historyTsv(const std::vector<HistoryRun> &runs)
+{
+    cliutil::Table t({"run", "exit", "seq", "outcome", "command", "answer"});
+    for (const HistoryRun &r : runs) {
+        for (const HistoryCommand &c : r.commands) {
+            t.addRow({std::to_string(r.id), exitText(r), std::to_string(c.seq), outcomeText(c), c.command,
+                      join(telling(c), " | ")});
+        }
+    }
+    return t.tsv();
+}
+
+std::string historyText(const std::vector<HistoryRun> &runs, bool whole)
+{
+    std::string text;
+    for (const HistoryRun &r : runs) {
+        char started[64];
+        const std::time_t when = static_cast<std::time_t>(r.started);
+        std::tm tm{};
+        localtime_r(&when, &tm);
+        std::strftime(started, sizeof started, "%Y-%m-%d %H:%M:%S", &tm);
+        text += "run " + std::to_string(r.id) + "  " + started + "  pid " + std::to_string(r.pid) + "  exit " +
+                exitText(r) + (r.note.empty() ? "" : " (" + r.note + ")") + "  " + r.script + "\n";
+        for (const HistoryCommand &c : r.commands) {
+            char head[32];
+            std::snprintf(head, sizeof head, "  %3lld  %-10s ", static_cast<long long>(c.seq), outcomeText(c).c_str());
+            text += head + c.command + "\n";
+            const std::vector<std::string> lines = whole ? c.answer : telling(c);
+            const size_t shown = whole ? lines.size() : std::min<size_t>(lines.size(), 3);
+            for (size_t i = 0; i < shown; ++i) {
+                text += std::string(18, ' ') + lines[i] + "\n";
+            }
+            if (shown < lines.size() || c.lines > static_cast<long long>(c.answer.size())) {
+                text += std::string(18, ' ') + "(" + std::to_string(c.lines) + " lines in all)\n";
+            }
+        }
+    }
+    if (runs.empty()) {
+        text = "(no runs)\n";
+    }
+    return text;
+}
 
 struct Command {
     const char *name;
@@ -221,6 +302,7 @@ std::string AdminCli::usage()
        evasim fault KIND [options]    arm a fault for the next runs: https, silence, ignore-signals,
                                       exit-after, no-output, malformed-xml, error, banner, delay
        evasim set [KEY=VALUE]...      change or print the simulator's settings
+       evasim history [options]       what the SSSU runs did: commands, answers, exit status
        evasim reset                   remove the state: no server answers any more
        evasim where                   print where the state file is
        evasim COMMAND --help          help on one command
@@ -252,9 +334,10 @@ void AdminCli::ensureStateDirectory() const
 int AdminCli::run(const std::vector<std::string> &args)
 {
     static const Command commands[] = {
-        {"init", kInitHelp, &AdminCli::init},    {"show", kShowHelp, &AdminCli::show},
-        {"fault", kFaultHelp, &AdminCli::fault}, {"set", kSetHelp, &AdminCli::set},
-        {"reset", kResetHelp, &AdminCli::reset}, {"where", kWhereHelp, &AdminCli::where},
+        {"init", kInitHelp, &AdminCli::init},          {"show", kShowHelp, &AdminCli::show},
+        {"fault", kFaultHelp, &AdminCli::fault},       {"set", kSetHelp, &AdminCli::set},
+        {"history", kHistoryHelp, &AdminCli::history}, {"reset", kResetHelp, &AdminCli::reset},
+        {"where", kWhereHelp, &AdminCli::where},
     };
     if (args.empty()) {
         m_err << usage();
@@ -358,6 +441,7 @@ int AdminCli::init(cliutil::Args &args)
     Database db(m_database, true);
     db.begin();
     World::wipe(db);
+    History::clear(db);
     db.exec("DELETE FROM settings");
     world.save(db);
     settings.save(db);
@@ -519,6 +603,42 @@ int AdminCli::set(cliutil::Args &args)
     }
     stored.save(db);
     db.commit();
+    return 0;
+}
+
+int AdminCli::history(cliutil::Args &args)
+{
+    long long last = 20, only = 0;
+    args.integer("--last", last, 0, LLONG_MAX);
+    args.integer("--run", only, 1, LLONG_MAX);
+    std::string const format = args.value("--format").value_or("table");
+    const bool clear = args.flag("--clear");
+    if (!args.finish()) {
+        return bad("history", args.error());
+    }
+    if (format != "table" && format != "tsv") {
+        return bad("history", "--format is table or tsv, not '" + format + "'");
+    }
+    if (!stateExists()) {
+        m_err << "evasim history: no state yet at " << m_database << "; run 'evasim init' first\n";
+        return 1;
+    }
+    Database db(m_database, false);
+    if (clear) {
+        db.begin();
+        History::clear(db);
+        db.commit();
+        m_out << "evasim: history cleared\n";
+        return 0;
+    }
+    db.exec("BEGIN");
+    const std::vector<HistoryRun> runs = History::list(db, last, only);
+    db.exec("COMMIT");
+    if (only && runs.empty()) {
+        m_err << "evasim history: no run " << only << "\n";
+        return 1;
+    }
+    m_out << (format == "tsv" ? historyTsv(runs) : historyText(runs, only != 0));
     return 0;
 }
 

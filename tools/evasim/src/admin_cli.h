@@ -25,6 +25,7 @@ private:
     int show(cliutil::Args &args);
     int fault(cliutil::Args &args);
     int set(cliutil::Args &args);
+    int history(cliutil::Args &args);
     int reset(cliutil::Args &args);
     int where(cliutil::Args &args);
     int bad(const std::string &command, const std::string &message);

@@ -38,6 +38,11 @@ CREATE TABLE IF NOT EXISTS drmembers(id INTEGER PRIMARY KEY, drgroup INTEGER NOT
 CREATE TABLE IF NOT EXISTS faults(id INTEGER PRIMARY KEY, kind TEXT NOT NULL, remaining INTEGER NOT NULL,
     server TEXT NOT NULL, seconds REAL NOT NULL, line INTEGER NOT NULL, pattern TEXT NOT NULL,
     text TEXT NOT NULL, status INTEGER NOT NULL, cell TEXT NOT NULL DEFAULT '');
+CREATE TABLE IF NOT EXISTS runs(id INTEGER PRIMARY KEY, started REAL NOT NULL, ended REAL NOT NULL,
+    status INTEGER NOT NULL, pid INTEGER NOT NULL, script TEXT NOT NULL, note TEXT NOT NULL);
+CREATE TABLE IF NOT EXISTS run_commands(id INTEGER PRIMARY KEY, run INTEGER NOT NULL, seq INTEGER NOT NULL,
+    command TEXT NOT NULL, outcome TEXT NOT NULL, answer TEXT NOT NULL, lines INTEGER NOT NULL);
+CREATE INDEX IF NOT EXISTS run_commands_by_run ON run_commands(run, seq);
 )SQL";
 
 }  // namespace
@@ -94,6 +99,23 @@ void Database::rollback()
     }
     m_inTransaction = false;
     exec("ROLLBACK");
+}
+
+int64_t Database::lastInsertId() const
+{
+    return sqlite3_last_insert_rowid(m_db);
+}
+
+int64_t Database::dataVersion()
+{
+    sqlite3_stmt *s = nullptr;
+    int64_t version = 0;
+    if (sqlite3_prepare_v2(m_db, "PRAGMA data_version", -1, &s, nullptr) == SQLITE_OK &&
+        sqlite3_step(s) == SQLITE_ROW) {
+        version = sqlite3_column_int64(s, 0);
+    }
+    sqlite3_finalize(s);
+    return version;
 }
 
 void Database::createSchema()

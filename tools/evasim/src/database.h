@@ -2,6 +2,7 @@
 #ifndef EVASIM_DATABASE_H
 #define EVASIM_DATABASE_H
 
+#include <cstdint>
 #include <string>
 
 struct sqlite3;
@@ -23,6 +24,9 @@ public:
     void commit();
     void rollback();
     sqlite3 *handle() const { return m_db; }
+    int64_t lastInsertId() const;
+    // Changes whenever another connection commits; equal values mean nobody else wrote meanwhile.
+    int64_t dataVersion();
 
 private:
     void createSchema();

@@ -1,8 +1,10 @@
 #include "interpreter.h"
 
 #include "array_ops.h"
+#include "history.h"
 #include "object_describer.h"
 #include "output.h"
+#include "run_store.h"
 #include "settings.h"
 #include "text_object_writer.h"
 #include "text_util.h"
@@ -70,12 +72,12 @@ Interpreter::ListRequest parseList(const std::string &line, const std::vector<To
 
 }  // namespace
 
-Interpreter::Interpreter(Output &out, World *world, const Settings &settings, std::vector<Fault> &faults,
-                         double delay) :
+Interpreter::Interpreter(Output &out, RunStore *store, const Settings &settings, double delay) :
     m_out(out),
-    m_world(world),
+    m_store(store),
+    m_world(store ? &store->world() : nullptr),
     m_settings(settings),
-    m_faults(faults),
+    m_faults(store ? &store->commandFaults() : &m_noFaults),
     m_delay(delay)
 {
 }
@@ -97,18 +99,8 @@ int Interpreter::run(const std::vector<std::string> &lines)
         if (m_delay > 0) {
             m_out.pause(m_delay);
         }
-        std::string const body = trim(raw);
-        Result r;
-        if (istartsWith(body, "select manager ") || istartsWith(body, "select manager\t")) {
-            r = loginLine(body);
-        } else {
-            m_out.line(prompt() + raw);
-            if (istartsWith(body, "exit") && trim(body.substr(4)).empty()) {
-                return 0;
-            }
-            r = execute(raw);
-        }
-        if (r == Result::Stop) {
+        const Result r = command(raw);
+        if (r == Result::Stop || r == Result::Exit) {
             return 0;
         }
         if (r == Result::Error && m_exitOnError) {
@@ -116,6 +108,35 @@ int Interpreter::run(const std::vector<std::string> &lines)
         }
     }
     return 0;
+}
+
+Interpreter::Result Interpreter::command(const std::string &raw)
+{
+    std::string const body = trim(raw);
+    const bool login = istartsWith(body, "select manager ") || istartsWith(body, "select manager\t");
+    if (!login) {
+        m_out.line(prompt() + raw);
+    }
+    if (m_store) {
+        m_store->beginCommand(login ? History::masked(body) : raw);
+        m_out.beforeNextLine([this] { m_store->commitCommand(); });
+    }
+    m_out.capture(History::kAnswerLines);
+    Result r = Result::Exit;
+    if (login) {
+        r = loginLine(body);
+    } else if (!(istartsWith(body, "exit") && trim(body.substr(4)).empty())) {
+        r = execute(raw);
+    }
+    long long count = 0;
+    std::vector<std::string> answer = m_out.captured(count);
+    if (m_store) {
+        m_out.beforeNextLine(nullptr);
+        m_store->commitCommand();
+        m_store->answer(r == Result::Error ? "error" : (r == Result::Stop ? "stopped" : "ok"), std::move(answer),
+                        count);
+    }
+    return r;
 }
 
 Interpreter::Result Interpreter::loginLine(const std::string &line)
@@ -134,7 +155,7 @@ Interpreter::Result Interpreter::loginLine(const std::string &line)
         std::string const password = rest.substr(passwordAt + 10);
         server = m_world->serverByHost(host);
         ok = server && server->reachable && server->user == user && server->password == password;
-        for (Fault &f : m_faults) {
+        for (Fault &f : *m_faults) {
             if (f.kind != "https" || f.remaining <= 0) {
                 continue;
             }
@@ -194,7 +215,7 @@ bool Interpreter::needSystem()
 
 bool Interpreter::takeFault(const char *kind, const std::string &line, Fault *taken)
 {
-    for (Fault &f : m_faults) {
+    for (Fault &f : *m_faults) {
         if (f.kind != kind || f.remaining <= 0) {
             continue;
         }

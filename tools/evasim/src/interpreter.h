@@ -12,6 +12,7 @@
 namespace evasim {
 
 class ObjectDescriber;
+class RunStore;
 class ObjectWriter;
 class Output;
 class Settings;
@@ -20,9 +21,9 @@ struct Token;
 
 class Interpreter {
 public:
-    // 'world' is null when there is no state yet: then no server answers.
-    // 'faults' are the armed faults that hit single commands; their uses are counted in place.
-    Interpreter(Output &out, World *world, const Settings &settings, std::vector<Fault> &faults, double delay);
+    // 'store' is null when there is no state yet: then no server answers. 'delay' is waited
+    // before each command.
+    Interpreter(Output &out, RunStore *store, const Settings &settings, double delay);
 
     // Gives the exit status: 0, or 1 when ON_ERROR=EXIT_ON_ERROR stopped at an error.
     int run(const std::vector<std::string> &lines);
@@ -33,6 +34,8 @@ private:
     enum class Result { Ok, Error, Stop, Exit };
 
     std::string prompt() const;
+    // One line of the script: echo, the command in its own transaction, its answer in the history.
+    Result command(const std::string &raw);
     Result loginLine(const std::string &line);
     Result execute(const std::string &line);
     Result error(const std::string &message);
@@ -74,9 +77,11 @@ private:
     Result quirk(const char *setting, const std::string &message);
 
     Output &m_out;
+    RunStore *m_store;
     World *m_world;
     const Settings &m_settings;
-    std::vector<Fault> &m_faults;
+    std::vector<Fault> m_noFaults;
+    std::vector<Fault> *m_faults;
     double m_delay;
 
     long long m_server = 0;  // selected manager

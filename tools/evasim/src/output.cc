@@ -38,6 +38,17 @@ Output::~Output()
 
 void Output::line(const std::string &text)
 {
+    if (m_beforeNext) {
+        const std::function<void()> first = std::move(m_beforeNext);
+        m_beforeNext = nullptr;
+        first();
+    }
+    if (m_capturing) {
+        if (m_captured.size() < m_keep) {
+            m_captured.push_back(text);
+        }
+        ++m_captureCount;
+    }
     if (m_separatorOwed) {
         m_buffer += '\n';
     }
@@ -78,6 +89,26 @@ void Output::pause(double seconds)
     if (seconds > 0) {
         std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
     }
+}
+
+void Output::beforeNextLine(std::function<void()> first)
+{
+    m_beforeNext = std::move(first);
+}
+
+void Output::capture(size_t keep)
+{
+    m_capturing = true;
+    m_keep = keep;
+    m_captureCount = 0;
+    m_captured.clear();
+}
+
+std::vector<std::string> Output::captured(long long &count)
+{
+    m_capturing = false;
+    count = m_captureCount;
+    return std::move(m_captured);
 }
 
 void Output::silenceAfter(long long after, double seconds)

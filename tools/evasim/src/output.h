@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace evasim {
 
@@ -25,6 +26,13 @@ public:
 
     long long lines() const { return m_lines; }
 
+    // 'first' runs once, before the next line goes out.
+    void beforeNextLine(std::function<void()> first);
+    // Keeps the lines that go out from now on (the first 'keep' of them) and counts them all.
+    void capture(size_t keep);
+    // Ends the capture: the lines kept, and in 'count' how many went out.
+    std::vector<std::string> captured(long long &count);
+
 private:
     int m_fd;
     std::string m_buffer;
@@ -35,6 +43,11 @@ private:
     long long m_exitAfter = 0;
     int m_exitStatus = 0;
     std::function<void()> m_last;
+    std::function<void()> m_beforeNext;
+    bool m_capturing = false;
+    size_t m_keep = 0;
+    long long m_captureCount = 0;
+    std::vector<std::string> m_captured;
 };
 
 }  // namespace evasim

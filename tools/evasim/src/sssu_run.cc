@@ -1,11 +1,9 @@
 #include "sssu_run.h"
 
-#include "database.h"
-#include "fault_store.h"
 #include "interpreter.h"
 #include "output.h"
+#include "run_store.h"
 #include "settings.h"
-#include "world.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -25,19 +23,15 @@ SssuRun::SssuRun(std::string database, std::string script) :
 
 int SssuRun::run()
 {
-    Settings settings;
-    std::unique_ptr<Database> db;
-    std::vector<Fault> runFaults;
+    std::unique_ptr<RunStore> store;
     struct stat st {};
     if (::stat(m_database.c_str(), &st) == 0) {
-        db = std::make_unique<Database>(m_database, false);
-        // The faults of this run are used up at once, in a transaction of their own, so that a
-        // run that is killed still counts.
-        db->begin();
-        settings.load(*db);
-        runFaults = FaultStore::takeRunFaults(*db);
-        db->commit();
+        store = std::make_unique<RunStore>(m_database, m_script);
     }
+    Settings defaults;
+    const Settings &settings = store ? store->settings() : defaults;
+    const std::vector<Fault> noFaults;
+    const std::vector<Fault> &runFaults = store ? store->runFaults() : noFaults;
 
     std::string versionLine = "Version: " + settings.version() + " ";
     double delay = 0;
@@ -50,6 +44,7 @@ int SssuRun::run()
     }
     for (const Fault &f : runFaults) {
         if (f.kind == "no-output") {
+            store->finish(static_cast<int>(f.status), "no output (fault)");
             return static_cast<int>(f.status);
         }
         if (f.kind == "silence" && f.line <= 0) {
@@ -64,23 +59,16 @@ int SssuRun::run()
         if (f.kind == "delay") {
             delay = f.seconds;
         }
-    }
-
-    World world;
-    std::vector<Fault> commandFaults;
-    bool saved = false;
-    auto save = [&]() {
-        if (!db || saved) {
-            return;
-        }
-        saved = true;
-        world.save(*db);
-        FaultStore::saveUses(*db, commandFaults);
-        db->commit();
-    };
-    for (const Fault &f : runFaults) {
         if (f.kind == "exit-after") {
-            out.exitAfter(f.line, static_cast<int>(f.status), save);
+            // The process ends at once, as if killed: the command in flight is not kept.
+            const int status = static_cast<int>(f.status);
+            RunStore *s = store.get();
+            out.exitAfter(f.line, status, [s, status] {
+                if (s) {
+                    s->abandonCommand();
+                    s->finish(status, "ended by the exit-after fault");
+                }
+            });
         }
     }
 
@@ -94,26 +82,20 @@ int SssuRun::run()
     std::ifstream in(m_script);
     if (!in) {
         out.line("Error: Could not open command file " + m_script);
+        if (store) {
+            store->finish(1, "the script could not be read");
+        }
         return 1;
     }
     std::vector<std::string> lines;
     for (std::string l; std::getline(in, l);) {
         lines.push_back(l);
     }
-
-    if (db) {
-        db->begin();
-        world.load(*db);
-        for (const Fault &f : FaultStore::list(*db)) {
-            if (!f.perRun()) {
-                commandFaults.push_back(f);
-            }
-        }
-    }
-    Interpreter interpreter(out, db ? &world : nullptr, settings, commandFaults, delay);
-    const int status = interpreter.run(lines);
-    save();
+    const int status = Interpreter(out, store.get(), settings, delay).run(lines);
     out.flush();
+    if (store) {
+        store->finish(status);
+    }
     return status;
 }
 

@@ -1,5 +1,5 @@
-// One run of the simulated SSSU: the banner, the script, the state saved in one transaction,
-// and the armed faults of this run.
+// One run of the simulated SSSU: the banner, the script (each command kept as it completes) and
+// the armed faults of this run.
 #ifndef EVASIM_SSSU_RUN_H
 #define EVASIM_SSSU_RUN_H
 
