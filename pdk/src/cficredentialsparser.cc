@@ -5,6 +5,7 @@
 #include "cfistringtool.h"
 #include "cfitracelogfunction.h"
 #include "qorinutil.h"
+#include "qrn_results.h"
 
 namespace qorin_pdk_4_4 {
 
@@ -60,7 +61,7 @@ int CFiCredentialsParser::parse(std::string vendor, std::string product, std::ve
     wmemset(blob, L'\0', wcslen(blob));
     qorin_free_buf(blob, size);
     if (text.empty()) {
-        return 31;
+        return QRN_ERR_EMPTY_CREDENTIALS;
     }
     return parse(text, vendor, product, credentials, openArray);
 }

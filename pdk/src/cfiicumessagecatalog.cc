@@ -4,6 +4,7 @@
 
 #include "cficonfigurationpathtool.h"
 #include "cfistringtool.h"
+#include "qrn_results.h"
 
 namespace qorin_pdk_4_4 {
 
@@ -20,7 +21,7 @@ int CFiIcuMessageCatalog::init()
     ACE_WString directory;
     ACE_WString file;
     if (CFiConfigurationPathTool::getMessageFileInfo(CFiStringTool::wstr2tstr(m_catalogName), directory, file) != 0) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     m_bundlePath = CFiStringTool::tstr2wstr(directory + file);
     UErrorCode status = U_ZERO_ERROR;

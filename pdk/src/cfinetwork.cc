@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "cfistringtool.h"
+#include "qrn_results.h"
 #include "vstring.h"
 
 namespace qorin_pdk_4_4 {
@@ -61,14 +62,14 @@ bool CFiNetwork::compare(const std::string &text, const CFiHostInfo &info)
 int CFiNetwork::IsTokenValid(const std::string &token)
 {
     if (!CFiStringTool::isDigit(token)) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     // Accumulated by hand so that a long run of digits can't overflow; leading zeros are fine.
     int value = 0;
     for (char c : token) {
         value = value * 10 + (c - '0');
         if (value > 255) {
-            return 3;
+            return QRN_ERR_INVALID_ARGUMENT;
         }
     }
     return 0;
@@ -94,12 +95,12 @@ bool CFiNetwork::validateIPAddress(const char *address)
 int CFiNetwork::getHostbyAddr(const char *address, std::string &name)
 {
     if (address == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     in_addr_t raw = inet_addr(address);
     if (raw == INADDR_NONE) {
         name = address;
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     sockaddr_in peer;
     memset(&peer, 0, sizeof peer);
@@ -108,7 +109,7 @@ int CFiNetwork::getHostbyAddr(const char *address, std::string &name)
     char host[NI_MAXHOST];
     if (getnameinfo(reinterpret_cast<sockaddr *>(&peer), sizeof peer, host, sizeof host, nullptr, 0, NI_NAMEREQD) !=
         0) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     name = host;
     return 0;
@@ -117,7 +118,7 @@ int CFiNetwork::getHostbyAddr(const char *address, std::string &name)
 int CFiNetwork::getHostbyName(const char *name, std::string &address)
 {
     if (name == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     addrinfo hints;
     memset(&hints, 0, sizeof hints);
@@ -125,7 +126,7 @@ int CFiNetwork::getHostbyName(const char *name, std::string &address)
     hints.ai_socktype = SOCK_STREAM;
     addrinfo *found = nullptr;
     if (getaddrinfo(name, nullptr, &hints, &found) != 0 || found == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     const auto *bytes =
         reinterpret_cast<const unsigned char *>(&reinterpret_cast<sockaddr_in *>(found->ai_addr)->sin_addr.s_addr);
@@ -139,7 +140,7 @@ int CFiNetwork::getHostbyName(const char *name, std::string &address)
 int CFiNetwork::getFQDN(const char *host, std::string &fqdn)
 {
     if (host == nullptr || *host == '\0') {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     std::string lowered = CFiStringTool::tostrlower(host);
     std::string name;

@@ -14,6 +14,7 @@
 #include "cfistringtool.h"
 #include "cfitracelogfunction.h"
 #include "cfiudid.h"
+#include "qrn_results.h"
 
 namespace qorin_pdk_4_4 {
 
@@ -163,12 +164,12 @@ int CFiPblmOps::allocLunNumEle(lunNum **out)
     // The bits below the minimum are never offered.
     if (m_min > MAP_SLOTS) {
         trace(1, "CFiPblmOps::allocLunNumEle: new memory allocation failure.");
-        return 5;
+        return QRN_ERR_NO_MEMORY;
     }
     auto *element = new (std::nothrow) lunNum;
     if (element == nullptr) {
         trace(1, "CFiPblmOps::allocLunNumEle: new memory allocation failure.");
-        return 5;
+        return QRN_ERR_NO_MEMORY;
     }
     element->next = m_head;
     for (unsigned n = 0; n < m_min; ++n) {
@@ -195,14 +196,14 @@ int CFiPblmOps::getCacheRecord(const char *path, std::vector<std::string> &value
     FILE *file = path != nullptr ? ACE_OS::fopen(path, "r") : nullptr;
     if (file == nullptr) {
         trace(1, "CFiPblmOps::getCacheRecord ERROR: fopen failure file=[%s]\n", nz(path));
-        return 26;
+        return QRN_ERR_CACHE_RECORD;
     }
     char line[kRecordLineBytes];
     char *read = ACE_OS::fgets(line, sizeof line, file);
     ACE_OS::fclose(file);
     if (read == nullptr) {
         trace(1, "CFiPblmOps::getCacheRecord ERROR: fgets failure with file=[%s]\n", nz(path));
-        return 26;
+        return QRN_ERR_CACHE_RECORD;
     }
     values.emplace_back(line);
     trace(6, "CFiPblmOps::getCacheRecord got Cache Record=[%s]\n", line);
@@ -214,7 +215,7 @@ int CFiPblmOps::getKeyValue(const char *key, std::vector<std::string> &values)
     CFiTraceLogFunction traceFunction(m_traceLog, "qorin_pdk_4_4::CFiPblmOps::getKeyValue");
     if (key == nullptr) {
         trace(1, "CFiPblmOps::getKeyValue ERROR: key is NULL");
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     if (!exists(key)) {
         trace(6, "CFiPblmOps::getKeyValue No Cache Record");
@@ -244,26 +245,26 @@ int CFiPblmOps::setKeyValue(const char *key, std::vector<std::string> values, co
     CFiTraceLogFunction traceFunction(m_traceLog, "qorin_pdk_4_4::CFiPblmOps::setKeyValue");
     if (key == nullptr) {
         trace(1, "CFiPblmOps::setKeyValue ERROR: fopen failure file=[%s]\n", nz(key));
-        return 26;
+        return QRN_ERR_CACHE_RECORD;
     }
     if (values.empty()) {
         trace(1, "CFiPblmOps::setKeyValue ERROR: no value to store in file=[%s]\n", key);
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     WriteStep step = replaceFile(key, values.front());
     if (step == WRITE_OPEN) {
         trace(1, "CFiPblmOps::setKeyValue ERROR: fopen failure file=[%s]\n", key);
-        return 26;
+        return QRN_ERR_CACHE_RECORD;
     }
     if (step == WRITE_DATA) {
         trace(1, "CFiPblmOps::setKeyValue ERROR: fputs failure with file=[%s]\n", key);
-        return 26;
+        return QRN_ERR_CACHE_RECORD;
     }
     // The record stands from here on, whatever the map says.
     if (enclosureId == nullptr) {
         trace(2, "CFiPblmOps::setKeyValue : No entry to be set in the bit Map because enclosureId is passed as "
                  "NULL.\n");
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     Guard guard(m_lock);
     lunNum *element = nullptr;
@@ -427,7 +428,7 @@ int CFiPblmOps::rmCacheRecord(const char *key)
     CFiTraceLogFunction traceFunction(m_traceLog, "qorin_pdk_4_4::CFiPblmOps::rmCacheRecord");
     if (key == nullptr) {
         trace(1, "INFO:CFiPblmOps::rmCacheRecord - key is empty, nothing to remove.");
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     if (!exists(key)) {
         return 0;
@@ -473,17 +474,17 @@ int CFiPblmOps::rmLunCacheRecord(const char *enclosureId, unsigned lun)
     CFiTraceLogFunction traceFunction(m_traceLog, "qorin_pdk_4_4::CFiPblmOps::rmLunCacheRecord");
     if (enclosureId == nullptr) {
         trace(1, "INFO:CFiPblmOps::rmLunCacheRecord - enclId is empty, cannot identify the cache record.");
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     Guard guard(m_lock);
     if (!inRange(static_cast<long>(lun))) {
         trace(1, "CFiPblmOps::rmLunCacheRecord invalid lun num [%d] specified.\n", static_cast<int>(lun));
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     if (!refreshCache(enclosureId, &lun)) {
         trace(1, "CFiPblmOps::rmLunCacheRecord refreshCache returned failure for lun num [%d].\n",
               static_cast<int>(lun));
-        return 1;
+        return QRN_ERR_NOT_DONE;
     }
     return 0;
 }
@@ -523,7 +524,7 @@ int CFiPblmOps::makeKey(const char *tree, const std::string &udid, std::string &
     std::string root = getCacheRoot();
     if (root.empty()) {
         trace(1, "CFiPblmOps: no cache location: the install root is not known");
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     std::string directory = root + tree + component(parsed.getEnclosure(), false) + "/";
     if (!makeDirectories(directory)) {

@@ -6,6 +6,7 @@
 #include "cfisessionmanager.h"
 #include "cfistringtool.h"
 #include "cfitracelogfunction.h"
+#include "qrn_results.h"
 
 namespace qorin_pdk_4_4 {
 
@@ -81,7 +82,7 @@ int CFiPluginBase::config(qrn_domain *, int, char *, qrn_confspec *)
 {
     PLUGIN_BASE_TRACE("config");
     // No node has private data to hold its parameters yet.
-    return 3;
+    return QRN_ERR_INVALID_ARGUMENT;
 }
 
 int CFiPluginBase::initAltNode(qrn_domain *, qrn_domain *, qrn_domain *, bool)
@@ -220,19 +221,19 @@ void CFiPluginBase::unquiesce(qrn_quiescenode **, int)
 int CFiPluginBase::make(char *, qrn_splitnode **, int, qorin_objid ***, int *)
 {
     PLUGIN_BASE_TRACE("make");
-    return 4;
+    return QRN_ERR_NOT_PROVIDED;
 }
 
 int CFiPluginBase::makeSnapshots(CFiSessionPtr &)
 {
     PLUGIN_BASE_TRACE("makeSnapshots");
-    return 4;
+    return QRN_ERR_NOT_PROVIDED;
 }
 
 int CFiPluginBase::prepare(char *, qrn_splitnode **, int, int)
 {
     PLUGIN_BASE_TRACE("prepare");
-    return 4;
+    return QRN_ERR_NOT_PROVIDED;
 }
 
 int CFiPluginBase::prepareSnapshots(CFiSessionPtr &)
@@ -244,7 +245,7 @@ int CFiPluginBase::prepareSnapshots(CFiSessionPtr &)
 int CFiPluginBase::select(char *, qrn_splitnode **, int)
 {
     PLUGIN_BASE_TRACE("select");
-    return 4;
+    return QRN_ERR_NOT_PROVIDED;
 }
 
 int CFiPluginBase::selectSnapshots(CFiSessionPtr &)
@@ -297,7 +298,7 @@ int CFiPluginBase::enumerateNodes(qrn_node_list **out, int *, int, wchar_t *)
 {
     PLUGIN_BASE_TRACE("enumerateNodes");
     if (out == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     *out = nullptr;
     return 0;
@@ -307,7 +308,7 @@ int CFiPluginBase::enumerateAssociations(qrn_assoc_list **out)
 {
     PLUGIN_BASE_TRACE("enumerateAssociations");
     if (out == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     *out = nullptr;
     return 0;
@@ -317,7 +318,7 @@ int CFiPluginBase::enumerateGroupNodes(qrn_group_node_list **out)
 {
     PLUGIN_BASE_TRACE("enumerateGroupNodes");
     if (out == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     *out = nullptr;
     return 0;
@@ -335,14 +336,14 @@ int CFiPluginBase::enumerateFims(qrn_fim_list **out)
 int CFiPluginBase::isValidNodeAssociation(qrn_assoc *, int *)
 {
     PLUGIN_BASE_TRACE("isValidNodeAssociation");
-    return 4;
+    return QRN_ERR_NOT_PROVIDED;
 }
 
 int CFiPluginBase::getAssociatedNodes(qrn_node *, qrn_node_list **out)
 {
     PLUGIN_BASE_TRACE("getAssociatedNodes");
     if (out == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     *out = nullptr;
     return 0;
@@ -351,7 +352,7 @@ int CFiPluginBase::getAssociatedNodes(qrn_node *, qrn_node_list **out)
 int CFiPluginBase::checkNodeExistence(qrn_domain *, int *)
 {
     PLUGIN_BASE_TRACE("checkNodeExistence");
-    return 4;
+    return QRN_ERR_NOT_PROVIDED;
 }
 
 int32_t CFiPluginBase::objctl(std::wstring, CFiObjctlArgs &)
@@ -410,7 +411,7 @@ int CFiPluginBase::enableAccess(qrn_node_subobj_list *list, int32_t, int, int)
 {
     PLUGIN_BASE_TRACE("enableAccess");
     if (list == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     for (; list != nullptr; list = list->next) {
         if (list->node != nullptr) {
@@ -424,7 +425,7 @@ int CFiPluginBase::disableAccess(qrn_node_subobj_list *list, int32_t)
 {
     PLUGIN_BASE_TRACE("disableAccess");
     if (list == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     for (; list != nullptr; list = list->next) {
         if (list->node != nullptr) {
@@ -437,7 +438,7 @@ int CFiPluginBase::disableAccess(qrn_node_subobj_list *list, int32_t)
 int CFiPluginBase::restore(qorin_objid **, qorin_objid **, int32_t, wchar_t *, wchar_t *, int32_t, int32_t *)
 {
     PLUGIN_BASE_TRACE("restore");
-    return 4;
+    return QRN_ERR_NOT_PROVIDED;
 }
 
 int CFiPluginBase::resync(qorin_objid **, qorin_objid **, int32_t, wchar_t *, wchar_t *, int32_t, int32_t *)

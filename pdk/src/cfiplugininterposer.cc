@@ -9,6 +9,7 @@
 #include "cfitracelogfunction.h"
 #include "cfiudid.h"
 #include "qorinutil.h"
+#include "qrn_results.h"
 
 namespace qorin_pdk_4_4 {
 
@@ -70,7 +71,7 @@ void CFiPluginInterposer::setDefaultNodeType(int type)
 int CFiPluginInterposer::importNode(std::wstring, std::vector<std::wstring>, bool, bool, bool, int)
 {
     INTERPOSER_TRACE("importNode");
-    return 4;
+    return QRN_ERR_NOT_PROVIDED;
 }
 
 void CFiPluginInterposer::addFim(std::string pattern, std::string method, std::string quiesce, int flags,
@@ -211,7 +212,7 @@ int CFiPluginInterposer::initNode(qrn_domain *node, qrn_domain **, int, qorin_ob
 {
     INTERPOSER_TRACE("initNode");
     if (node == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     try {
         const wchar_t *text = node->id != nullptr ? node->id->text : nullptr;
@@ -251,7 +252,7 @@ int CFiPluginInterposer::initNode(qrn_domain *node, qrn_domain **, int, qorin_ob
         return 0;
     } catch (...) {
         trace(1, "ERROR: Caught unhandled exception at %s, %d", __FILE__, __LINE__);
-        return 6;
+        return QRN_ERR_FAILED;
     }
 }
 
@@ -330,7 +331,7 @@ int CFiPluginInterposer::checkNodeExistence(qrn_domain *node, int *exists)
 {
     INTERPOSER_TRACE("checkNodeExistence");
     if (m_fimsByPattern.empty()) {
-        return 4;
+        return QRN_ERR_NOT_PROVIDED;
     }
     if (exists != nullptr) {
         *exists = node != nullptr && isInterposerNode(textOf(node->id)) ? 1 : 0;
@@ -343,7 +344,7 @@ int CFiPluginInterposer::initAltNode(qrn_domain *source, qrn_domain *, qrn_domai
     INTERPOSER_TRACE("initAltNode");
     if (target == nullptr) {
         trace(1, "ERROR: initAltNode(): target node is invalid.");
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     CFiPrivateDataFactoryPtr factory = privateDataFactory();
     if (!factory.isNull()) {
@@ -367,7 +368,7 @@ int CFiPluginInterposer::importTreeNode(qrn_domain *node, qorin_objid **, qorin_
     INTERPOSER_TRACE("importTreeNode");
     if (node == nullptr || node->importId == nullptr || node->importId->text == nullptr) {
         trace(1, "Error: Invalid input arguments to importTreeNode");
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     std::wstring text = node->importId->text;
     CFiPrivateDataFactoryPtr factory = privateDataFactory();
@@ -383,12 +384,12 @@ int CFiPluginInterposer::importTreeNode(qrn_domain *node, qorin_objid **, qorin_
 int CFiPluginInterposer::checkResource(const wchar_t *resource)
 {
     if (resource == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     try {
         CFiUdid udid(resource);
     } catch (const CFiUdidException &) {
-        return 21;
+        return QRN_ERR_BAD_UDID;
     }
     return 0;
 }
@@ -414,7 +415,7 @@ int CFiPluginInterposer::importResource(wchar_t **, wchar_t *resource, wchar_t *
     }
     const std::vector<std::wstring> hosts = hostList(host, "importResource");
     if (flags & kImportNotProvided) {
-        return 4;
+        return QRN_ERR_NOT_PROVIDED;
     }
     if (flags & kImportAll) {
         return importNode(resource, hosts, false, false, false, 2);
@@ -422,7 +423,7 @@ int CFiPluginInterposer::importResource(wchar_t **, wchar_t *resource, wchar_t *
     if (flags & kImportSingleHost) {
         return importNode(resource, hosts, false, true, false, 2);
     }
-    return 6;
+    return QRN_ERR_FAILED;
 }
 
 int CFiPluginInterposer::deportResource(wchar_t *resource, wchar_t *host, wchar_t *, wchar_t *, int flags)
@@ -442,7 +443,7 @@ int CFiPluginInterposer::deportResource(wchar_t *resource, wchar_t *host, wchar_
         return importNode(resource, hosts, false, false, true, 2);
     }
     if (flags & kDeportNotProvided) {
-        return 4;
+        return QRN_ERR_NOT_PROVIDED;
     }
     return 0;
 }

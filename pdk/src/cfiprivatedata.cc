@@ -4,6 +4,7 @@
 
 #include "cfistringtool.h"
 #include "qorinutil.h"
+#include "qrn_results.h"
 
 namespace qorin_pdk_4_4 {
 
@@ -123,7 +124,7 @@ int CFiPrivateData::setNodeState(qrn_blob *)
 int CFiPrivateData::getNodeState(qrn_blob *blob)
 {
     if (blob == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     const wchar_t *name = getObjName();
     std::string text = "<NODE_NAME>" + CFiStringTool::wstr2str(name != nullptr ? name : L"") + "</NODE_NAME>\n" +
@@ -133,7 +134,7 @@ int CFiPrivateData::getNodeState(qrn_blob *blob)
     size_t bytes = (wide.size() + 1) * sizeof(wchar_t);
     void *data = qorin_alloc_buf(bytes);
     if (data == nullptr) {
-        return 5;
+        return QRN_ERR_NO_MEMORY;
     }
     memcpy(data, wide.c_str(), bytes);
     blob->length = bytes;
@@ -201,7 +202,7 @@ void CFiPrivateData::setOwnerGID(int32_t owner, int32_t group)
 int CFiPrivateData::getOwnerGID(qrn_ownergid *out) const
 {
     if (out == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     out->owner = m_owner;
     out->group = m_group;

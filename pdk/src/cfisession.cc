@@ -2,6 +2,7 @@
 
 #include "cfistringtool.h"
 #include "qorinutil.h"
+#include "qrn_results.h"
 
 namespace qorin_pdk_4_4 {
 
@@ -48,7 +49,7 @@ int CFiSession::setTarget(const std::wstring &name, const std::wstring &target)
 {
     auto it = m_entries.find(CFiStringTool::wstr2str(name));
     if (it == m_entries.end()) {
-        return 19;
+        return QRN_ERR_NOT_IN_SESSION;
     }
     it->second.target = target;
     it->second.done = 1;
@@ -74,7 +75,7 @@ int CFiSession::getTargets(qrn_splitnode **list, int count, qorin_objid ***out, 
 int CFiSession::makeIdArray(const std::vector<std::wstring> &texts, uint32_t flags, qorin_objid ***out, int *outCount)
 {
     if (out == nullptr || outCount == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     *out = nullptr;
     *outCount = static_cast<int>(texts.size());
@@ -84,7 +85,7 @@ int CFiSession::makeIdArray(const std::vector<std::wstring> &texts, uint32_t fla
     size_t bytes = texts.size() * sizeof(qorin_objid *);
     auto **array = static_cast<qorin_objid **>(qorin_alloc_buf(bytes));
     if (array == nullptr) {
-        return 5;
+        return QRN_ERR_NO_MEMORY;
     }
     for (size_t i = 0; i < texts.size(); ++i) {
         auto size = static_cast<uint32_t>((texts[i].size() + 1) * sizeof(wchar_t));
@@ -92,7 +93,7 @@ int CFiSession::makeIdArray(const std::vector<std::wstring> &texts, uint32_t fla
         if (array[i] == nullptr) {
             qorin_free_buf(array, bytes);
             *out = nullptr;
-            return 5;
+            return QRN_ERR_NO_MEMORY;
         }
     }
     *out = array;

@@ -18,6 +18,7 @@
 #include "cfierror.h"
 #include "cfierrormanager.h"
 #include "cfistringtool.h"
+#include "qrn_results.h"
 #include "vstring.h"
 
 namespace qorin_pdk_4_4 {
@@ -37,13 +38,13 @@ qrn_eseverity severityOfLevel(int level)
 {
     switch (level) {
     case 1:
-        return 3;
+        return QRN_SEVERITY_ERROR;
     case 2:
-        return 2;
+        return QRN_SEVERITY_WARNING;
     case 3:
-        return 1;
+        return QRN_SEVERITY_INFO;
     default:
-        return 4;
+        return QRN_SEVERITY_DETAIL;
     }
 }
 

@@ -13,6 +13,7 @@
 #include "cfistringtool.h"
 #include "hpeva_cliexception.h"
 #include "hpeva_clitool.h"
+#include "qrn_results.h"
 
 using namespace qorin_pdk_4_4;
 using arraycli::scriptOf;
@@ -105,7 +106,7 @@ TEST_F(ArrayCli, VersionFromTheBannerAlone)
     EXPECT_EQ(array.script(1), scriptOf("", "", {}));
 
     array.evasim("fault banner --text 'Version: 9.2.0 '");
-    EXPECT_EQ(tool.checkVersion(), 30);
+    EXPECT_EQ(tool.checkVersion(), QRN_ERR_INIT_FAILED);
     array.evasim("fault banner --text 'SSSU v5.0'");
     EXPECT_EQ(tool.checkVersion(), 0);
 }
@@ -181,7 +182,7 @@ TEST_F(ArrayCli, CellDetailInBytesAndTheCellFound)
     EXPECT_EQ(CHpEvaCliTool::findCell("5000-1fe1-5000-0001", cells, found), 0);
     EXPECT_EQ(found.cellname, L"EVA01");
     SHpEvaCell untouched = small;
-    EXPECT_EQ(CHpEvaCliTool::findCell("5000-1FE1-5000-0009", cells, untouched), 20);
+    EXPECT_EQ(CHpEvaCliTool::findCell("5000-1FE1-5000-0009", cells, untouched), QRN_ERR_NO_SUCH_CELL);
     EXPECT_EQ(untouched.cellname, L"EVA03");
 }
 
@@ -251,7 +252,7 @@ TEST_F(ArrayCli, MachineNameOnTheArray)
     EXPECT_EQ(name, "\\Hosts\\lab\\rack\\" + me);
 
     name = "kept";
-    EXPECT_EQ(tool.getSSSUHostName(eva01, name, "tamlin-nomatch.invalid"), 6);
+    EXPECT_EQ(tool.getSSSUHostName(eva01, name, "tamlin-nomatch.invalid"), QRN_ERR_FAILED);
     EXPECT_EQ(name, "kept");
     EXPECT_EQ(array.script(3), scriptOf(LOGIN_A, "EVA01", {"LS HOST"}));
 }

@@ -14,6 +14,7 @@
 #include "cfiicumessagecatalogfactory.h"
 #include "cfimessagecatalogmanager.h"
 #include "cfistringtool.h"
+#include "qrn_results.h"
 #include "temp_install_root.h"
 
 using namespace qorin_pdk_4_4;
@@ -31,7 +32,8 @@ bool startsWith(const std::wstring &text, const std::wstring &prefix)
 CFiMessagePtr noCredentials(const std::string &path)
 {
     icu::Formattable arg(CFiStringTool::str2ustr(path));
-    return CFiMessagePtr(new CFiIcuMessage("MSG_ERROR_NO_CREDENTIALS", &arg, 1, 2, "tests/catalogs", 1));
+    return CFiMessagePtr(
+        new CFiIcuMessage("MSG_ERROR_NO_CREDENTIALS", &arg, 1, QRN_SEVERITY_WARNING, "tests/catalogs", 1));
 }
 
 // A bundle under Messages/ and a manager with the provider's factory.
@@ -60,14 +62,14 @@ TEST(IcuCatalog, InitFollowsTheBundleStatus)
         // ICU remembers a bundle it didn't find: this root is never given one.
         TempInstallRoot empty;
         CFiIcuMessageCatalog missing("root", L"tamlin");
-        EXPECT_EQ(missing.init(), 3) << "no bundle installed";
+        EXPECT_EQ(missing.init(), QRN_ERR_INVALID_ARGUMENT) << "no bundle installed";
         EXPECT_EQ(missing.getMessage("MSG_ERROR_NO_CREDENTIALS", nullptr), L"tamlin: <MSG_ERROR_NO_CREDENTIALS>");
         EXPECT_EQ(missing.getMessage("MSG_ERROR_NO_CREDENTIALS", L"fallback"), L"fallback");
     }
     {
         TempInstallRoot nowhere;
         nowhere.setEnv("QORIN_INSTALL_ROOT", std::nullopt);
-        EXPECT_EQ(CFiIcuMessageCatalog("root", L"tamlin").init(), 3) << "no install directory";
+        EXPECT_EQ(CFiIcuMessageCatalog("root", L"tamlin").init(), QRN_ERR_INVALID_ARGUMENT) << "no install directory";
     }
 
     TempInstallRoot root;
@@ -85,7 +87,7 @@ TEST(IcuCatalog, InitFollowsTheBundleStatus)
     EXPECT_EQ(unknown.init(), 0) << "ICU's default serves a language it doesn't have";
     EXPECT_TRUE(startsWith(unknown.getMessage("MSG_ERROR_NO_CREDENTIALS", nullptr), kNoCredentialsRoot));
     CFiIcuMessageCatalog regional("de_AT", L"tamlin");
-    EXPECT_EQ(regional.init(), 3) << "served only through its parent";
+    EXPECT_EQ(regional.init(), QRN_ERR_INVALID_ARGUMENT) << "served only through its parent";
 }
 
 TEST_F(Catalogs, LanguagesAndTheirFallbacks)
@@ -180,7 +182,7 @@ TEST_F(Catalogs, MessagesAreFormattedWithTheirArguments)
     icu::Formattable args[] = {icu::Formattable(static_cast<int32_t>(12345)),
                                icu::Formattable(CFiStringTool::str2ustr("providers/hpeva/hpeva_plugin")),
                                icu::Formattable(static_cast<int32_t>(1234))};
-    CFiMessagePtr internal(new CFiIcuMessage("MSG_ERROR_UNHANDLED_INT_EXCEPTION", args, 3, 3, "x", 1));
+    CFiMessagePtr internal(new CFiIcuMessage("MSG_ERROR_UNHANDLED_INT_EXCEPTION", args, 3, QRN_SEVERITY_ERROR, "x", 1));
     std::wstring text = manager->getLocalizedMessage(internal, "root");
     EXPECT_NE(text.find(L"12345"), std::wstring::npos) << CFiStringTool::wstr2str(text);
     EXPECT_NE(text.find(L"providers/hpeva/hpeva_plugin, line 1234."), std::wstring::npos)

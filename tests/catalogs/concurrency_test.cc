@@ -21,6 +21,7 @@
 #include "cfimessagecatalogmanager.h"
 #include "cfistringtool.h"
 #include "cfitracelog.h"
+#include "qrn_results.h"
 #include "temp_install_root.h"
 
 using namespace qorin_pdk_4_4;
@@ -80,8 +81,8 @@ TEST(Concurrency, EightThreadsTracingAndPushing)
             for (int i = 0; std::chrono::steady_clock::now() < end; ++i) {
                 std::string disk = "disk-" + std::to_string(t) + "-" + std::to_string(i);
                 icu::Formattable arg(CFiStringTool::str2ustr(disk));
-                errors->pushError(CFiMessagePtr(
-                    new CFiIcuMessage("MSG_ERROR_VSNAP_CREATION_FAILED", &arg, 1, 3, "tests/catalogs", __LINE__)));
+                errors->pushError(CFiMessagePtr(new CFiIcuMessage("MSG_ERROR_VSNAP_CREATION_FAILED", &arg, 1,
+                                                                  QRN_SEVERITY_ERROR, "tests/catalogs", __LINE__)));
 
                 const qrn_msg_info *info = errors->getLastError();
                 std::string serialised = info != nullptr ? std::string(info->text, info->length) : "";

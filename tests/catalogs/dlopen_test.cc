@@ -9,6 +9,7 @@
 
 #include "host_context.h"
 #include "provider_fixture.h"
+#include "qrn_results.h"
 #include "temp_install_root.h"
 #include "text.h"
 
@@ -111,7 +112,7 @@ TEST(CatalogsThroughDlopen, GermanHostGetsGermanAndDefaultTexts)
     prepare(root, true);
     Host host("de");
     uint16_t version[4] = {};
-    EXPECT_EQ(provider()->init(host.context.get(), version), 30) << "no SSSU there";
+    EXPECT_EQ(provider()->init(host.context.get(), version), QRN_ERR_INIT_FAILED) << "no SSSU there";
 
     const std::wstring dir = wide(root.path("nosssu/"));
     std::vector<Call> messages = host.messages();

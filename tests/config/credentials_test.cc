@@ -10,6 +10,7 @@
 #include "cfierrormanager.h"
 #include "cfistringtool.h"
 #include "cfitracelog.h"
+#include "qrn_results.h"
 #include "temp_install_root.h"
 
 using namespace qorin_pdk_4_4;
@@ -178,7 +179,7 @@ TEST(CredentialsParser, FrameworkBlobMissingOrEmpty)
     EXPECT_EQ(CFiCredentialsParser().parse("HP", "HSV", list, false), 0) << "no blob is no failure";
     EXPECT_EQ(list.size(), 1u);
     root.writeFile("credentials.blob", "");
-    EXPECT_EQ(CFiCredentialsParser().parse("HP", "HSV", list, false), 31);
+    EXPECT_EQ(CFiCredentialsParser().parse("HP", "HSV", list, false), QRN_ERR_EMPTY_CREDENTIALS);
     root.writeFile("credentials.blob", kBlob);
     EXPECT_EQ(CFiCredentialsParser().parse("HP", "HSV", list, false), 0);
     ASSERT_EQ(list.size(), 2u);

@@ -17,6 +17,7 @@
 #include "host_context.h"
 #include "provider_fixture.h"
 #include "provider_install.h"
+#include "qrn_results.h"
 #include "result_lists.h"
 #include "text.h"
 
@@ -262,7 +263,7 @@ TEST_F(Provider, FilterKeysSelectCellsAndDisks)
     // Any login from here on would use up the armed fault.
     ASSERT_EQ(evasim("fault https --count 5").status, 0);
     std::vector<Disk> none;
-    EXPECT_EQ(disks(none, 0, L"enclosure_name=NOWHERE"), 3);
+    EXPECT_EQ(disks(none, 0, L"enclosure_name=NOWHERE"), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_TRUE(none.empty());
     EXPECT_EQ(table("faults").at(0).at("remaining"), "5") << "an enclosure that no cell is asks no array";
 }
@@ -329,7 +330,7 @@ TEST_F(Provider, ASingleDiskByItsUdid)
     EXPECT_TRUE(diskNames(0, filter.c_str()).empty()) << "the vendor part is compared exactly";
 
     std::vector<Disk> bad;
-    EXPECT_EQ(disks(bad, 0, L"udid="), 6);
+    EXPECT_EQ(disks(bad, 0, L"udid="), QRN_ERR_FAILED);
     EXPECT_EQ(lastErrorKey(), "MSG_ERROR_UDID_PARSING_EXCEPTION");
 }
 
@@ -344,7 +345,7 @@ TEST_F(Provider, ACellThatFailsFourTimesEndsTheListingAndKeepsEarlierCells)
 
     ASSERT_EQ(evasim("fault error --match \"LS VDISK\" --cell EVA02 --count 4").status, 0);
     std::vector<Disk> partial;
-    EXPECT_EQ(disks(partial), 6);
+    EXPECT_EQ(disks(partial), QRN_ERR_FAILED);
     std::set<std::string> cells;
     for (const Disk &d : partial) {
         cells.insert(d.name.substr(0, d.name.find("##", 9)));
@@ -431,7 +432,7 @@ TEST_F(Provider, NoServerThatAnswersFailsTheFirstEntryAndTheNextGoesOn)
     Site site({{"cvdown", "admin", "secret"}});
     ASSERT_EQ(start(), 0) << "init needs no array";
     std::vector<Disk> none;
-    EXPECT_EQ(disks(none), 1);
+    EXPECT_EQ(disks(none), QRN_ERR_DELAYED_INIT);
     EXPECT_EQ(lastErrorKey(), "MSG_ERROR_NO_ARRAYS_DISCOVERED");
     qrn_enclosure_node_list *list = nullptr;
     int32_t count = 0;
@@ -445,13 +446,13 @@ TEST_F(Provider, AnUnknownSssuVersionFailsTheFirstEntryOnly)
     ASSERT_EQ(evasim("set version=1.0.0").status, 0);
     ASSERT_EQ(start(), 0);
     std::vector<Disk> none;
-    EXPECT_EQ(disks(none), 1);
+    EXPECT_EQ(disks(none), QRN_ERR_DELAYED_INIT);
     EXPECT_EQ(lastErrorKey(), "MSG_ERROR_VERSION_CHECK");
     qrn_enclosure_node_list *list = nullptr;
     int32_t count = 0;
     EXPECT_EQ(provider()->enumerate_enclosures(&list, &count, nullptr), 0) << "the next entry goes on";
     EXPECT_EQ(count, 0);
-    EXPECT_EQ(disks(none), 3) << "with no cell found, no enclosure passes";
+    EXPECT_EQ(disks(none), QRN_ERR_INVALID_ARGUMENT) << "with no cell found, no enclosure passes";
 }
 
 TEST_F(Provider, StartFailsWhenSssuOrCredentialsAreMissing)
@@ -459,20 +460,20 @@ TEST_F(Provider, StartFailsWhenSssuOrCredentialsAreMissing)
     {
         Site site({kCv1});
         site.writeConfig("[CLI_TOOL_INFO]\n\"FILEPATH\"=\"" + site.root().path("absent/") + "\"\n");
-        EXPECT_EQ(start(), 30);
+        EXPECT_EQ(start(), QRN_ERR_INIT_FAILED);
         EXPECT_EQ(lastErrorKey(), "MSG_ERROR_CLI_NOT_INSTALLED");
         provider()->fini();
     }
     {
         Site site({kCv1});
         site.writeConfig("[CLI_TOOL_INFO]\n\"FILEPATH\"=\"" + site.sssuDir() + "\"\n\"FILENAME\"=\"sssu.exe\"\n");
-        EXPECT_EQ(start(), 30);
+        EXPECT_EQ(start(), QRN_ERR_INIT_FAILED);
         EXPECT_EQ(lastErrorKey(), "MSG_ERROR_CLI_NOT_FOUND");
         provider()->fini();
     }
     {
         Site site({});
-        EXPECT_EQ(start(), 30);
+        EXPECT_EQ(start(), QRN_ERR_INIT_FAILED);
         EXPECT_EQ(lastErrorKey(), "MSG_ERROR_NO_CREDENTIALS");
         ASSERT_FALSE(messages.empty());
         bool named = false;

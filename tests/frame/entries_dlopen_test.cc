@@ -13,6 +13,7 @@
 #include "provider_fixture.h"
 #include "provider_install.h"
 #include "qorinutil.h"
+#include "qrn_results.h"
 #include "result_lists.h"
 
 namespace {
@@ -67,21 +68,21 @@ TEST_F(Entries, ClaimWithAnyNullArgumentIsNotClaimed)
 
 TEST_F(Entries, NullOutParametersGiveThree)
 {
-    EXPECT_EQ(lib()->get_provider_info(nullptr), 3);
-    EXPECT_EQ(lib()->enumerate_nodes(nullptr, nullptr, 0, nullptr), 3);
+    EXPECT_EQ(lib()->get_provider_info(nullptr), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(lib()->enumerate_nodes(nullptr, nullptr, 0, nullptr), QRN_ERR_INVALID_ARGUMENT);
     qrn_domain node = blankNode();
     qorin_objid **ids = nullptr;
     int32_t count = 0;
-    EXPECT_EQ(lib()->subobj_list(nullptr, &ids, &count), 3);
-    EXPECT_EQ(lib()->subobj_list(&node, nullptr, &count), 3);
-    EXPECT_EQ(lib()->subobj_list(&node, &ids, nullptr), 3);
+    EXPECT_EQ(lib()->subobj_list(nullptr, &ids, &count), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(lib()->subobj_list(&node, nullptr, &count), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(lib()->subobj_list(&node, &ids, nullptr), QRN_ERR_INVALID_ARGUMENT);
     qrn_confspec spec = {1, 1, nullptr};
-    EXPECT_EQ(lib()->config(nullptr, 1, nullptr, &spec), 3);
-    EXPECT_EQ(lib()->config(&node, 1, nullptr, nullptr), 3);
+    EXPECT_EQ(lib()->config(nullptr, 1, nullptr, &spec), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(lib()->config(&node, 1, nullptr, nullptr), QRN_ERR_INVALID_ARGUMENT);
     wchar_t *names[] = {nullptr};
     wchar_t *out[] = {nullptr};
-    EXPECT_EQ(lib()->translate_resource_names(nullptr, 0, out), 3);
-    EXPECT_EQ(lib()->translate_resource_names(names, 0, nullptr), 3);
+    EXPECT_EQ(lib()->translate_resource_names(nullptr, 0, out), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(lib()->translate_resource_names(names, 0, nullptr), QRN_ERR_INVALID_ARGUMENT);
 }
 
 TEST_F(Entries, ProviderInfoStartsFromAnEmptyList)
@@ -139,7 +140,7 @@ TEST_F(Entries, SelectTakesTheSessionPathAndNeedsASessionId)
     char session[] = "entries-test";
     // The single-node form: no list, count 0, one node.
     EXPECT_EQ(lib()->select(&split, session, nullptr, 0), 0);
-    EXPECT_EQ(lib()->select(&split, nullptr, nullptr, 0), 3);
+    EXPECT_EQ(lib()->select(&split, nullptr, nullptr, 0), QRN_ERR_INVALID_ARGUMENT);
     free(id);
 }
 

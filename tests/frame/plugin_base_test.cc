@@ -10,6 +10,7 @@
 #include "cfimessagecatalogmanager.h"
 #include "cfipluginbase.h"
 #include "cfisession.h"
+#include "qrn_results.h"
 
 using namespace qorin_pdk_4_4;
 
@@ -41,7 +42,7 @@ TEST(DelayedInit, RunsOnceEvenAfterAFailure)
 {
     CFiSmartPtr<TestPlugin> plugin(new TestPlugin);
     plugin->delayedResult = 29;
-    EXPECT_EQ(plugin->invokeDelayedInit(), 29);
+    EXPECT_EQ(plugin->invokeDelayedInit(), QRN_ERR_VERSION_CHECK);
     EXPECT_EQ(plugin->invokeDelayedInit(), 0) << "a failed delayed initialisation is not retried";
     EXPECT_EQ(plugin->delayedRuns, 1);
 }
@@ -69,13 +70,13 @@ TEST(DelayedInit, ConcurrentFirstCallsRunItOnce)
 TEST(PluginDefaults, ListOperationsGuardTheirOutParameter)
 {
     CFiSmartPtr<TestPlugin> plugin(new TestPlugin);
-    EXPECT_EQ(plugin->enumerateNodes(nullptr, nullptr, 0, nullptr), 3);
+    EXPECT_EQ(plugin->enumerateNodes(nullptr, nullptr, 0, nullptr), QRN_ERR_INVALID_ARGUMENT);
     qrn_node_list *nodes = reinterpret_cast<qrn_node_list *>(0x1);
     EXPECT_EQ(plugin->enumerateNodes(&nodes, nullptr, 0, nullptr), 0);
     EXPECT_EQ(nodes, nullptr);
-    EXPECT_EQ(plugin->enumerateAssociations(nullptr), 3);
-    EXPECT_EQ(plugin->enumerateGroupNodes(nullptr), 3);
-    EXPECT_EQ(plugin->getAssociatedNodes(nullptr, nullptr), 3);
+    EXPECT_EQ(plugin->enumerateAssociations(nullptr), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(plugin->enumerateGroupNodes(nullptr), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(plugin->getAssociatedNodes(nullptr, nullptr), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(plugin->enumerateFims(nullptr), 0);
     qrn_fim_list *fims = reinterpret_cast<qrn_fim_list *>(0x1);
     EXPECT_EQ(plugin->enumerateFims(&fims), 0);
@@ -86,18 +87,18 @@ TEST(PluginDefaults, NotProvidedOperationsAnswerFour)
 {
     CFiSmartPtr<TestPlugin> plugin(new TestPlugin);
     char session[] = "s";
-    EXPECT_EQ(plugin->make(session, nullptr, 0, nullptr, nullptr), 4);
-    EXPECT_EQ(plugin->prepare(session, nullptr, 0, 0), 4);
-    EXPECT_EQ(plugin->select(session, nullptr, 0), 4);
+    EXPECT_EQ(plugin->make(session, nullptr, 0, nullptr, nullptr), QRN_ERR_NOT_PROVIDED);
+    EXPECT_EQ(plugin->prepare(session, nullptr, 0, 0), QRN_ERR_NOT_PROVIDED);
+    EXPECT_EQ(plugin->select(session, nullptr, 0), QRN_ERR_NOT_PROVIDED);
     CFiSessionPtr none;
-    EXPECT_EQ(plugin->makeSnapshots(none), 4);
+    EXPECT_EQ(plugin->makeSnapshots(none), QRN_ERR_NOT_PROVIDED);
     EXPECT_EQ(plugin->prepareSnapshots(none), 0);
     EXPECT_EQ(plugin->selectSnapshots(none), 0);
-    EXPECT_EQ(plugin->isValidNodeAssociation(nullptr, nullptr), 4);
-    EXPECT_EQ(plugin->restore(nullptr, nullptr, 0, nullptr, nullptr, 0, nullptr), 4);
+    EXPECT_EQ(plugin->isValidNodeAssociation(nullptr, nullptr), QRN_ERR_NOT_PROVIDED);
+    EXPECT_EQ(plugin->restore(nullptr, nullptr, 0, nullptr, nullptr, 0, nullptr), QRN_ERR_NOT_PROVIDED);
     qrn_domain node = makeNode();
     int32_t exists = 77;
-    EXPECT_EQ(plugin->checkNodeExistence(&node, &exists), 4);
+    EXPECT_EQ(plugin->checkNodeExistence(&node, &exists), QRN_ERR_NOT_PROVIDED);
     EXPECT_EQ(exists, 77);
 }
 
@@ -131,8 +132,8 @@ TEST(PluginDefaults, AccessBitsWalkTheListAndSkipEmptyElements)
     EXPECT_EQ(plugin->enableAccess(&first, 0, 0, 0), 0);
     EXPECT_EQ(a.flags, 0x1u);
     EXPECT_EQ(b.flags, 0x0u);
-    EXPECT_EQ(plugin->enableAccess(nullptr, 0, 0, 0), 3);
-    EXPECT_EQ(plugin->disableAccess(nullptr, 0), 3);
+    EXPECT_EQ(plugin->enableAccess(nullptr, 0, 0, 0), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(plugin->disableAccess(nullptr, 0), QRN_ERR_INVALID_ARGUMENT);
 }
 
 TEST(PluginDefaults, CapabilityProviderStateAndOwnerIds)

@@ -5,6 +5,7 @@
 
 #include "provider_fixture.h"
 #include "provider_install.h"
+#include "qrn_results.h"
 
 namespace {
 
@@ -35,8 +36,8 @@ TEST(FirstCall, InitWithoutVersionBlockCreatesNothing)
     ASSERT_EQ(live(), 0) << "loading the library creates no object";
 
     qrn_host_context host = {};
-    EXPECT_EQ(lib->init(&host, nullptr), 7);
-    EXPECT_EQ(lib->init(nullptr, nullptr), 7);
+    EXPECT_EQ(lib->init(&host, nullptr), QRN_ERR_NO_VERSION_BLOCK);
+    EXPECT_EQ(lib->init(nullptr, nullptr), QRN_ERR_NO_VERSION_BLOCK);
     EXPECT_EQ(live(), 0) << "a refused init creates no singleton";
 
     uint16_t version[4] = {1, 2, 3, 4};

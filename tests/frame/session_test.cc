@@ -8,6 +8,7 @@
 #include "cfisessionmanager.h"
 #include "hpeva_single_node.h"
 #include "qorinutil.h"
+#include "qrn_results.h"
 
 using namespace qorin_pdk_4_4;
 
@@ -65,7 +66,7 @@ TEST(Sessions, SelectThenMakeCarriesTargets)
     EXPECT_EQ(pending[0].method, "HPEVA_Snapclone");
     EXPECT_EQ(session.setTarget(L"UDID##HP##HSV##CELL##DISK1", L"UDID##HP##HSV##CELL##CLONE1"), 0);
     EXPECT_EQ(session.getPendingEntries().size(), 1u);
-    EXPECT_EQ(session.setTarget(L"UDID##HP##HSV##CELL##UNKNOWN", L"x"), 19);
+    EXPECT_EQ(session.setTarget(L"UDID##HP##HSV##CELL##UNKNOWN", L"x"), QRN_ERR_NOT_IN_SESSION);
     EXPECT_EQ(session.getPendingEntries().size(), 1u) << "an unknown name adds nothing";
 
     qorin_objid **out = nullptr;

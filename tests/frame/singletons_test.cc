@@ -8,6 +8,7 @@
 
 #include "hpeva_singletons.h"
 #include "provider_install.h"
+#include "qrn_results.h"
 #include "tamlin_entries.h"
 
 using namespace qorin_pdk_4_4;
@@ -106,6 +107,6 @@ TEST(Singletons, FiniThenInitGivesFreshObjectsWhileSessionsSurvive)
 TEST(Singletons, InitWithoutVersionBlockTouchesNothing)
 {
     int32_t before = CFiRefCount::liveObjects();
-    EXPECT_EQ(tamlin_fi_pgn_init(nullptr, nullptr), 7);
+    EXPECT_EQ(tamlin_fi_pgn_init(nullptr, nullptr), QRN_ERR_NO_VERSION_BLOCK);
     EXPECT_EQ(CFiRefCount::liveObjects(), before);
 }

@@ -10,6 +10,7 @@
 
 #include "provider_fixture.h"
 #include "qorinutil.h"
+#include "qrn_results.h"
 #include "temp_install_root.h"
 
 namespace {
@@ -83,7 +84,7 @@ TEST_F(Interposition, ADiskNodeGetsThePrefixedNameAndTheFourGroups)
     qorin_objid *id = nullptr;
     qorin_objid **groups = nullptr;
     int32_t count = 0;
-    ASSERT_EQ(lib()->interpose(&disk.domain, &id, &groups, &count), 1);
+    ASSERT_EQ(lib()->interpose(&disk.domain, &id, &groups, &count), QRN_INTERPOSED);
     ASSERT_NE(id, nullptr);
     EXPECT_EQ(std::wstring(id->text), L"<tamlin>" + std::wstring(kDisk));
     ASSERT_EQ(count, 4);

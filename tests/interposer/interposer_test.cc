@@ -11,6 +11,7 @@
 #include "cfiplugininterposer.h"
 #include "cfiprivatedatamanager.h"
 #include "qorinutil.h"
+#include "qrn_results.h"
 
 using namespace qorin_pdk_4_4;
 
@@ -123,7 +124,8 @@ TEST(FimTable, GroupsTakeTheirNamesFromTheMethodsAndAnEmptyPatternIsRefused)
     empty->addFim("", "HPEVA_VSnap", "FI_QUIESCE_NONE", 3, "");
     Node node(kDisk);
     int exists = 7;
-    EXPECT_EQ(empty->checkNodeExistence(&node.domain, &exists), 4) << "the refused method left the table empty";
+    EXPECT_EQ(empty->checkNodeExistence(&node.domain, &exists), QRN_ERR_NOT_PROVIDED)
+        << "the refused method left the table empty";
     EXPECT_EQ(exists, 7);
 }
 
@@ -138,7 +140,7 @@ TEST(Interpose, ARealNodeIsInterposedAndOnlyItsInterposerNodeClaimed)
     qorin_objid *id = nullptr;
     qorin_objid **groups = nullptr;
     int groupCount = 0;
-    ASSERT_EQ(plugin->interpose(&disk.domain, &id, &groups, &groupCount), 1);
+    ASSERT_EQ(plugin->interpose(&disk.domain, &id, &groups, &groupCount), QRN_INTERPOSED);
     ASSERT_NE(id, nullptr);
     EXPECT_STREQ(id->text, kInterposed);
     EXPECT_EQ(id->flags, 3u);
@@ -253,7 +255,7 @@ TEST(NodeLifeCycle, ARealNodeGetsPrivateDataButNoMethods)
     Node other(L"UDID##HP##HSV##5000-1FE1##6005-0002");
     plugin->initNode(&other.domain, nullptr, 0, nullptr);
     EXPECT_EQ(other.domain.type, 12u);
-    EXPECT_EQ(plugin->initNode(nullptr, nullptr, 0, nullptr), 3);
+    EXPECT_EQ(plugin->initNode(nullptr, nullptr, 0, nullptr), QRN_ERR_INVALID_ARGUMENT);
     plugin->deInitNode(&disk.domain);
     plugin->deInitNode(&other.domain);
 }
@@ -301,7 +303,7 @@ TEST(Import, AnAlternateNodeIsPresentedToTheSourcesHostsOnlyWhenLocalUntransport
     plugin->importResult = 17;
     Node source(kInterposed);
     Node target(L"UDID##HP##HSV##5000-1FE1##6005-CLONE", 1);
-    EXPECT_EQ(plugin->initAltNode(&source.domain, nullptr, nullptr, false), 3);
+    EXPECT_EQ(plugin->initAltNode(&source.domain, nullptr, nullptr, false), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(plugin->initAltNode(&source.domain, nullptr, &target.domain, false), 0) << "no source data, no import";
     EXPECT_TRUE(plugin->calls.empty());
     EXPECT_EQ(target.domain.type, 1u | 4098u);
@@ -341,11 +343,12 @@ TEST(Import, ATreeNodeIsImportedByTheIdentifierItHandsBack)
     plugin->importResult = 0;
     Node node(kInterposed);
     qorin_objid *out = nullptr;
-    EXPECT_EQ(plugin->importTreeNode(&node.domain, nullptr, nullptr, 0, &out), 3) << "no identifier at 112";
+    EXPECT_EQ(plugin->importTreeNode(&node.domain, nullptr, nullptr, 0, &out), QRN_ERR_INVALID_ARGUMENT)
+        << "no identifier at 112";
     qorin_objid noText = {nullptr, 0, 0};
     node.domain.importId = &noText;
-    EXPECT_EQ(plugin->importTreeNode(&node.domain, nullptr, nullptr, 0, &out), 3);
-    EXPECT_EQ(plugin->importTreeNode(nullptr, nullptr, nullptr, 0, &out), 3);
+    EXPECT_EQ(plugin->importTreeNode(&node.domain, nullptr, nullptr, 0, &out), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(plugin->importTreeNode(nullptr, nullptr, nullptr, 0, &out), QRN_ERR_INVALID_ARGUMENT);
 
     Node copy(L"UDID##HP##HSV##5000-1FE1##6005-COPY");
     node.domain.importId = copy.id;
@@ -414,11 +417,12 @@ TEST(Import, ResourceFormsParseTheIdentityAndRouteByFlags)
     ASSERT_EQ(plugin->calls.size(), 1u);
     EXPECT_TRUE(plugin->calls[0].hosts.empty()) << "no host, no host list";
 
-    EXPECT_EQ(plugin->importResource(nullptr, bad, host, nullptr, 0x1, nullptr, nullptr), 21);
-    EXPECT_EQ(plugin->deportResource(bad, host, nullptr, nullptr, 0x400), 21) << "parsed before the flags";
-    EXPECT_EQ(plugin->importResource(nullptr, nullptr, host, nullptr, 0x1, nullptr, nullptr), 3);
-    EXPECT_EQ(plugin->deportResource(nullptr, host, nullptr, nullptr, 0x10), 3);
+    EXPECT_EQ(plugin->importResource(nullptr, bad, host, nullptr, 0x1, nullptr, nullptr), QRN_ERR_BAD_UDID);
+    EXPECT_EQ(plugin->deportResource(bad, host, nullptr, nullptr, 0x400), QRN_ERR_BAD_UDID)
+        << "parsed before the flags";
+    EXPECT_EQ(plugin->importResource(nullptr, nullptr, host, nullptr, 0x1, nullptr, nullptr), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(plugin->deportResource(nullptr, host, nullptr, nullptr, 0x10), QRN_ERR_INVALID_ARGUMENT);
 
     CFiSmartPtr<Interposer> base(new Interposer);
-    EXPECT_EQ(base->CFiPluginInterposer::importNode(disk, {}, false, false, false, 2), 4);
+    EXPECT_EQ(base->CFiPluginInterposer::importNode(disk, {}, false, false, false, 2), QRN_ERR_NOT_PROVIDED);
 }

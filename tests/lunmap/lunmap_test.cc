@@ -16,6 +16,7 @@
 #include "cfipblmops.h"
 #include "cfistringtool.h"
 #include "cfiudid.h"
+#include "qrn_results.h"
 #include "temp_install_root.h"
 
 namespace fs = std::filesystem;
@@ -139,7 +140,7 @@ TEST_F(LunMap, StoredNumbersAreTakenAndRemovedRecordsGiveThemBack)
     EXPECT_FALSE(fs::exists(first));
     EXPECT_EQ(offered(*map)[0], "1") << "a removed LUN record frees its number";
     EXPECT_EQ(map->rmCacheRecord(first.c_str()), 0) << "an absent record is no failure";
-    EXPECT_EQ(map->rmCacheRecord(nullptr), 3);
+    EXPECT_EQ(map->rmCacheRecord(nullptr), QRN_ERR_INVALID_ARGUMENT);
 
     // A devHandle record holding a taken number changes no map when it goes.
     std::string dev;
@@ -150,12 +151,13 @@ TEST_F(LunMap, StoredNumbersAreTakenAndRemovedRecordsGiveThemBack)
     free = offered(*map);
     EXPECT_EQ(std::count(free.begin(), free.end(), "3"), 0);
 
-    EXPECT_EQ(map->setKeyValue(first.c_str(), {"5"}, nullptr), 3) << "the record is written, the map not told";
+    EXPECT_EQ(map->setKeyValue(first.c_str(), {"5"}, nullptr), QRN_ERR_INVALID_ARGUMENT)
+        << "the record is written, the map not told";
     EXPECT_EQ(readFile(first), "5");
     free = offered(*map);
     EXPECT_EQ(std::count(free.begin(), free.end(), "5"), 1);
-    EXPECT_EQ(map->setKeyValue(nullptr, {"5"}, kEnclosure), 26);
-    EXPECT_EQ(map->setKeyValue((cache + "luns/missing-dir/x").c_str(), {"5"}, kEnclosure), 26);
+    EXPECT_EQ(map->setKeyValue(nullptr, {"5"}, kEnclosure), QRN_ERR_CACHE_RECORD);
+    EXPECT_EQ(map->setKeyValue((cache + "luns/missing-dir/x").c_str(), {"5"}, kEnclosure), QRN_ERR_CACHE_RECORD);
 }
 
 TEST_F(LunMap, StoringForADiskDropsItsDevHandleRecord)
@@ -194,9 +196,9 @@ TEST_F(LunMap, RangeBoundsAndNumbersOutsideIt)
     }
     EXPECT_TRUE(offered(*map).empty()) << "all in use: an empty list, and still true";
 
-    EXPECT_EQ(map->rmLunCacheRecord(kEnclosure, 0), 3);
-    EXPECT_EQ(map->rmLunCacheRecord(kEnclosure, 255), 3);
-    EXPECT_EQ(map->rmLunCacheRecord(nullptr, 1), 3);
+    EXPECT_EQ(map->rmLunCacheRecord(kEnclosure, 0), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(map->rmLunCacheRecord(kEnclosure, 255), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(map->rmLunCacheRecord(nullptr, 1), QRN_ERR_INVALID_ARGUMENT);
 }
 
 TEST_F(LunMap, ReadingANumberBack)
@@ -221,8 +223,8 @@ TEST_F(LunMap, ReadingANumberBack)
         EXPECT_EQ(value, c.value) << c.content;
     }
     std::vector<std::string> lines;
-    EXPECT_EQ(map.getKeyValue(nullptr, lines), 3);
-    EXPECT_EQ(map.getKeyValue(nullptr, value), 3);
+    EXPECT_EQ(map.getKeyValue(nullptr, lines), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(map.getKeyValue(nullptr, value), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(value, -1);
 }
 
@@ -231,8 +233,10 @@ TEST_F(LunMap, EnclosuresByCaseShareAMapAndOnlyTheFirstIsReadFromDisk)
     {
         CFiPblmOps earlier(cache);
         earlier.setLunNumRange(1, 254);
-        ASSERT_EQ(earlier.setKeyValue(lunKey(earlier, kEnclosure, 1).c_str(), {"1"}, nullptr), 3);
-        ASSERT_EQ(earlier.setKeyValue(lunKey(earlier, kOtherEnclosure, 1).c_str(), {"2"}, nullptr), 3);
+        ASSERT_EQ(earlier.setKeyValue(lunKey(earlier, kEnclosure, 1).c_str(), {"1"}, nullptr),
+                  QRN_ERR_INVALID_ARGUMENT);
+        ASSERT_EQ(earlier.setKeyValue(lunKey(earlier, kOtherEnclosure, 1).c_str(), {"2"}, nullptr),
+                  QRN_ERR_INVALID_ARGUMENT);
     }
     CFiPblmOps map(cache);
     map.setLunNumRange(1, 254);
@@ -270,7 +274,8 @@ TEST_F(LunMap, RemovingANumberTakesEveryRecordThatHoldsItWithTheirDevHandles)
     EXPECT_TRUE(fs::exists(keys[2]));
     EXPECT_TRUE(fs::exists(devs[2]));
     EXPECT_EQ(offered(*map)[6], "7") << "the number is free again";
-    EXPECT_EQ(map->rmLunCacheRecord(kOtherEnclosure, 7), 1) << "an enclosure without records can't be scanned";
+    EXPECT_EQ(map->rmLunCacheRecord(kOtherEnclosure, 7), QRN_ERR_NOT_DONE)
+        << "an enclosure without records can't be scanned";
 }
 
 namespace {

@@ -9,6 +9,7 @@
 
 #include "cfierrormanager.h"
 #include "cfiicumessage.h"
+#include "qrn_results.h"
 
 using namespace qorin_pdk_4_4;
 
@@ -17,7 +18,7 @@ namespace {
 CFiMessagePtr message(const std::string &key, int32_t value)
 {
     icu::Formattable arg(value);
-    return CFiMessagePtr(new CFiIcuMessage(key.c_str(), &arg, 1, 3, "tests/messages", 1));
+    return CFiMessagePtr(new CFiIcuMessage(key.c_str(), &arg, 1, QRN_SEVERITY_ERROR, "tests/messages", 1));
 }
 
 std::string keyOfLast(CFiErrorManager &errors)
@@ -119,10 +120,10 @@ TEST(Handlers, EveryHandlerInOrderAndTextsFillNoSlot)
     errors.registerHandler(&b);
     errors.pushError(message("KEY", 1));
     char line[] = "trace line";
-    errors.pushError(line, 4);
+    errors.pushError(line, QRN_SEVERITY_DETAIL);
     EXPECT_EQ(log, (std::vector<std::string>{"a message KEY", "b message KEY", "a text trace line 4",
                                              "b text trace line 4"}));
     errors.deleteLastError(nullptr);
-    errors.pushError(line, 1);
+    errors.pushError(line, QRN_SEVERITY_INFO);
     EXPECT_EQ(errors.getLastError(), nullptr) << "a trace line is no error";
 }

@@ -19,6 +19,7 @@
 #include "hpeva_messages.h"
 #include "hpeva_plugin.h"
 #include "message_recorder.h"
+#include "qrn_results.h"
 #include "temp_install_root.h"
 
 using namespace qorin_pdk_4_4;
@@ -99,13 +100,13 @@ const char kUnhandled[] = "select(): Unhandled execption encountered, exiting th
 
 TEST_F(Ladder, ABodyThatReturnsIsLeftAlone)
 {
-    EXPECT_EQ(run([] { return 4; }), 4);
+    EXPECT_EQ(run([] { return QRN_ERR_NOT_PROVIDED; }), QRN_ERR_NOT_PROVIDED);
     EXPECT_EQ(run([] {}), 0) << "a body without a result counts as success";
     EXPECT_TRUE(recorder.pushed.empty());
     EXPECT_FALSE(recorder.traced("Unhandled"));
 }
 
-TEST_F(Ladder, EachRowPushesItsKeyAndArgumentsAndGivesSix)
+TEST_F(Ladder, EachRowPushesItsKeyAndArgumentsAndFails)
 {
     struct Row {
         std::function<void()> raise;
@@ -134,12 +135,12 @@ TEST_F(Ladder, EachRowPushesItsKeyAndArgumentsAndGivesSix)
                       row.raise();
                       return 0;
                   }),
-                  6)
+                  QRN_ERR_FAILED)
             << row.key;
         ASSERT_EQ(recorder.pushed.size(), 1u) << row.key;
         const Pushed &p = recorder.pushed[0];
         EXPECT_EQ(p.key, row.key);
-        EXPECT_EQ(p.severity, 3);
+        EXPECT_EQ(p.severity, QRN_SEVERITY_ERROR);
         EXPECT_EQ(p.args, row.args) << row.key;
         EXPECT_EQ(p.file, kSite);
         EXPECT_EQ(p.line, 77);
@@ -147,13 +148,13 @@ TEST_F(Ladder, EachRowPushesItsKeyAndArgumentsAndGivesSix)
     }
 }
 
-TEST_F(Ladder, InitialisationEndsInItsOwnMessageAndThirty)
+TEST_F(Ladder, InitialisationEndsInItsOwnMessageAndInitFailed)
 {
-    EXPECT_EQ(run([]() -> int { throw CFiError(1, L"t", L"f", 1, L"init"); }, true), 30);
+    EXPECT_EQ(run([]() -> int { throw CFiError(1, L"t", L"f", 1, L"init"); }, true), QRN_ERR_INIT_FAILED);
     ASSERT_EQ(recorder.pushed.size(), 2u);
     EXPECT_EQ(recorder.pushed[0].key, "MSG_ERROR_UNHANDLED_FIERROR_EXCEPTION");
     EXPECT_EQ(recorder.pushed[1].key, "MSG_ERROR_INITIALIZATION_FAILED");
-    EXPECT_EQ(recorder.pushed[1].severity, 2);
+    EXPECT_EQ(recorder.pushed[1].severity, QRN_SEVERITY_WARNING);
     EXPECT_TRUE(recorder.pushed[1].args.empty());
     EXPECT_FALSE(recorder.traced("Unhandled"));
     // The slot keeps the last one, and its key reaches the host.
@@ -172,9 +173,9 @@ TEST_F(Ladder, OtherExceptionsPassThroughUntouched)
 TEST(LadderWithoutServices, StillGivesItsResult)
 {
     CHpEvaGuard guard(CFiErrorManagerPtr(), CFiTraceLogPtr(), "enumerateFims", kSite, 1);
-    EXPECT_EQ(guard.run([]() -> int { throw 3; }), 6);
+    EXPECT_EQ(guard.run([]() -> int { throw 3; }), QRN_ERR_FAILED);
     CHpEvaGuard init(CFiErrorManagerPtr(), CFiTraceLogPtr(), "init", kSite, 1, true);
-    EXPECT_EQ(init.run([]() -> int { throw std::runtime_error("x"); }), 30);
+    EXPECT_EQ(init.run([]() -> int { throw std::runtime_error("x"); }), QRN_ERR_INIT_FAILED);
 }
 
 TEST(PluginErrors, APushedMessageIsReadOnItsThreadOnlyUntilDeleted)
@@ -184,7 +185,8 @@ TEST(PluginErrors, APushedMessageIsReadOnItsThreadOnlyUntilDeleted)
     plugin->registerErrorManager(errors);
 
     icu::Formattable path(icu::UnicodeString("/opt/HP/SSSU/sssu"));
-    pushMessage(errors, "MSG_ERROR_CLI_NOT_FOUND", {path, icu::Formattable(static_cast<int32_t>(2))}, 2, kSite, 5);
+    pushMessage(errors, hpeva_msg::MSG_ERROR_CLI_NOT_FOUND, QRN_SEVERITY_WARNING, kSite, 5, path,
+                icu::Formattable(static_cast<int32_t>(2)));
     qrn_msg_info *info = nullptr;
     EXPECT_EQ(plugin->getLastError(&info), 0);
     ASSERT_NE(info, nullptr);

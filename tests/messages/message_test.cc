@@ -8,6 +8,7 @@
 
 #include "cfiicumessage.h"
 #include "cfistringtool.h"
+#include "qrn_results.h"
 
 using namespace qorin_pdk_4_4;
 
@@ -30,7 +31,7 @@ CFiIcuMessage threeKinds()
 {
     icu::Formattable args[] = {icu::Formattable(icu::UnicodeString::fromUTF8("disk \xC3\xBC")),
                                icu::Formattable(static_cast<int32_t>(-42)), icu::Formattable(2.5)};
-    return CFiIcuMessage("MSG_ERROR_VERSION_CHECK", args, 3, 3, "providers/hpeva/hpeva_plugin", 12);
+    return CFiIcuMessage("MSG_ERROR_VERSION_CHECK", args, 3, QRN_SEVERITY_ERROR, "providers/hpeva/hpeva_plugin", 12);
 }
 
 }  // namespace
@@ -64,7 +65,7 @@ TEST(Deserialize, GivesBackKeySeverityAndTheThreeArgumentKinds)
     CFiIcuMessage original = threeKinds();
     CFiIcuMessage back(original.serialize());
     EXPECT_EQ(back.getMessageKey(), "MSG_ERROR_VERSION_CHECK");
-    EXPECT_EQ(back.getSeverity(), 3);
+    EXPECT_EQ(back.getSeverity(), QRN_SEVERITY_ERROR);
     EXPECT_EQ(back.getFile(), "") << "the source position doesn't travel";
     EXPECT_EQ(back.getLine(), 0);
     auto args = argumentsOf(back);
@@ -119,7 +120,7 @@ TEST(Deserialize, TextAroundTheMessageAndBrokenTexts)
     message.deserialize("noise before <SERIALIZED_MESSAGE MSGID=K1 SEVERITY=4>\n"
                         "\t<ARGVALUE INDEX=9 TYPE=2>5</ARGVALUE>\n");
     EXPECT_EQ(message.getMessageKey(), "K1");
-    EXPECT_EQ(message.getSeverity(), 4);
+    EXPECT_EQ(message.getSeverity(), QRN_SEVERITY_DETAIL);
     ASSERT_EQ(argumentsOf(message).size(), 1u) << "INDEX is not used, order alone counts";
 
     message.deserialize("no header here <ARGVALUE INDEX=0 TYPE=2>5</ARGVALUE>");

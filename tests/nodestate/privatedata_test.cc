@@ -14,6 +14,7 @@
 #include "hpeva_disknames.h"
 #include "hpeva_privatedata.h"
 #include "qorinutil.h"
+#include "qrn_results.h"
 
 using namespace qorin_pdk_4_4;
 
@@ -163,7 +164,7 @@ TEST(PrivateData, NodeStateIsThreeTaggedLinesCountedWithTheTerminator)
     EXPECT_EQ(blob.length, (expected.size() + 1) * sizeof(wchar_t));
     EXPECT_EQ(blob.filled, 1u);
     qorin_free_buf(blob.data, blob.length);
-    EXPECT_EQ(data.getNodeState(nullptr), 3);
+    EXPECT_EQ(data.getNodeState(nullptr), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(data.setNodeState(&blob), 0);
 }
 

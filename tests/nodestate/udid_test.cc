@@ -13,6 +13,7 @@
 #include "cfiudid.h"
 #include "hpeva_disknames.h"
 #include "hpeva_guard.h"
+#include "qrn_results.h"
 
 using namespace qorin_pdk_4_4;
 
@@ -136,10 +137,10 @@ TEST(Udid, AParseFailureInAnOperationPushesItsMessageAndGivesSix)
         CFiUdid udid(std::string("UDID##HP##HSV"));
         return 0;
     });
-    EXPECT_EQ(result, 6);
+    EXPECT_EQ(result, QRN_ERR_FAILED);
     ASSERT_EQ(recorder.keys.size(), 1u);
     EXPECT_EQ(recorder.keys[0], "MSG_ERROR_UDID_PARSING_EXCEPTION");
-    EXPECT_EQ(recorder.severities[0], 3);
+    EXPECT_EQ(recorder.severities[0], QRN_SEVERITY_ERROR);
     EXPECT_EQ(recorder.text, "UDID##HP##HSV");
     EXPECT_EQ(recorder.number, 4);
 }

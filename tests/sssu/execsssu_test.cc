@@ -17,6 +17,7 @@
 #include "efiexecpipe.h"
 #include "hpeva_cliexception.h"
 #include "hpeva_commandtempfile.h"
+#include "qrn_results.h"
 #include "sssu_support.h"
 
 using namespace qorin_pdk_4_4;
@@ -195,7 +196,7 @@ TEST_F(ExecSSSU, APasswordEchoIsMaskedInTheExceptionTheMessageAndTheTrace)
         ADD_FAILURE() << "succeeded";
     } catch (const CHpEvaCliException &e) {
         EXPECT_EQ(e.getOutput()[0], "NoSystemSelected> select manager cv1 user=admin password=********");
-        EXPECT_EQ(e.report(), 6);
+        EXPECT_EQ(e.report(), QRN_ERR_FAILED);
     }
     ASSERT_EQ(recorder->messages.size(), 1u);
     const qrn_msg_info *pushed = recorder->messages[0]->serialize();

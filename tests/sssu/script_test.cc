@@ -13,6 +13,7 @@
 #include "hpeva_cliexception.h"
 #include "hpeva_commandtempfile.h"
 #include "hpeva_guard.h"
+#include "qrn_results.h"
 #include "sssu_support.h"
 
 using namespace qorin_pdk_4_4;
@@ -150,7 +151,7 @@ TEST_F(ScriptFile, ARefusalReachesTheHostAsACommandFailure)
             CHpEvaCommandTempFile file(credential(L"h", L"u", L"p"), ACE_WString(L"a\nb"), ACE_WString());
             return 0;
         });
-        EXPECT_EQ(result, 6) << "the report's result, also for an initialisation";
+        EXPECT_EQ(result, QRN_ERR_FAILED) << "the report's result, also for an initialisation";
         ASSERT_EQ(recorder->keys.size(), 1u);
         EXPECT_EQ(recorder->keys[0], "MSG_ERROR_CLI_COMMAND_FAILED");
     }
@@ -162,11 +163,11 @@ TEST(CliException, ReportCarriesCommandSiteTextAndTrimmedOutput)
     recorder.clear();
     CHpEvaCliException e(CHpEvaCliException::CLI_COMMAND_FAILED, ACE_WString(L"LS CELL"), "Error: boom",
                          {"  first \r", "\tsecond line\n", ""}, "providers/hpeva/x.cc", 42);
-    EXPECT_EQ(e.report(), 6);
+    EXPECT_EQ(e.report(), QRN_ERR_FAILED);
     ASSERT_EQ(recorder.keys.size(), 1u);
     CFiIcuMessage message(recorder.messages[0]->serialize());
     EXPECT_EQ(message.getMessageKey(), "MSG_ERROR_CLI_COMMAND_FAILED");
-    EXPECT_EQ(message.getSeverity(), 3);
+    EXPECT_EQ(message.getSeverity(), QRN_SEVERITY_ERROR);
     int32_t count = 0;
     UErrorCode status = U_ZERO_ERROR;
     const icu::Formattable *args = message.getArguments().getArray(count, status);

@@ -7,6 +7,7 @@
 
 #include "cfinetwork.h"
 #include "cfistringtool.h"
+#include "qrn_results.h"
 
 using namespace qorin_pdk_4_4;
 
@@ -69,14 +70,14 @@ TEST(Lookup, LoopbackForwardAndReverse)
 TEST(Lookup, FailuresGiveThreeAndLeaveOrFillAsDocumented)
 {
     std::string name = "untouched";
-    EXPECT_EQ(CFiNetwork::getHostbyAddr("not-an-address", name), 3);
+    EXPECT_EQ(CFiNetwork::getHostbyAddr("not-an-address", name), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(name, "not-an-address") << "an address that doesn't parse is copied";
     std::string fqdn = "untouched";
-    EXPECT_EQ(CFiNetwork::getFQDN("", fqdn), 3);
-    EXPECT_EQ(CFiNetwork::getFQDN(static_cast<const char *>(nullptr), fqdn), 3);
+    EXPECT_EQ(CFiNetwork::getFQDN("", fqdn), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(CFiNetwork::getFQDN(static_cast<const char *>(nullptr), fqdn), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(fqdn, "untouched");
     std::string address;
-    EXPECT_EQ(CFiNetwork::getHostbyName(nullptr, address), 3);
+    EXPECT_EQ(CFiNetwork::getHostbyName(nullptr, address), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_TRUE(address.empty());
 }
 

@@ -18,6 +18,7 @@
 #include "cfistringtool.h"
 #include "cfitracelog.h"
 #include "cfitracelogfunction.h"
+#include "qrn_results.h"
 #include "temp_install_root.h"
 
 using namespace qorin_pdk_4_4;
@@ -225,11 +226,11 @@ TEST(TraceLog, HandlersGetEveryLevelWithItsSeverity)
     log->trace(3, "three");
     log->trace(4, "four");
     log->trace(6, "six");
-    EXPECT_EQ(handler.severityOf("one"), 3);
+    EXPECT_EQ(handler.severityOf("one"), QRN_SEVERITY_ERROR);
     EXPECT_EQ(handler.severityOf("two"), 2);
-    EXPECT_EQ(handler.severityOf("three"), 1);
-    EXPECT_EQ(handler.severityOf("four"), 4);
-    EXPECT_EQ(handler.severityOf("six"), 4) << "above the level, still forwarded";
+    EXPECT_EQ(handler.severityOf("three"), QRN_SEVERITY_INFO);
+    EXPECT_EQ(handler.severityOf("four"), QRN_SEVERITY_DETAIL);
+    EXPECT_EQ(handler.severityOf("six"), QRN_SEVERITY_DETAIL) << "above the level, still forwarded";
     EXPECT_EQ(texts(root), (std::vector<std::string>{"one", "two", "three"}));
 
     // "<provider>:<timestamp> <Thread id - t> <text>\n"

@@ -5,8 +5,8 @@
 
 using namespace qorin_pdk_4_4;
 
-void pushMessage(const CFiErrorManagerPtr &errors, const char *key, std::initializer_list<icu::Formattable> args,
-                 qrn_eseverity severity, const char *file, int line)
+void hpeva_msg::push(const CFiErrorManagerPtr &errors, const char *key, std::initializer_list<icu::Formattable> args,
+                     qrn_eseverity severity, const char *file, int line)
 {
     if (errors.isNull()) {
         return;
@@ -16,6 +16,5 @@ void pushMessage(const CFiErrorManagerPtr &errors, const char *key, std::initial
             new CFiIcuMessage(key, args.begin(), static_cast<int>(args.size()), severity, file, line));
         errors->pushError(message);
     } catch (...) {
-        // Reporting must not change the result of the operation that reports.
     }
 }

@@ -10,6 +10,7 @@
 #include "cfitracelogfunction.h"
 #include "hpeva_single_node.h"
 #include "hpeva_singletons.h"
+#include "qrn_results.h"
 #include "tamlin_entries.h"
 
 using namespace qorin_pdk_4_4;
@@ -66,8 +67,8 @@ CFiSessionPtr sessionFor(const char *sessionId)
 
 #define DELAYED()                                                                                                      \
     do {                                                                                                               \
-        if (p->invokeDelayedInit() != 0)                                                                               \
-            return 1;                                                                                                  \
+        if (p->invokeDelayedInit() != QRN_OK)                                                                          \
+            return QRN_ERR_DELAYED_INIT;                                                                               \
     } while (0)
 
 extern "C" {
@@ -75,7 +76,7 @@ extern "C" {
 int32_t tamlin_fi_pgn_init(qrn_host_context *host, uint16_t *version)
 {
     if (version == nullptr) {
-        return 7;
+        return QRN_ERR_NO_VERSION_BLOCK;
     }
     // Written first, so that the host learns the interface level whatever fails next.
     version[0] = 7;
@@ -151,7 +152,7 @@ int32_t tamlin_fi_pgn_claim(qorin_objid *id, qorin_objid ***subordinates, int32_
 {
     ENTRY("claim");
     if (id == nullptr || subordinates == nullptr || count == nullptr) {
-        return 0;
+        return QRN_CLAIM_NONE;
     }
     return p->claim(id, subordinates, count);
 }
@@ -230,7 +231,7 @@ int32_t tamlin_fi_pgn_config(qrn_domain *node, int32_t op, char *sessionId, qrn_
     ENTRY("config");
     DELAYED();
     if (node == nullptr || spec == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     return p->config(node, op, sessionId, spec);
 }
@@ -254,7 +255,7 @@ int32_t tamlin_fi_pgn_subobj_list(qrn_domain *node, qorin_objid ***out, int32_t 
     ENTRY("subobj_list");
     DELAYED();
     if (node == nullptr || out == nullptr || count == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     return p->subobjList(node, out, count);
 }
@@ -289,15 +290,15 @@ int32_t tamlin_fi_pgn_make(qrn_splitnode *one, char *sessionId, qrn_splitnode **
     DELAYED();
     singleNodeForm(one, list, count);
     int32_t result = p->make(sessionId, list, count, out, outCount);
-    if (result != 4) {
+    if (result != QRN_ERR_NOT_PROVIDED) {
         return result;
     }
     CFiSessionPtr session = sessionFor(sessionId);
     if (session.isNull()) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     result = p->makeSnapshots(session);
-    if (result == 0) {
+    if (result == QRN_OK) {
         result = session->getTargets(list, count, out, outCount);
     }
     return result;
@@ -309,12 +310,12 @@ int32_t tamlin_fi_pgn_prepare(qrn_splitnode *one, char *sessionId, qrn_splitnode
     DELAYED();
     singleNodeForm(one, list, count);
     int32_t result = p->prepare(sessionId, list, count, flag);
-    if (result != 4) {
+    if (result != QRN_ERR_NOT_PROVIDED) {
         return result;
     }
     CFiSessionPtr session = sessionFor(sessionId);
     if (session.isNull()) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     return p->prepareSnapshots(session);
 }
@@ -325,15 +326,15 @@ int32_t tamlin_fi_pgn_select(qrn_splitnode *one, char *sessionId, qrn_splitnode 
     DELAYED();
     singleNodeForm(one, list, count);
     int32_t result = p->select(sessionId, list, count);
-    if (result != 0 && result != 4) {
+    if (result != QRN_OK && result != QRN_ERR_NOT_PROVIDED) {
         return result;
     }
     CFiSessionPtr session = sessionFor(sessionId);
     if (session.isNull()) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     session->addNodes(list, count);
-    if (result == 4) {
+    if (result == QRN_ERR_NOT_PROVIDED) {
         result = p->selectSnapshots(session);
     }
     return result;
@@ -388,7 +389,7 @@ int32_t tamlin_fi_pgn_get_provider_info(qrn_provider_list **out)
 {
     ENTRY("get_provider_info");
     if (out == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     *out = nullptr;
     return p->getProviderInfo(out);
@@ -398,7 +399,7 @@ int32_t tamlin_fi_pgn_enumerate_nodes(qrn_node_list **out, int32_t *count, int32
 {
     ENTRY("enumerate_nodes");
     if (out == nullptr) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     return p->enumerateNodes(out, count, flags, filter);
 }
@@ -480,7 +481,7 @@ int32_t tamlin_fi_pgn_objctl(const wchar_t *name, const wchar_t *argsXml, wchar_
     if (outXml != nullptr) {
         *outXml = wcsdup(args.toXml().c_str());
     }
-    return 0;
+    return QRN_OK;
 }
 
 int32_t tamlin_fi_pgn_enable_access(qrn_node_subobj_list *list, int32_t a, int32_t b, int32_t c)
@@ -571,7 +572,7 @@ int32_t tamlin_fi_pgn_translate_resource_names(wchar_t **names, int32_t count, w
     DELAYED();
     // Only a count of 0 is forwarded: the operation behind it gives nothing for a list.
     if (names == nullptr || out == nullptr || count != 0) {
-        return 3;
+        return QRN_ERR_INVALID_ARGUMENT;
     }
     return p->translateResourceNames(names, count, out);
 }

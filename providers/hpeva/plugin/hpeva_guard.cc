@@ -46,23 +46,22 @@ int CHpEvaGuard::ladder() const
     try {
         throw;
     } catch (const EFiExecPipe &e) {
-        pushMessage(m_errors, "MSG_ERROR_UNHANDLED_EXEC_PIPE_EXCEPTION",
-                    {text(std::string(e.getCodeName())), text(e.getCommand()), file, line}, 3, m_file, m_line);
+        pushMessage(m_errors, hpeva_msg::MSG_ERROR_UNHANDLED_EXEC_PIPE_EXCEPTION, QRN_SEVERITY_ERROR, m_file, m_line,
+                    text(std::string(e.getCodeName())), text(e.getCommand()), file, line);
     } catch (const CHpEvaCliException &e) {
         return e.report(m_errors);
     } catch (const CFiError &e) {
-        pushMessage(m_errors, "MSG_ERROR_UNHANDLED_FIERROR_EXCEPTION",
-                    {text(std::wstring(e.getText())), text(e.getFunction()), file, line}, 3, m_file, m_line);
+        pushMessage(m_errors, hpeva_msg::MSG_ERROR_UNHANDLED_FIERROR_EXCEPTION, QRN_SEVERITY_ERROR, m_file, m_line,
+                    text(std::wstring(e.getText())), text(e.getFunction()), file, line);
     } catch (const CFiUdidException &e) {
-        pushMessage(m_errors, "MSG_ERROR_UDID_PARSING_EXCEPTION", {text(e.getText()), icu::Formattable(e.getNumber())},
-                    3, m_file, m_line);
+        pushMessage(m_errors, hpeva_msg::MSG_ERROR_UDID_PARSING_EXCEPTION, QRN_SEVERITY_ERROR, m_file, m_line,
+                    text(e.getText()), icu::Formattable(e.getNumber()));
     } catch (const std::runtime_error &e) {
-        pushMessage(m_errors, "MSG_ERROR_UNHANDLED_RUNTIME_EXCEPTION",
-                    {text(std::string("std::runtime_error")), text(std::string(e.what())), file, line}, 3, m_file,
-                    m_line);
+        pushMessage(m_errors, hpeva_msg::MSG_ERROR_UNHANDLED_RUNTIME_EXCEPTION, QRN_SEVERITY_ERROR, m_file, m_line,
+                    text(std::string("std::runtime_error")), text(std::string(e.what())), file, line);
     } catch (int value) {
-        pushMessage(m_errors, "MSG_ERROR_UNHANDLED_INT_EXCEPTION",
-                    {icu::Formattable(static_cast<int32_t>(value)), file, line}, 3, m_file, m_line);
+        pushMessage(m_errors, hpeva_msg::MSG_ERROR_UNHANDLED_INT_EXCEPTION, QRN_SEVERITY_ERROR, m_file, m_line,
+                    icu::Formattable(static_cast<int32_t>(value)), file, line);
     }
     return unhandled();
 }
@@ -70,8 +69,8 @@ int CHpEvaGuard::ladder() const
 int CHpEvaGuard::unhandled() const
 {
     if (m_initialisation) {
-        pushMessage(m_errors, "MSG_ERROR_INITIALIZATION_FAILED", {}, 2, m_file, m_line);
-        return 30;
+        pushMessage(m_errors, hpeva_msg::MSG_ERROR_INITIALIZATION_FAILED, QRN_SEVERITY_WARNING, m_file, m_line);
+        return QRN_ERR_INIT_FAILED;
     }
     if (!m_log.isNull()) {
         try {
@@ -80,5 +79,5 @@ int CHpEvaGuard::unhandled() const
             // As with messages: tracing never changes the result.
         }
     }
-    return 6;
+    return QRN_ERR_FAILED;
 }

@@ -6,14 +6,15 @@
 #include "cfierrormanager.h"
 #include "cfitracelog.h"
 #include "qrn_records.h"
+#include "qrn_results.h"
 
 // The catch ladder that ends every CHpEvaPlugin operation. An exception of a type on the
-// ladder becomes a catalog message in the calling thread's error slot and a result: 6, or
-// 30 for an initialisation, which also pushes "MSG_ERROR_INITIALIZATION_FAILED". Any other
-// exception passes through. Use:
+// ladder becomes a catalog message in the calling thread's error slot and a result:
+// QRN_ERR_FAILED, or QRN_ERR_INIT_FAILED for an initialisation, which also pushes
+// "MSG_ERROR_INITIALIZATION_FAILED". Any other exception passes through. Use:
 //
 //     return CHpEvaGuard(m_errorManager, m_traceLog, "select", "providers/hpeva/hpeva_plugin", __LINE__)
-//         .run([&] { ...; return 0; });
+//         .run([&] { ...; return QRN_OK; });
 class CHpEvaGuard {
 public:
     // operation is the plain name used in the trace line, as in "select"; file and line are
@@ -21,14 +22,14 @@ public:
     CHpEvaGuard(const qorin_pdk_4_4::CFiErrorManagerPtr &errors, const qorin_pdk_4_4::CFiTraceLogPtr &log,
                 const char *operation, const char *file, int line, bool initialisation = false);
 
-    // body's result, or the ladder's. A body without a result counts as 0.
+    // body's result, or the ladder's. A body without a result counts as QRN_OK.
     template <class Body>
     int run(Body &&body) const
     {
         try {
             if constexpr (std::is_void_v<std::invoke_result_t<Body &>>) {
                 body();
-                return 0;
+                return QRN_OK;
             } else {
                 return static_cast<int>(body());
             }

@@ -34,7 +34,7 @@ int CHpEvaPlugin::getProviderInfo(qrn_provider_list **out)
             info.addClaimPattern(UDID_PREFIX);
             factory.add(info);
         }
-        return 0;
+        return QRN_OK;
     });
 }
 
@@ -55,6 +55,6 @@ int CHpEvaPlugin::enumerateFims(qrn_fim_list **out)
                 factory.add(fim);
             }
         }
-        return 0;
+        return QRN_OK;
     });
 }

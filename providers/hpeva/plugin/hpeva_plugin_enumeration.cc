@@ -49,17 +49,17 @@ int CHpEvaPlugin::enumerateNodes(qrn_node_list **out, int *count, int flags, wch
     CFiTraceLogFunction traceFunction(m_traceLog, "CHpEvaPlugin::enumerateNodes");
     if (flags != 0 && (flags & kFlagServed) == 0) {
         trace(1, "enumerateNodes(): Unhandled execption encountered, exiting the function");
-        return 6;
+        return QRN_ERR_FAILED;
     }
     return guard("enumerateNodes", __LINE__).run([&] {
         trace(6, "Specifed filter is [%S].", filterText != nullptr ? filterText : L"");
         CHpEvaNodeFilter filter(filterText);
         CFiNodeListFactory factory(out, count);
         if (!providerPasses(filter)) {
-            return 0;
+            return QRN_OK;
         }
-        if (invokeDelayedInit() != 0) {
-            return 1;
+        if (invokeDelayedInit() != QRN_OK) {
+            return QRN_ERR_DELAYED_INIT;
         }
         CHpEvaCliTool tool(cliTool);
         if (filter.has("udid")) {
@@ -68,14 +68,14 @@ int CHpEvaPlugin::enumerateNodes(qrn_node_list **out, int *count, int flags, wch
             if (udid.getVendor() != kVendor) {
                 trace(2, "vendor id [%s] in udid, specified as filter, doesn't match the array vendor",
                       udid.getVendor().c_str());
-                return 0;
+                return QRN_OK;
             }
             SHpEvaVdisk disk = tool.findVirtualDisk(cells, udid.getEnclosure(), udid.getDisk());
             const std::string name = getDiskDisplayName(disk);
             trace(3, "Returning disk [%s] UDID [%s].", name.c_str(), udid.toString().c_str());
             CFiNode node(PROVIDER_NAME, name.c_str(), udid.toString().c_str(), disk.capacity, 0, 0, 1);
             factory.add(node);
-            return 0;
+            return QRN_OK;
         }
 
         bool cellPassed = false;
@@ -103,7 +103,7 @@ int CHpEvaPlugin::enumerateNodes(qrn_node_list **out, int *count, int flags, wch
                       "HP EVA failed to get the virtual disk information after [%d] retry attempts. exiting the "
                       "enumeration call with error.",
                       kDiskListAttempts);
-                return 6;
+                return QRN_ERR_FAILED;
             }
             if (disks.empty()) {
                 trace(2, "No disks are found for current enclosure.");
@@ -133,13 +133,13 @@ int CHpEvaPlugin::enumerateNodes(qrn_node_list **out, int *count, int flags, wch
         }
         if (!cellPassed) {
             trace(1, "Could not find the specified enclosure in accessible managers.");
-            return 3;
+            return QRN_ERR_INVALID_ARGUMENT;
         }
         if (*count == 0) {
             trace(2, "Due to aggressive filtering ZERO disks are returned.");
         }
         trace(6, "Returning [%d] disks in the list.", *count);
-        return 0;
+        return QRN_OK;
     });
 }
 
@@ -149,10 +149,10 @@ int CHpEvaPlugin::enumerateEnclosures(qrn_enclosure_node_list **out, int *count,
     return guard("enumerateEnclosures", __LINE__).run([&] {
         CHpEvaNodeFilter filter(filterText);
         if (!providerPasses(filter)) {
-            return 0;
+            return QRN_OK;
         }
-        if (invokeDelayedInit() != 0) {
-            return 1;
+        if (invokeDelayedInit() != QRN_OK) {
+            return QRN_ERR_DELAYED_INIT;
         }
         // Built only here: a refusal above leaves the caller's list as it was.
         CFiEnclosureNodeListFactory factory(out, count);
@@ -166,7 +166,7 @@ int CHpEvaPlugin::enumerateEnclosures(qrn_enclosure_node_list **out, int *count,
                 factory.add(node);
             }
         }
-        return 0;
+        return QRN_OK;
     });
 }
 
@@ -177,10 +177,10 @@ int CHpEvaPlugin::enumerateHostNodes(qrn_host_node_list **out, int *count, wchar
         CFiHostNodeListFactory factory(out, count);
         CHpEvaNodeFilter filter(filterText);
         if (!providerPasses(filter)) {
-            return 0;
+            return QRN_OK;
         }
-        if (invokeDelayedInit() != 0) {
-            return 1;
+        if (invokeDelayedInit() != QRN_OK) {
+            return QRN_ERR_DELAYED_INIT;
         }
         CHpEvaCliTool tool(cliTool);
         for (const SHpEvaCell &cell : cells) {
@@ -202,6 +202,6 @@ int CHpEvaPlugin::enumerateHostNodes(qrn_host_node_list **out, int *count, wchar
                 factory.add(node);
             }
         }
-        return 0;
+        return QRN_OK;
     });
 }

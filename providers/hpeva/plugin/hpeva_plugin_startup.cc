@@ -54,27 +54,28 @@ int CHpEvaPlugin::init()
         getPblmOps().setLunNumRange(1, 254);
 
         if (CFiConfigurationPathTool::verify(cliTool.getDirectory().c_str()) != 0) {
-            pushMessage(m_errorManager, "MSG_ERROR_CLI_NOT_INSTALLED",
-                        {text(cliTool.getDirectory()), text(cliTool.getFileName())}, 2, kSourceFile, __LINE__);
+            pushMessage(m_errorManager, hpeva_msg::MSG_ERROR_CLI_NOT_INSTALLED, QRN_SEVERITY_WARNING, kSourceFile,
+                        __LINE__, text(cliTool.getDirectory()), text(cliTool.getFileName()));
             trace(1, "CHpEvaPlugin::init: CLI tool is not installed.");
-            return 30;
+            return QRN_ERR_INIT_FAILED;
         }
         if (CFiConfigurationPathTool::verify(cliTool.getPath().c_str()) != 0) {
-            pushMessage(m_errorManager, "MSG_ERROR_CLI_NOT_FOUND",
-                        {text(cliTool.getDirectory()), text(cliTool.getFileName())}, 2, kSourceFile, __LINE__);
-            return 30;
+            pushMessage(m_errorManager, hpeva_msg::MSG_ERROR_CLI_NOT_FOUND, QRN_SEVERITY_WARNING, kSourceFile, __LINE__,
+                        text(cliTool.getDirectory()), text(cliTool.getFileName()));
+            return QRN_ERR_INIT_FAILED;
         }
         credentials = config.importCredentials("HP", "HSV", ACE_WString(L"MANAGEMENT_APPLIANCE_INFO"), false);
         if (!credentials.empty()) {
             trace(3, "Imported credentials for [%d] array management appliances", static_cast<int>(credentials.size()));
-            return 0;
+            return QRN_OK;
         }
         ACE_WString directory;
         ACE_WString file;
         CFiConfigurationPathTool::getConfigFileInfo(ACE_WString(PROVIDER_NAME), directory, file);
         directory += file;
-        pushMessage(m_errorManager, "MSG_ERROR_NO_CREDENTIALS", {text(directory)}, 2, kSourceFile, __LINE__);
-        return 30;
+        pushMessage(m_errorManager, hpeva_msg::MSG_ERROR_NO_CREDENTIALS, QRN_SEVERITY_WARNING, kSourceFile, __LINE__,
+                    text(directory));
+        return QRN_ERR_INIT_FAILED;
     });
 }
 
@@ -83,16 +84,18 @@ int CHpEvaPlugin::delayedInit()
     CFiTraceLogFunction traceFunction(m_traceLog, "CHpEvaPlugin::delayedInit");
     return guard("delayedInit", __LINE__, true).run([&] {
         CHpEvaCliTool tool(cliTool);
-        if (tool.checkVersion() != 0) {
-            pushMessage(m_errorManager, "MSG_ERROR_VERSION_CHECK", {text(tool.getPath())}, 2, kSourceFile, __LINE__);
-            return 29;
+        if (tool.checkVersion() != QRN_OK) {
+            pushMessage(m_errorManager, hpeva_msg::MSG_ERROR_VERSION_CHECK, QRN_SEVERITY_WARNING, kSourceFile, __LINE__,
+                        text(tool.getPath()));
+            return QRN_ERR_VERSION_CHECK;
         }
         cells = tool.enumerateCells(credentials);
         if (!cells.empty()) {
-            return 0;
+            return QRN_OK;
         }
-        pushMessage(m_errorManager, "MSG_ERROR_NO_ARRAYS_DISCOVERED", {}, 2, kSourceFile, __LINE__);
-        return 30;
+        pushMessage(m_errorManager, hpeva_msg::MSG_ERROR_NO_ARRAYS_DISCOVERED, QRN_SEVERITY_WARNING, kSourceFile,
+                    __LINE__);
+        return QRN_ERR_INIT_FAILED;
     });
 }
 

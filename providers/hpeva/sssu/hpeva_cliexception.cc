@@ -38,11 +38,10 @@ int CHpEvaCliException::report(const CFiErrorManagerPtr &errors) const
         output += CFiStringTool::trim(line, " \n\t\r");
         output += '\n';
     }
-    pushMessage(errors, "MSG_ERROR_CLI_COMMAND_FAILED",
-                {icu::Formattable(CFiStringTool::tstr2ustr(m_command)),
-                 icu::Formattable(CFiStringTool::str2ustr(m_sourceFile)), icu::Formattable(m_sourceLine),
-                 icu::Formattable(CFiStringTool::str2ustr(m_errorText)),
-                 icu::Formattable(CFiStringTool::str2ustr(output))},
-                3, m_sourceFile.c_str(), m_sourceLine);
-    return 6;
+    pushMessage(errors, hpeva_msg::MSG_ERROR_CLI_COMMAND_FAILED, QRN_SEVERITY_ERROR, m_sourceFile.c_str(), m_sourceLine,
+                icu::Formattable(CFiStringTool::tstr2ustr(m_command)),
+                icu::Formattable(CFiStringTool::str2ustr(m_sourceFile)), icu::Formattable(m_sourceLine),
+                icu::Formattable(CFiStringTool::str2ustr(m_errorText)),
+                icu::Formattable(CFiStringTool::str2ustr(output)));
+    return QRN_ERR_FAILED;
 }

@@ -48,8 +48,9 @@ public:
     // removed.
     static void massageOutput(std::vector<std::string> &lines);
 
-    // Discovery (hpeva_clitool_discovery.cc). Results: 0; 6 no host entry matches; 20 no
-    // cell has the WWN; 30 no supported SSSU version.
+    // Discovery (hpeva_clitool_discovery.cc). Results: QRN_OK; QRN_ERR_FAILED no host entry
+    // matches; QRN_ERR_NO_SUCH_CELL no cell has the WWN; QRN_ERR_INIT_FAILED no supported SSSU
+    // version.
     int checkVersion() const;
     // Each cell once by WWN, with the first server's credential. Throws nothing: a server
     // that fails is reported or traced and skipped.

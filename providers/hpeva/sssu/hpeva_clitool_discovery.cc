@@ -13,6 +13,7 @@
 #include "hpeva_lscellhandler.h"
 #include "hpeva_lshosthandler.h"
 #include "hpeva_process.h"
+#include "qrn_results.h"
 
 using namespace qorin_pdk_4_4;
 using namespace hpeva_cli;
@@ -30,10 +31,6 @@ const char VDISK_LINE[] = " Virtual_disk : ";
 const size_t VDISK_LINE_LENGTH = sizeof(VDISK_LINE) - 1;
 // The SSSU versions the provider works with, in search order.
 const char *const SUPPORTED_VERSIONS[] = {"v4.", "v5.", "Version: 6.", "Version: 7.", "Version: 8."};
-
-const int NO_HOST_MATCH = 6;
-const int NO_CELL = 20;
-const int NO_SUPPORTED_VERSION = 30;
 
 // The last element of a host path: "\Hosts\lab\rack\db01" gives "db01". The head is skipped
 // by position, as SSSU always prints it first.
@@ -61,11 +58,11 @@ int CHpEvaCliTool::checkVersion() const
         size_t start = 0;
         if (CFiStringTool::find(lines, version, start, false) != std::string::npos) {
             log->trace(3, "checkVersion: supported SSSU version found in line [%s]", lines[start].c_str());
-            return 0;
+            return QRN_OK;
         }
     }
     log->trace(1, "checkVersion: no supported SSSU version in the tool's output");
-    return NO_SUPPORTED_VERSION;
+    return QRN_ERR_INIT_FAILED;
 }
 
 std::vector<SHpEvaCell> CHpEvaCliTool::enumerateCells(const std::vector<SFiCredential> &credentials) const
@@ -146,11 +143,11 @@ int CHpEvaCliTool::findCell(std::string wwn, const std::vector<SHpEvaCell> &cell
     for (const SHpEvaCell &candidate : cells) {
         if (CFiStringTool::tostrupper(candidate.objectwwn) == wwn) {
             cell = candidate;
-            return 0;
+            return QRN_OK;
         }
     }
     log->trace(2, "findCell: no cell with WWN [%s]", wwn.c_str());
-    return NO_CELL;
+    return QRN_ERR_NO_SUCH_CELL;
 }
 
 std::vector<std::string> CHpEvaCliTool::enumerate(const SHpEvaCell &cell, const ACE_WString &command,
@@ -217,7 +214,7 @@ int CHpEvaCliTool::getSSSUHostName(const SHpEvaCell &cell, std::string &name, co
             name = entry;
             log->trace(4, "comparing hostname, match found for [%s] : [%s],[%s],[%s]", leaf.c_str(),
                        info.address.c_str(), info.fqdn.c_str(), info.hostname.c_str());
-            return 0;
+            return QRN_OK;
         }
     }
     log->trace(3, "comparing hostname, no quick match found for [%s]", info.hostname.c_str());
@@ -233,11 +230,11 @@ int CHpEvaCliTool::getSSSUHostName(const SHpEvaCell &cell, std::string &name, co
         if (CFiNetwork::compare(candidate, info)) {
             log->trace(4, "getSSSUHostName: match found [%s] for [%s]", entry.c_str(), info.hostname.c_str());
             name = entry;
-            return 0;
+            return QRN_OK;
         }
     }
     log->trace(1, "getSSSUHostName: no match found for [%s]", info.hostname.c_str());
-    return NO_HOST_MATCH;
+    return QRN_ERR_FAILED;
 }
 
 std::vector<SHpEvaVdisk> CHpEvaCliTool::getLocalVdiskList(const SHpEvaCell &cell, const char *hostName) const
@@ -246,7 +243,7 @@ std::vector<SHpEvaVdisk> CHpEvaCliTool::getLocalVdiskList(const SHpEvaCell &cell
     CFiTraceLogFunction function(log, "CHpEvaCliTool::getLocalVdiskList");
     std::vector<SHpEvaVdisk> disks;
     std::string path;
-    if (getSSSUHostName(cell, path, hostName) != 0) {
+    if (getSSSUHostName(cell, path, hostName) != QRN_OK) {
         return disks;
     }
     // The path goes unquoted, as SSSU prints it.
