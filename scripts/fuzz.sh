@@ -10,8 +10,9 @@ Configures DIR (default build-fuzz/) with clang and -DTAMLIN_FUZZ=ON, builds the
 fuzz targets and runs each one for N seconds (default 30). With TARGET names,
 only those are built and run (e.g. fuzz_vsscanf).
 
-Each target keeps its corpus in DIR/corpus/<target>/ between runs. A crash leaves
-its input as DIR/artifacts/<target>/crash-*; rerun it with
+Each target keeps its corpus in DIR/corpus/<target>/ between runs; it starts from the
+inputs in tests/fuzz/seeds/<target>/ and uses tests/fuzz/<target>.dict if they exist.
+A crash leaves its input as DIR/artifacts/<target>/crash-*; rerun it with
   DIR/fuzz/<target> DIR/artifacts/<target>/crash-...
 The script exits non-zero when a target finds a crash.
 USAGE
@@ -54,9 +55,13 @@ for t in "${targets[@]}"; do
   corpus="$build/corpus/$t"
   artifacts="$build/artifacts/$t"
   mkdir -p "$corpus" "$artifacts"
+  extra=()
+  [[ -f "$root/tests/fuzz/$t.dict" ]] && extra+=(-dict="$root/tests/fuzz/$t.dict")
+  seeds=()
+  [[ -d "$root/tests/fuzz/seeds/$t" ]] && seeds+=("$root/tests/fuzz/seeds/$t")
   echo "== $t: ${seconds}s"
   if ! "$build/fuzz/$t" -max_total_time="$seconds" -print_final_stats=1 \
-        -artifact_prefix="$artifacts/" "$corpus"; then
+        -artifact_prefix="$artifacts/" "${extra[@]}" "$corpus" "${seeds[@]}"; then
     failed+=("$t")
   fi
 done

@@ -9,7 +9,8 @@
 
 namespace qorin_pdk_4_4 {
 
-// Description of one tunable parameter that a provider offers to the host.
+// Description of one tunable parameter that a provider offers to the host: one
+// "ConfigParam" element of a "ConfigParamList" document.
 class QORIN_PDK_API CFiConfigParamInfo {
 public:
     enum ValueType {
@@ -24,10 +25,13 @@ public:
     enum UsageType { SELECT = 0, AUTO = 1, NO_MODIFY = 2, UNKNOWN_USAGE = 3 };
 
     CFiConfigParamInfo();
+    // The last two arguments of each: a list of such values, and a parameter shared by nodes.
     CFiConfigParamInfo(const char *key, int defaultValue, int usage, int rangeMin, int rangeMax, const char *messageId,
                        bool list, bool shared);
     CFiConfigParamInfo(const char *key, bool defaultValue, int usage, const char *messageId, bool list, bool shared);
     CFiConfigParamInfo(const char *key, const char *defaultValue, int usage, const char *messageId, bool list,
+                       bool shared);
+    CFiConfigParamInfo(const char *key, const wchar_t *defaultValue, int usage, const char *messageId, bool list,
                        bool shared);
 
     const std::string &getKey() const { return m_key; }
@@ -36,6 +40,7 @@ public:
     void setMessageId(const std::string &id) { m_messageId = id; }
     int getValueType() const { return m_valueType; }
     void setValueType(int type) { m_valueType = type; }
+    // The usage type.
     int getParamType() const { return m_usageType; }
     void setParamType(int type) { m_usageType = type; }
     int32_t getRangeMin() const { return m_rangeMin; }
@@ -49,6 +54,16 @@ public:
     const std::string &getValueDefault() const { return m_default; }
     void setValueDefault(const std::string &value) { m_default = value; }
     void clear();
+
+    // The "ConfigParam" element, every leaf escaped.
+    std::string toXML() const;
+
+    // Texts of the documents: any number outside the table reads as "unknown" or "UNKNOWN",
+    // and any text outside it as UNKNOWN_VALUE or UNKNOWN_USAGE.
+    static const char *valueTypeName(int type);
+    static int valueTypeOf(const std::string &name);
+    static const char *usageTypeName(int type);
+    static int usageTypeOf(const std::string &name);
 
 private:
     std::string m_key;

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "cficonfigparamdatalist.h"
 #include "cficonfigparaminfolist.h"
 #include "cfiexport.h"
 #include "cfirefcount.h"
@@ -25,9 +26,14 @@ public:
     CFiPrivateData(const wchar_t *name, bool isAltNode);
     ~CFiPrivateData() override;
 
+    // Parameter lists per mode (1, or 0 for any other number), each created on first access.
     virtual bool hasConfigInfoList(int mode);
-    // Created on first access.
     virtual CFiConfigParamInfoList &configInfoList(int mode);
+    virtual bool hasConfigDataList(int mode);
+    virtual CFiConfigParamDataList &configDataList(int mode);
+    // Adds the defaults of list (null: of this node's info list for mode) that no key of the
+    // node's data list contains; a data list without keys takes all of them.
+    virtual void addDefaultConfigParamsToDataList(int mode, CFiConfigParamInfoList *list);
     virtual void setIntent(qrn_intent intent);
     virtual qrn_intent getIntent();
     virtual void setSplitType(const char *splitType);
@@ -55,6 +61,10 @@ public:
     virtual std::vector<std::string> getTargets();
     virtual void addTarget(std::string target);
     virtual void setConfiguredTarget(std::string &target);
+    // Reads the "snapshot_resource_spec" value of mode 1, finds the specification whose source
+    // is this node's disk and keeps its targets; the first becomes the configured target.
+    // 0, or 6 with the reason traced. Throws CFiUdidException if the node's name is no UDID.
+    virtual int selectTargetFromConfigData();
 
     void setOwnerGID(int32_t owner, int32_t group);
     // 3 for a null record, else 0.
@@ -73,6 +83,7 @@ private:
     std::vector<std::wstring> m_hostList;
     qrn_intent m_intent;
     CFiSmartPtr<CFiConfigParamInfoList> m_configInfoLists[2];
+    CFiSmartPtr<CFiConfigParamDataList> m_configDataLists[2];
     int32_t m_owner;
     int32_t m_group;
 };

@@ -7,6 +7,7 @@
 #include <xercesc/sax/InputSource.hpp>
 #include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/sax2/SAX2XMLReader.hpp>
+#include <xercesc/util/SecurityManager.hpp>
 
 #include "cfiexport.h"
 
@@ -41,6 +42,8 @@ private:
     xercesc::DefaultHandler *m_handler;
     xercesc::SAX2XMLReader *m_reader;
     bool m_initialized;
+    // Limits entity expansion; the reader holds a pointer to it.
+    xercesc::SecurityManager m_security;
 };
 
 }  // namespace qorin_pdk_4_4

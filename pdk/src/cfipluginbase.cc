@@ -2,6 +2,7 @@
 
 #include "cfierror.h"
 #include "cfimutexwrapper.h"
+#include "cfiprivatedata.h"
 #include "cfiprivatedatamanager.h"
 #include "cfisessionmanager.h"
 #include "cfistringtool.h"
@@ -78,11 +79,110 @@ int CFiPluginBase::initNode(qrn_domain *, qrn_domain **, int, qorin_objid *)
     return 0;
 }
 
-int CFiPluginBase::config(qrn_domain *, int, char *, qrn_confspec *)
+int CFiPluginBase::config(qrn_domain *node, int op, char *sessionId, qrn_confspec *spec)
 {
     PLUGIN_BASE_TRACE("config");
-    // No node has private data to hold its parameters yet.
-    return QRN_ERR_INVALID_ARGUMENT;
+    if (node == nullptr || spec == nullptr) {
+        return QRN_ERR_INVALID_ARGUMENT;
+    }
+    CFiPrivateDataFactoryPtr factory = privateDataFactory();
+    CFiPrivateDataPtr data = factory.isNull() ? CFiPrivateDataPtr() : factory->find(node);
+    if (data.isNull()) {
+        return QRN_ERR_INVALID_ARGUMENT;
+    }
+    trace(3, " config str %S \n", spec->text != nullptr ? spec->text : L"");
+    data->setSessionId(sessionId);
+    const bool group = node->members != nullptr && node->members->count != 0 && node->members->members != nullptr &&
+                       node->members->members[0] == node;
+    if (spec->selector1 == 0 && spec->selector2 == 0) {
+        spec->text = nullptr;
+        return QRN_OK;
+    }
+    const int mode = spec->selector1 != 0 ? 1 : 0;
+    int result = QRN_OK;
+    // The host frees what it gets; a copy that can't be made is a failed allocation.
+    auto hand = [&](const wchar_t *xml) {
+        spec->text = CFiStringTool::wstrdup(xml);
+        if (spec->text == nullptr) {
+            result = QRN_ERR_NO_MEMORY;
+        }
+    };
+
+    switch (op) {
+    case 1: {
+        if (data->hasConfigDataList(mode)) {
+            CFiConfigParamDataList &values = data->configDataList(mode);
+            if (values.size() != 0) {
+                hand(values.getXML());
+            } else {
+                spec->text = nullptr;
+            }
+        } else if (data->hasConfigInfoList(mode)) {
+            CFiConfigParamInfoList &infos = data->configInfoList(mode);
+            if (infos.isEmpty()) {
+                spec->text = nullptr;
+            } else {
+                CFiConfigParamDataList &values = data->configDataList(mode);
+                values = infos.getDefaultDataList();
+                hand(values.getXML());
+            }
+        } else {
+            // Nothing is stored: a node keeps no values it was never given.
+            const CFiConfigParamDataList defaults = globalConfigInfoList(mode, false).getDefaultDataList();
+            if (*defaults.getXML() != 0) {
+                hand(defaults.getXML());
+            } else {
+                spec->text = nullptr;
+            }
+        }
+        trace(1, "GET: Mode[%d]: %S \n", mode, spec->text != nullptr ? spec->text : L"");
+        break;
+    }
+    case 2:
+    case 5: {
+        if (spec->text == nullptr) {
+            trace(1, "ERROR: SET: Mode[%d], Invalid config string.\n", mode);
+            return QRN_OK;
+        }
+        CFiConfigParamDataList &values = data->configDataList(mode);
+        result = values.parse(spec->text);
+        if (result == QRN_OK) {
+            if (data->hasConfigInfoList(mode)) {
+                data->addDefaultConfigParamsToDataList(mode, nullptr);
+            } else {
+                data->addDefaultConfigParamsToDataList(mode, &globalConfigInfoList(mode, false));
+            }
+            hand(values.getXML());
+        } else {
+            trace(1, "ERROR: SET: Mode[%d]: Invalid XML [%S] \n", mode, spec->text);
+            trace(1, "ERROR: SET: Mode[%d]: %s", mode, values.getParseError().describe().c_str());
+            spec->text = nullptr;
+        }
+        break;
+    }
+    case 3:
+        if (data->hasConfigDataList(mode)) {
+            data->configDataList(mode).clear();
+        }
+        break;
+    case 4: {
+        if (data->hasConfigInfoList(mode) && !data->configInfoList(mode).isEmpty()) {
+            hand(data->configInfoList(mode).getXML());
+        } else {
+            CFiConfigParamInfoList &infos = globalConfigInfoList(mode, group);
+            if (!infos.isEmpty()) {
+                hand(infos.getXML());
+            } else {
+                spec->text = nullptr;
+            }
+        }
+        trace(3, "GETPARAM: Mode[%d]: %S \n", mode, spec->text != nullptr ? spec->text : L"");
+        break;
+    }
+    default:
+        break;
+    }
+    return result;
 }
 
 int CFiPluginBase::initAltNode(qrn_domain *, qrn_domain *, qrn_domain *, bool)
@@ -668,7 +768,7 @@ bool CFiPluginBase::isShuttingDown(bool set)
 
 void CFiPluginBase::addDefaultConfigInfoParam(CFiConfigParamInfo &param, int mode, bool group)
 {
-    globalConfigInfoList(mode, group).add(param);
+    globalConfigInfoList(mode, group).addParamInfo(param);
 }
 
 int CFiPluginBase::setOwnerIds(std::string, int32_t, int32_t)

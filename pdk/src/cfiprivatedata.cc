@@ -2,7 +2,10 @@
 
 #include <cstring>
 
+#include "cfiformatoption.h"
 #include "cfistringtool.h"
+#include "cfitracelogfunction.h"
+#include "cfiudid.h"
 #include "qorinutil.h"
 #include "qrn_results.h"
 
@@ -58,6 +61,50 @@ CFiConfigParamInfoList &CFiPrivateData::configInfoList(int mode)
         list = new CFiConfigParamInfoList;
     }
     return *list;
+}
+
+bool CFiPrivateData::hasConfigDataList(int mode)
+{
+    return !m_configDataLists[modeIndex(mode)].isNull();
+}
+
+CFiConfigParamDataList &CFiPrivateData::configDataList(int mode)
+{
+    CFiSmartPtr<CFiConfigParamDataList> &list = m_configDataLists[modeIndex(mode)];
+    if (list.isNull()) {
+        list = new CFiConfigParamDataList;
+    }
+    return *list;
+}
+
+void CFiPrivateData::addDefaultConfigParamsToDataList(int mode, CFiConfigParamInfoList *list)
+{
+    CFiTraceLogFunction traceFunction(m_traceLog, "qorin_pdk_4_4::CFiPrivateData::addDefaultConfigParamsToDataList");
+    const CFiConfigParamDataList defaults =
+        list != nullptr ? list->getDefaultDataList() : configInfoList(mode).getDefaultDataList();
+    const std::vector<std::string> defaultKeys = defaults.getKeys();
+    if (defaultKeys.empty()) {
+        return;
+    }
+    CFiConfigParamDataList &data = configDataList(mode);
+    const std::vector<std::string> keys = data.getKeys();
+    if (keys.empty()) {
+        data = defaults;
+        return;
+    }
+    for (const std::string &key : defaultKeys) {
+        // A configured key that merely contains the default's key counts as setting it too.
+        bool configured = false;
+        for (const std::string &given : keys) {
+            if (given.find(key) != std::string::npos) {
+                configured = true;
+                break;
+            }
+        }
+        if (!configured) {
+            data.addParamData(CFiFormatOption(key.c_str(), defaults.getValue(key.c_str()).c_str()));
+        }
+    }
 }
 
 void CFiPrivateData::setIntent(qrn_intent intent)
@@ -191,6 +238,96 @@ void CFiPrivateData::addTarget(std::string target)
 void CFiPrivateData::setConfiguredTarget(std::string &target)
 {
     m_configuredTarget = target;
+}
+
+int CFiPrivateData::selectTargetFromConfigData()
+{
+    CFiTraceLogFunction traceFunction(m_traceLog, "qorin_pdk_4_4::CFiPrivateData::selectTargetFromConfigData");
+    static const char KEY[] = "snapshot_resource_spec";
+    const wchar_t *objName = getObjName();
+    const wchar_t *name = objName != nullptr ? objName : L"";
+    const CFiUdid udid(objName);
+    trace(3, "called for UDID [%s] \n", udid.toString().c_str());
+
+    if (!hasConfigDataList(1)) {
+        trace(1, "Error: No snapshot configuration data has been specified for [%S]", name);
+        return QRN_ERR_FAILED;
+    }
+    std::string value;
+    if (configDataList(1).getValue(KEY, value) != 0) {
+        trace(1, "Configuration data parameter \"%s\" unspecified for object [%S].", KEY, name);
+        return QRN_ERR_FAILED;
+    }
+    trace(3, "FI_CONFIG_PARAM_SNAPSHOT_RESOURCE_SPEC: [%s]", value.c_str());
+
+    value = CFiStringTool::convertFromXmlSpecialCharacters(value);
+    const std::vector<std::string> specifications = CFiStringTool::tokenize(value, "[]&\n\r");
+    if (specifications.empty() || value.empty()) {
+        trace(1, "Configuration \"%s\" has no resources specified for source [%S].", value.c_str(), name);
+        return QRN_ERR_FAILED;
+    }
+
+    m_targets.clear();
+    bool found = false;
+    for (const std::string &specification : specifications) {
+        trace(3, "Info: resourceSpec [%s] \n", specification.c_str());
+        const std::vector<std::string> parts = CFiStringTool::tokenize(specification, ";");
+        if (parts.empty()) {
+            trace(1, "Source configuration \"%s\" has not targets specified for [%S].", specification.c_str(), name);
+            return QRN_ERR_FAILED;
+        }
+        std::string enclosure;
+        for (const std::string &part : parts) {
+            trace(3, "resourceSpec [%s] \n", part.c_str());
+            std::string device;
+            const size_t separator = part.find("##");
+            if (separator == std::string::npos) {
+                device = part;
+            } else {
+                device = part.substr(separator + 2);
+                // A target's enclosure is read and not used: targets lie in the source's cell.
+                enclosure = part.substr(0, separator);
+            }
+            trace(6, "RESINFO: [%s][%s]", device.c_str(), enclosure.c_str());
+            if (device.empty()) {
+                trace(1, "Source configuration \"%s\" has no device data specified for [%S].", part.c_str(), name);
+                return QRN_ERR_FAILED;
+            }
+            if (found) {
+                addTarget(device);
+                continue;
+            }
+            if (enclosure.empty()) {
+                trace(1, "Source configuration \"%s\" has no enclosure data specified for [%S].", part.c_str(), name);
+                return QRN_ERR_FAILED;
+            }
+            if (!CFiStringTool::CompareNoCase(device, udid.getDisk()) ||
+                !CFiStringTool::CompareNoCase(enclosure, udid.getEnclosure())) {
+                break;
+            }
+            trace(3, "Source found [%s] \n", udid.toString().c_str());
+            found = true;
+        }
+        // The first specification of this node's disk wins; later ones aren't read.
+        if (found) {
+            break;
+        }
+    }
+    if (!found) {
+        trace(1, "No matching source specification found for [%S].", name);
+        return QRN_ERR_FAILED;
+    }
+    const std::vector<std::string> targets = getTargets();
+    if (targets.empty()) {
+        trace(1, "Source configuration found, but no targets are specified for [%S].", name);
+        return QRN_ERR_FAILED;
+    }
+    CFiUdid target(udid);
+    target.setDisk(targets.front());
+    std::string text = target.toString();
+    setConfiguredTarget(text);
+    trace(3, "Target Udid [%s] \n", text.c_str());
+    return QRN_OK;
 }
 
 void CFiPrivateData::setOwnerGID(int32_t owner, int32_t group)

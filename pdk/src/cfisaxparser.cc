@@ -10,6 +10,7 @@
 #include <xercesc/util/BinInputStream.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/SecurityManager.hpp>
 #include <xercesc/util/XMLException.hpp>
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
@@ -104,6 +105,8 @@ void CFiSaxParser::init()
         m_reader->setFeature(XMLUni::fgSAX2CoreNameSpacePrefixes, false);
         // Output of an outside tool: an entity must never make the parser fetch a file or URL.
         m_reader->setFeature(XMLUni::fgXercesDisableDefaultEntityResolution, true);
+        // Nor may a declared entity expand without end (the "billion laughs").
+        m_reader->setProperty(XMLUni::fgXercesSecurityManager, &m_security);
     } catch (const XMLException &) {
         // Without a reader parse reports the failure to the handler.
     }
@@ -115,6 +118,8 @@ void CFiSaxParser::setHandler(DefaultHandler *handler)
     if (m_reader != nullptr) {
         m_reader->setContentHandler(handler);
         m_reader->setErrorHandler(handler);
+        // So that a handler can see a document type declaration and refuse it.
+        m_reader->setLexicalHandler(handler);
     }
 }
 
@@ -164,7 +169,10 @@ void CFiSaxParser::run(InputSource &source)
     try {
         m_reader->parse(source);
     } catch (const SAXParseException &e) {
-        reportToHandler(e.getMessage());
+        // Thrown by a handler to stop the parse: its place in the text stays with it.
+        if (m_handler != nullptr) {
+            m_handler->fatalError(e);
+        }
     } catch (const SAXException &e) {
         reportToHandler(e.getMessage());
     } catch (const XMLException &e) {
