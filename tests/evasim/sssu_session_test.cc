@@ -22,9 +22,13 @@ protected:
 
 TEST_F(SssuSession, BannerPromptsAndEchoHaveTheToolsShape)
 {
-    const Outcome r = h.sssu({"ls cell"}, "");
+    std::string const script = h.sssuScript({"ls cell"}, "");
+    const Outcome r = h.evasim({"FILE " + script});
     ASSERT_EQ(r.status, 0);
     std::string const expected = "\n\nSSSU for HP StorageWorks Command View EVA\nVersion: 8.0.2 \nBuild: 080206A\n\n"
+                                 "NoSystemSelected> file " +
+                                 script +
+                                 "\n"
                                  "NoSystemSelected> set option NOCOMMAND_DELAY\n\n"
                                  "NoSystemSelected> set option DISPLAY_WIDTH=200\n\n"
                                  "NoSystemSelected> set option ON_ERROR=EXIT_ON_ERROR\n\n"
@@ -65,7 +69,6 @@ TEST_F(SssuSession, FailedLoginsPrintTheConnectionErrorRunNothingElseAndExitZero
         {"select manager cv1 user=admin password=wrong", "wrong password"},
         {"select manager cv1 user=root password=secret", "wrong user"},
         {"select manager cv2 user=admin password=secret", "unreachable server"},
-        {"select manager cv1 password=secret", "no user"},
     };
     for (const Case &c : cases) {
         const Outcome r = h.sssu({"ls cell"}, "EVA01", c.login);
@@ -75,6 +78,38 @@ TEST_F(SssuSession, FailedLoginsPrintTheConnectionErrorRunNothingElseAndExitZero
         EXPECT_FALSE(r.has("select cell")) << c.why;
         EXPECT_FALSE(r.has("ls cell")) << c.why;
     }
+}
+
+// SSSU's login keyword is USERNAME=; any unique beginning of a keyword stands for it.
+TEST_F(SssuSession, KeywordsTakeAnyUniqueBeginningAndAnAmbiguousOneIsAnError)
+{
+    for (const char *login : {"select manager cv1 USERNAME=admin PASSWORD=secret", "sel man cv1 u=admin pass=secret",
+                              "SELECT MANAGER cv1 user=admin password=secret"}) {
+        const Outcome r = h.sssu({"ls vd", "LS H \"h1\" X", "ADD SNAP \"s1\" VD=\"d1\" ALLOC=FULLY RED=Vraid0", "ex"},
+                                 "EVA01", login);
+        EXPECT_EQ(r.status, 0) << login << "\n" << r.out;
+        EXPECT_TRUE(r.has("Vdisks available on this Cell:")) << login;
+        EXPECT_TRUE(r.has("<objectname>\\Hosts\\h1</objectname>")) << login;
+        EXPECT_EQ(h.disk("\\Virtual Disks\\d1\\s1").at("type"), "snapshot") << login;
+        EXPECT_TRUE(r.has("EVA01> ex")) << login;
+        ASSERT_EQ(h.sssu({"DELETE VDISK \"\\Virtual Disks\\d1\\s1\""}).status, 0);
+    }
+    const Outcome ambiguous = h.sssu({"LS D"});
+    EXPECT_EQ(ambiguous.status, 1);
+    const std::vector<std::string> l = ambiguous.lines();
+    EXPECT_EQ(l[l.size() - 2], std::string(10, ' ') + "^");
+    EXPECT_EQ(l.back(), "Error: Ambiguous keyword at or near here");
+    EXPECT_EQ(h.sssu({"S OPTION ON_ERROR=CONTINUE"}).lines().back(), "Error: Ambiguous keyword at or near here");
+}
+
+TEST_F(SssuSession, ALoginWithoutUserOrPasswordIsAnErrorOfItsOwn)
+{
+    const Outcome noUser = h.sssu({"ls cell"}, "", "select manager cv1 password=secret");
+    EXPECT_EQ(noUser.status, 1) << "an error, under EXIT_ON_ERROR";
+    EXPECT_EQ(noUser.lines().back(), "Error: SELECT MANAGER needs a user: USERNAME=<user>");
+    EXPECT_FALSE(noUser.has("https"));
+    EXPECT_EQ(h.sssu({"ls cell"}, "", "select manager cv1 user=admin").lines().back(),
+              "Error: SELECT MANAGER needs a password: PASSWORD=<password>");
 }
 
 TEST_F(SssuSession, WithoutStateNoServerAnswersButTheBannerStillShows)

@@ -101,10 +101,10 @@ TEST_F(State, ARunKilledAtAnyLineKeepsExactlyTheCommandsAnsweredBeforeIt)
 TEST_F(State, HistoryTellsEveryRunWithItsCommandsAnswersAndExitStatus)
 {
     h.sssu({"LS HOST", "ADD SNAPSHOT \"s\" VDISK=\"d1\"", "DELETE VDISK \"nosuch\"", "LS VDISK"});
-    ASSERT_EQ(h.evasim({"fault", "silence", "--seconds", "60", "--after-line", "15"}).status, 0);
+    ASSERT_EQ(h.evasim({"fault", "silence", "--seconds", "60", "--after-line", "16"}).status, 0);
     h.evasim({"FILE " + h.script({"select manager cv1 user=admin password=secret", "select cell EVA01", "LS HOST",
                                   "ADD SNAPSHOT \"t\" VDISK=\"d1\"", "exit"})},
-             {}, 15);
+             {}, 16);
     const Outcome tsv = h.evasim({"history", "--format", "tsv"});
     EXPECT_TRUE(tsv.has("1\t1\t4\tok\tselect manager cv1 user=admin password=********\t\n")) << tsv.out;
     EXPECT_TRUE(tsv.has("1\t1\t6\tok\tLS HOST\tHosts available on this Cell: | \\Hosts\\h1 | \\Hosts\\lab\\h2\n"));

@@ -2,6 +2,7 @@
 
 #include "array_ops.h"
 #include "history.h"
+#include "keywords.h"
 #include "object_describer.h"
 #include "output.h"
 #include "run_store.h"
@@ -12,6 +13,7 @@
 #include "world.h"
 #include "xml_object_writer.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace evasim {
@@ -113,7 +115,7 @@ int Interpreter::run(const std::vector<std::string> &lines)
 Interpreter::Result Interpreter::command(const std::string &raw)
 {
     std::string const body = trim(raw);
-    const bool login = istartsWith(body, "select manager ") || istartsWith(body, "select manager\t");
+    const bool login = isLogin(body);
     if (!login) {
         m_out.line(prompt() + raw);
     }
@@ -122,12 +124,7 @@ Interpreter::Result Interpreter::command(const std::string &raw)
         m_out.beforeNextLine([this] { m_store->commitCommand(); });
     }
     m_out.capture(History::kAnswerLines);
-    Result r = Result::Exit;
-    if (login) {
-        r = loginLine(body);
-    } else if (!(istartsWith(body, "exit") && trim(body.substr(4)).empty())) {
-        r = execute(raw);
-    }
+    const Result r = login ? loginLine(body) : execute(raw);
     long long count = 0;
     std::vector<std::string> answer = m_out.captured(count);
     if (m_store) {
@@ -139,33 +136,75 @@ Interpreter::Result Interpreter::command(const std::string &raw)
     return r;
 }
 
+bool Interpreter::isLogin(const std::string &body)
+{
+    std::vector<std::string> words;
+    for (const std::string &w : split(body, ' ')) {
+        if (!w.empty() && words.size() < 2) {
+            words.push_back(w);
+        }
+    }
+    std::string verb, object;
+    return words.size() == 2 && Keywords::match(words[0], {"SELECT", "SET"}, verb) == Keywords::Match::One &&
+           verb == "SELECT" &&
+           Keywords::match(words[1], {"CELL", "MANAGER", "SYSTEM"}, object) == Keywords::Match::One &&
+           object == "MANAGER";
+}
+
 Interpreter::Result Interpreter::loginLine(const std::string &line)
 {
-    // "select manager <host> user=<user> password=<password>": the password runs to the end of
-    // the line and may hold blanks, so the line is cut by its keywords, not by words.
-    std::string const rest = trim(line.substr(14));
-    std::string const lowered = lower(rest);
-    const size_t userAt = lowered.find(" user=");
-    const size_t passwordAt = lowered.find(" password=");
-    bool ok = m_world && userAt != std::string::npos && passwordAt != std::string::npos && userAt < passwordAt;
-    ServerRec *server = nullptr;
-    if (ok) {
-        std::string const host = trim(rest.substr(0, userAt));
-        std::string const user = rest.substr(userAt + 6, passwordAt - userAt - 6);
-        std::string const password = rest.substr(passwordAt + 10);
-        server = m_world->serverByHost(host);
-        ok = server && server->reachable && server->user == user && server->password == password;
-        for (Fault &f : *m_faults) {
-            if (f.kind != "https" || f.remaining <= 0) {
-                continue;
-            }
-            if (!f.server.empty() && !iequals(f.server, host)) {
-                continue;
-            }
-            --f.remaining;
-            ok = false;
+    // "select manager <host> USERNAME=<user> PASSWORD=<password>": the password runs to the end of
+    // the line and may hold blanks, so the line is read word by word only up to it.
+    std::string host, user, password;
+    bool hasUser = false, hasPassword = false;
+    size_t at = 0;
+    for (int skip = 0; skip < 2; ++skip) {
+        at = line.find_first_not_of(" \t", at);
+        at = line.find_first_of(" \t", at);
+    }
+    while (at != std::string::npos && !hasPassword) {
+        const size_t start = line.find_first_not_of(" \t", at);
+        if (start == std::string::npos) {
             break;
         }
+        const size_t end = std::min(line.find_first_of(" \t", start), line.size());
+        std::string const word = line.substr(start, end - start);
+        at = end == line.size() ? std::string::npos : end;
+        const size_t eq = word.find('=');
+        if (eq == std::string::npos || eq == 0) {
+            if (!host.empty()) {
+                return error("Unexpected " + word + " in SELECT MANAGER");
+            }
+            host = word;
+            continue;
+        }
+        std::string key;
+        if (Keywords::match(word.substr(0, eq), {"USERNAME", "PASSWORD"}, key) != Keywords::Match::One) {
+            return error("Unknown keyword " + word.substr(0, eq + 1) + " in SELECT MANAGER");
+        }
+        if (key == "USERNAME") {
+            user = word.substr(eq + 1), hasUser = true;
+        } else {
+            password = line.substr(start + eq + 1), hasPassword = true;
+        }
+    }
+    if (host.empty()) {
+        return error("SELECT MANAGER needs the name of a manager");
+    }
+    if (!hasUser || user.empty()) {
+        return error("SELECT MANAGER needs a user: USERNAME=<user>");
+    }
+    if (!hasPassword || password.empty()) {
+        return error("SELECT MANAGER needs a password: PASSWORD=<password>");
+    }
+    ServerRec *server = m_world ? m_world->serverByHost(host) : nullptr;
+    bool ok = server && server->reachable && server->user == user && server->password == password;
+    for (Fault &f : *m_faults) {
+        if (!ok || f.kind != "https" || f.remaining <= 0 || (!f.server.empty() && !iequals(f.server, host))) {
+            continue;
+        }
+        --f.remaining;
+        ok = false;
     }
     if (!ok) {
         m_out.line(kHttps);
@@ -184,11 +223,11 @@ Interpreter::Result Interpreter::error(const std::string &message)
     return Result::Error;
 }
 
-Interpreter::Result Interpreter::syntaxError(const std::string &line, size_t column)
+Interpreter::Result Interpreter::syntaxError(const std::string &line, size_t column, const char *message)
 {
     m_out.line("");
     m_out.line(std::string(prompt().size() + column, ' ') + "^");
-    m_out.line("Error: Syntax error at or near here");
+    m_out.line(std::string("Error: ") + message);
     return Result::Error;
 }
 
@@ -278,8 +317,14 @@ Interpreter::Result Interpreter::execute(const std::string &line)
     if (!Tokenizer::split(line, t, bad)) {
         return syntaxError(line, bad);
     }
+    if (!Keywords::expand(t, bad)) {
+        return syntaxError(line, bad, "Ambiguous keyword at or near here");
+    }
     if (t.empty()) {
         return Result::Ok;
+    }
+    if (t[0].is("EXIT")) {
+        return t.size() == 1 ? Result::Exit : syntaxError(line, t[1].column);
     }
     Fault injected;
     if (takeFault("error", line, &injected)) {
@@ -310,7 +355,7 @@ Interpreter::Result Interpreter::setCommand(const std::string &line, const std::
     if (t.size() < 2) {
         return syntaxError(line, line.size());
     }
-    if (t[1].is("OPTION") || t[1].is("OPTIONS")) {
+    if (t[1].is("OPTIONS")) {
         return setOptions(line, t);
     }
     if (t[1].is("VDISK")) {
@@ -369,7 +414,7 @@ Interpreter::Result Interpreter::setVdisk(const std::string &line, const std::ve
             change.hasWwlunid = true, change.wwlunid = o.value;
         } else if (o.isKey("WRITECACHE")) {
             change.hasWritecache = true, change.writecache = o.value;
-        } else if (o.isKey("COMMENT") || o.isKey("COMMENTS")) {
+        } else if (o.isKey("COMMENT")) {
             change.hasComment = true, change.comment = o.value;
         } else {
             return syntaxError(line, o.column);

@@ -36,10 +36,11 @@ private:
     std::string prompt() const;
     // One line of the script: echo, the command in its own transaction, its answer in the history.
     Result command(const std::string &raw);
+    static bool isLogin(const std::string &body);
     Result loginLine(const std::string &line);
     Result execute(const std::string &line);
     Result error(const std::string &message);
-    Result syntaxError(const std::string &line, size_t column);
+    Result syntaxError(const std::string &line, size_t column, const char *message = "Syntax error at or near here");
     bool needManager();
     bool needSystem();
 

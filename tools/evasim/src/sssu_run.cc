@@ -91,6 +91,8 @@ int SssuRun::run()
     for (std::string l; std::getline(in, l);) {
         lines.push_back(l);
     }
+    // The tool takes FILE as its first command, typed at the first prompt, and echoes it so.
+    out.line("NoSystemSelected> file " + m_script);
     const int status = Interpreter(out, store.get(), settings, delay).run(lines);
     out.flush();
     if (store) {
