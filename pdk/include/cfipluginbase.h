@@ -7,6 +7,7 @@
 #include <ace/Recursive_Thread_Mutex.h>
 
 #include "cficonfigparaminfolist.h"
+#include "cfienv.h"
 #include "cfierrormanager.h"
 #include "cfiexport.h"
 #include "cfimessagecatalogmanager.h"
@@ -32,7 +33,7 @@ using CFiSessionPtr = CFiSmartPtr<CFiSession, CFiNullAllocator<CFiSession>>;
 
 // Base of every provider of the kit: one virtual operation per entry of the table, each
 // with a harmless default, so that a provider overrides only what it implements. Results:
-// 0 success, 3 invalid arguments, 4 not provided in this form.
+// QRN_OK, QRN_ERR_INVALID_ARGUMENT, QRN_ERR_NOT_PROVIDED (not in this form).
 class QORIN_PDK_API CFiPluginBase : public virtual CFiRefCount, public virtual CFiTraceable {
 public:
     ~CFiPluginBase() override;
@@ -138,6 +139,11 @@ public:
     void addDefaultConfigInfoParam(CFiConfigParamInfo &param, int mode, bool group);
     int setOwnerIds(std::string owner, int32_t uid, int32_t gid);
 
+    // Where operations sleep, read the clock and start programs: the real env unless a
+    // test gives another, which must outlive the plug-in.
+    CFiEnv *env() const { return m_env; }
+    void setEnv(CFiEnv *env) { m_env = env != nullptr ? env : CFiEnv::defaultEnv(); }
+
 protected:
     CFiPluginBase();
 
@@ -156,6 +162,7 @@ protected:
     CFiConfigParamInfoList m_groupParamLists[2];
     int32_t m_messageIndexOffset;
     bool m_delayedInitDone;
+    CFiEnv *m_env = CFiEnv::defaultEnv();
 };
 
 }  // namespace qorin_pdk_4_4

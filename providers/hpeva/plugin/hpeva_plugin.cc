@@ -24,6 +24,13 @@ CHpEvaGuard CHpEvaPlugin::guard(const char *operation, int line, bool initialisa
     return CHpEvaGuard(m_errorManager, m_traceLog, operation, kSourceFile, line, initialisation);
 }
 
+CHpEvaCliTool CHpEvaPlugin::newCliTool() const
+{
+    CHpEvaCliTool tool(cliTool);
+    tool.setEnv(env());
+    return tool;
+}
+
 int CHpEvaPlugin::getProviderInfo(qrn_provider_list **out)
 {
     CFiTraceLogFunction traceFunction(processTraceLog(), "CHpEvaPlugin::getProviderInfo");

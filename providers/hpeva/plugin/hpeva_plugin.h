@@ -39,6 +39,8 @@ public:
 protected:
     // The catch ladder for one operation of this class; line is the guard's call site.
     CHpEvaGuard guard(const char *operation, int line, bool initialisation = false) const;
+    // The configured SSSU for one operation, running on this plug-in's env().
+    CHpEvaCliTool newCliTool() const;
 
     // The filter's provider, vendor and product keys.
     bool providerPasses(const CHpEvaNodeFilter &filter) const;

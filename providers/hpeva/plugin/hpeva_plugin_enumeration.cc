@@ -61,7 +61,7 @@ int CHpEvaPlugin::enumerateNodes(qrn_node_list **out, int *count, int flags, wch
         if (invokeDelayedInit() != QRN_OK) {
             return QRN_ERR_DELAYED_INIT;
         }
-        CHpEvaCliTool tool(cliTool);
+        CHpEvaCliTool tool = newCliTool();
         if (filter.has("udid")) {
             trace(6, "Matching a single UDID as per filter");
             CFiUdid udid(filter.get("udid"));
@@ -182,7 +182,7 @@ int CHpEvaPlugin::enumerateHostNodes(qrn_host_node_list **out, int *count, wchar
         if (invokeDelayedInit() != QRN_OK) {
             return QRN_ERR_DELAYED_INIT;
         }
-        CHpEvaCliTool tool(cliTool);
+        CHpEvaCliTool tool = newCliTool();
         for (const SHpEvaCell &cell : cells) {
             if (!cellPasses(filter, cell)) {
                 continue;

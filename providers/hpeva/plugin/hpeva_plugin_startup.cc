@@ -83,7 +83,7 @@ int CHpEvaPlugin::delayedInit()
 {
     CFiTraceLogFunction traceFunction(m_traceLog, "CHpEvaPlugin::delayedInit");
     return guard("delayedInit", __LINE__, true).run([&] {
-        CHpEvaCliTool tool(cliTool);
+        CHpEvaCliTool tool = newCliTool();
         if (tool.checkVersion() != QRN_OK) {
             pushMessage(m_errorManager, hpeva_msg::MSG_ERROR_VERSION_CHECK, QRN_SEVERITY_WARNING, kSourceFile, __LINE__,
                         text(tool.getPath()));

@@ -1,11 +1,8 @@
 #include "hpeva_clitool.h"
 
-#include <ace/OS_NS_unistd.h>
-#include <ace/Time_Value.h>
+#include <memory>
 
-#include "cfiexecpipeposix.h"
 #include "cfisemaphoreguard.h"
-#include "cfisemaphoreposix.h"
 #include "cfistringtool.h"
 #include "cfitracelogfunction.h"
 #include "hpeva_clierrorprocessor.h"
@@ -39,14 +36,12 @@ void CHpEvaCliTool::execSSSU(const ACE_WString &arguments, std::vector<std::stri
     CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::execSSSU");
 
-    // Lives until the library unloads; the kernel drops the lock of a process that dies.
-    static CFiSemaphorePosix semaphore(SEMAPHORE_KEY);
     log->trace(6, "execSSSU : Acquring lock .");
-    CFiSemaphoreGuard hold(&semaphore);
+    CFiSemaphoreGuard hold(&m_env->machineLock(SEMAPHORE_KEY));
     log->trace(6, "execSSSU : Got the lock .");
 
-    CFiExecPipePosix pipe(1);
-    pipe.setTraceLog(log);
+    std::unique_ptr<CFiExecPipeBase> pipe = m_env->newExecPipe();
+    pipe->setTraceLog(log);
     lines.clear();
 
     ACE_WString command(L"\"");
@@ -62,8 +57,8 @@ void CHpEvaCliTool::execSSSU(const ACE_WString &arguments, std::vector<std::stri
     do {
         repeat = false;
         log->trace(3, "Command going to execute is :[%S]", command.c_str());
-        status = pipe.Exec(narrow, lines, std::string(), static_cast<uint32_t>(timeout), std::string(), std::string(),
-                           std::string());
+        status = pipe->Exec(narrow, lines, std::string(), static_cast<uint32_t>(timeout), std::string(), std::string(),
+                            std::string());
         log->trace(3, "execSSSU : command returned [%d] lines .", static_cast<int>(lines.size()));
         if (lines.empty()) {
             break;
@@ -73,14 +68,14 @@ void CHpEvaCliTool::execSSSU(const ACE_WString &arguments, std::vector<std::stri
             log->trace(2, "Command [%S] returned https connection error, retrying!!! ", command.c_str());
             repeat = true;
             --attemptsLeft;
-            ACE_OS::sleep(ACE_Time_Value(1));
+            m_env->sleepForSeconds(RETRY_WAIT);
         }
     } while (repeat && attemptsLeft != 0);
 
     CHpEvaCliErrorProcessor::cleanPassword(lines);
     const bool tolerated = CHpEvaCliErrorProcessor::processBuffer(lines, command);
     if (status != 0 && !tolerated) {
-        EFiExecPipe failure = pipe.getLastError();
+        EFiExecPipe failure = pipe->getLastError();
         if (status == QRN_EXEC_PIPE_CMD_FAILED) {
             log->trace(1, "execSSSU: CLI Command [%s] failed with error [%ld].", narrow.c_str(),
                        static_cast<long>(failure.getStatus()));

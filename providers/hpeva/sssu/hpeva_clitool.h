@@ -7,6 +7,7 @@
 
 #include <ace/SString.h>
 
+#include "cfienv.h"
 #include "hpeva_cell.h"
 #include "hpeva_drgroup.h"
 #include "hpeva_host.h"
@@ -25,6 +26,8 @@ public:
     // Key of the machine-wide lock that lets one SSSU run at a time ("qorin-sem-1002").
     static const int SEMAPHORE_KEY = 1002;
     static const int MAX_RUNS = 3;
+    // Seconds between two runs of one execSSSU.
+    static const int RETRY_WAIT = 1;
 
     CHpEvaCliTool();
     CHpEvaCliTool(const ACE_WString &directory, const ACE_WString &fileName);
@@ -36,9 +39,14 @@ public:
     // Directory and file name joined.
     ACE_WString getPath() const;
 
+    // Where runs sleep, start SSSU and take the machine-wide lock: the real env unless a
+    // test gives another, which must outlive every copy of the tool.
+    qorin_pdk_4_4::CFiEnv *env() const { return m_env; }
+    void setEnv(qorin_pdk_4_4::CFiEnv *env) { m_env = env != nullptr ? env : qorin_pdk_4_4::CFiEnv::defaultEnv(); }
+
     // Runs SSSU with arguments (CHpEvaCommandTempFile::getCommandFileOption) under the
-    // machine-wide lock; a run that couldn't reach the Command View server is repeated, up
-    // to three runs in all. On return lines holds the last run's output with passwords
+    // machine-wide lock; a run that couldn't reach the Command View server is repeated after
+    // a second's sleep, up to three runs in all (and three sleeps). On return lines holds the last run's output with passwords
     // masked. Throws CHpEvaCliException for no output or an unexpected "Error: " line, and
     // EFiExecPipe for a failed run whose output shows no error. lines keeps what was read.
     void execSSSU(const ACE_WString &arguments, std::vector<std::string> &lines, int timeout) const;
@@ -86,6 +94,7 @@ public:
 private:
     ACE_WString m_fileName;
     ACE_WString m_directory;
+    qorin_pdk_4_4::CFiEnv *m_env = qorin_pdk_4_4::CFiEnv::defaultEnv();
 };
 
 #endif

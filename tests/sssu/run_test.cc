@@ -1,0 +1,240 @@
+// execSSSU and the commands above it with SSSU answered in process: the command line and
+// script a run gets, the connection retries and their sleeps (counted, never slept), what
+// counts as a failed run, masking, and the names of a cell listing.
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "cfiexecpipeposix.h"
+#include "efiexecpipe.h"
+#include "hpeva_cliexception.h"
+#include "hpeva_commandtempfile.h"
+#include "qrn_results.h"
+#include "sssu_support.h"
+#include "test_env.h"
+
+using namespace qorin_pdk_4_4;
+using namespace sssu_test;
+
+namespace {
+
+const char kConnection[] = "\n\nError opening https connection\n";
+
+SFiCredential login()
+{
+    SFiCredential c;
+    c.hostname = L"cv1";
+    c.username = L"admin";
+    c.password = L"s3cret word";
+    return c;
+}
+
+class SssuRun : public ::testing::Test {
+protected:
+    SssuRun() : sssu(&clock), tool(L"/opt/HP/SSSU/", L"sssu_linux_x64")
+    {
+        recorder = &processRecorder();
+        recorder->clear();
+        tmp = makeTempDir("sssu-run");
+        setenv("TMPDIR", tmp.c_str(), 1);
+        tool.setEnv(&sssu);
+    }
+    ~SssuRun() override { removeTree(tmp); }
+
+    // One run of a one-command script, as an array operation makes it.
+    void run(std::vector<std::string> &lines, const wchar_t *command = L"LS CELL")
+    {
+        CHpEvaCommandTempFile script(login(), ACE_WString(command), ACE_WString());
+        tool.execSSSU(script.getCommandFileOption(), lines, 30);
+    }
+
+    tamlin_test::RecordingClock clock;
+    tamlin_test::CannedSssu sssu;
+    CHpEvaCliTool tool;
+    Recorder *recorder = nullptr;
+    std::string tmp;
+};
+
+}  // namespace
+
+TEST_F(SssuRun, OneArgumentAfterTheToolAMaskedOutputAndNoPasswordInTheTrace)
+{
+    sssu.answerAll("\n\nSSSU for HP StorageWorks Command View EVA\n"
+                   "NoSystemSelected> select manager cv1 user=admin password=s3cret word\n"
+                   "\nNoSystemSelected> LS CELL\n\ncell1\n");
+    std::vector<std::string> lines;
+    std::string scriptPath;
+    {
+        CHpEvaCommandTempFile script(login(), ACE_WString(L"LS CELL"), ACE_WString());
+        scriptPath = CFiStringTool::tstr2str(script.getPath());
+        tool.execSSSU(script.getCommandFileOption(), lines, 30);
+    }
+    ASSERT_EQ(sssu.runs(), 1);
+    EXPECT_EQ(CFiExecPipePosix::splitCommandLine(sssu.commandLine(1)),
+              (std::vector<std::string>{"/opt/HP/SSSU/sssu_linux_x64", "FILE " + scriptPath}));
+    EXPECT_NE(sssu.script(1).find("password=s3cret word\nLS CELL\nexit\n"), std::string::npos);
+    EXPECT_EQ(lines, (std::vector<std::string>{"", "", "SSSU for HP StorageWorks Command View EVA",
+                                               "NoSystemSelected> select manager cv1 user=admin password=********", "",
+                                               "NoSystemSelected> LS CELL", "", "cell1"}));
+    EXPECT_TRUE(recorder->traced("Command going to execute is :[\"/opt/HP/SSSU/sssu_linux_x64\"  \"FILE " + scriptPath +
+                                 "\"]"));
+    EXPECT_TRUE(recorder->traced("execSSSU : Got the lock ."));
+    EXPECT_TRUE(recorder->traced("execSSSU : Releasing the lock ."));
+    for (const std::string &line : recorder->lines) {
+        EXPECT_EQ(line.find("s3cret"), std::string::npos) << line;
+    }
+    EXPECT_TRUE(filesIn(tmp).empty()) << "the script is gone after the run";
+    EXPECT_TRUE(clock.sleeps().empty());
+}
+
+TEST_F(SssuRun, AConnectionFailureIsRunThreeTimesAtMostWithASecondAfterEach)
+{
+    sssu.answerAll(kConnection);
+    std::vector<std::string> lines;
+    run(lines);
+    EXPECT_EQ(sssu.runs(), 3);
+    EXPECT_EQ(clock.sleeps(), (std::vector<uint32_t>{1, 1, 1})) << "the third failure sleeps too";
+    EXPECT_EQ(recorder->count("returned https connection error, retrying!!! "), 3u);
+    // Without "Error: " the last run's output is judged like any other: it passes.
+    EXPECT_EQ(lines.back(), "Error opening https connection");
+}
+
+TEST_F(SssuRun, ACleanSecondRunLeavesOnlyItsOwnLines)
+{
+    sssu.answer(1, kConnection);
+    sssu.answer(2, "second run\n");
+    std::vector<std::string> lines;
+    run(lines);
+    EXPECT_EQ(sssu.runs(), 2);
+    EXPECT_EQ(clock.sleeps(), std::vector<uint32_t>{1});
+    EXPECT_EQ(lines, std::vector<std::string>{"second run"});
+}
+
+TEST_F(SssuRun, ThePrefixedConnectionErrorOnTheLastRunFails)
+{
+    sssu.answerAll("Error: Error opening https connection\n");
+    std::vector<std::string> lines;
+    try {
+        run(lines);
+        ADD_FAILURE() << "succeeded";
+    } catch (const CHpEvaCliException &e) {
+        EXPECT_EQ(e.getKind(), CHpEvaCliException::CLI_COMMAND_FAILED);
+        EXPECT_EQ(e.getErrorText(), "Error: Error opening https connection");
+    }
+    EXPECT_EQ(sssu.runs(), 3);
+}
+
+TEST_F(SssuRun, StatusAndErrorLinesDecideTogether)
+{
+    struct Row {
+        const char *output;
+        int status;
+        enum { OK, NO_DATA, COMMAND_FAILED, PIPE } outcome;
+        const char *errorText;
+    } rows[] = {
+        {"", 0, Row::NO_DATA, ""},
+        {"", 3, Row::NO_DATA, ""},
+        {"fine\n", 0, Row::OK, ""},
+        {"x\nError: Deletion completed\n", 1, Row::OK, ""},
+        {"Error: Deletion completed\nError: Virtual disk busy\n", 1, Row::COMMAND_FAILED, "Error: Virtual disk busy"},
+        {"Error: Virtual disk busy\n", 0, Row::COMMAND_FAILED, "Error: Virtual disk busy"},
+        {"no error text\n", 1, Row::PIPE, ""},
+    };
+    for (const Row &row : rows) {
+        sssu.answerAll(row.output, row.status);
+        std::vector<std::string> lines;
+        try {
+            run(lines, L"DELETE VDISK x");
+            EXPECT_EQ(row.outcome, Row::OK) << row.output;
+        } catch (const CHpEvaCliException &e) {
+            EXPECT_EQ(row.outcome, e.getKind() == CHpEvaCliException::CLI_NO_DATA ? Row::NO_DATA : Row::COMMAND_FAILED)
+                << row.output;
+            EXPECT_EQ(e.getErrorText(), row.errorText);
+        } catch (const EFiExecPipe &e) {
+            EXPECT_EQ(row.outcome, Row::PIPE) << row.output;
+            EXPECT_EQ(e.getCode(), QRN_EXEC_PIPE_CMD_FAILED);
+            EXPECT_EQ(e.getStatus(), row.status);
+            EXPECT_TRUE(recorder->traced("CLIDATA: [no error text]"));
+            EXPECT_EQ(lines, std::vector<std::string>{"no error text"}) << "the caller keeps what was read";
+        }
+        EXPECT_TRUE(filesIn(tmp).empty()) << "script left behind: " << row.output;
+    }
+}
+
+TEST_F(SssuRun, APasswordEchoIsMaskedInTheExceptionTheMessageAndTheTrace)
+{
+    sssu.answerAll("NoSystemSelected> select manager cv1 user=admin password=s3cret word\n"
+                   "Error: Login failed\n");
+    std::vector<std::string> lines;
+    try {
+        run(lines);
+        ADD_FAILURE() << "succeeded";
+    } catch (const CHpEvaCliException &e) {
+        EXPECT_EQ(e.getOutput()[0], "NoSystemSelected> select manager cv1 user=admin password=********");
+        EXPECT_EQ(e.report(), QRN_ERR_FAILED);
+    }
+    ASSERT_EQ(recorder->messages.size(), 1u);
+    const qrn_msg_info *pushed = recorder->messages[0]->serialize();
+    std::string text(pushed->text, pushed->length);
+    EXPECT_NE(text.find("password=********"), std::string::npos);
+    EXPECT_EQ(text.find("s3cret"), std::string::npos);
+    for (const std::string &line : recorder->lines) {
+        EXPECT_EQ(line.find("s3cret"), std::string::npos) << line;
+    }
+}
+
+TEST_F(SssuRun, ALineBreakInAnOperationsValueNeverStartsTheTool)
+{
+    SFiCredential broken = login();
+    broken.hostname = L"cv1\nselect manager other";
+    std::vector<std::string> lines;
+    auto operation = [&] {
+        CHpEvaCommandTempFile script(broken, ACE_WString(L"LS CELL"), ACE_WString());
+        tool.execSSSU(script.getCommandFileOption(), lines, 30);
+    };
+    EXPECT_THROW(operation(), CHpEvaCliException);
+    EXPECT_EQ(sssu.runs(), 0);
+    EXPECT_TRUE(filesIn(tmp).empty());
+}
+
+TEST_F(SssuRun, CellNamesEndAtThePromptAndCellsWithoutAWwnAreAllKept)
+{
+    // A cell that tells no WWN can't be matched with another.
+    sssu.answer(1, "\nSystems available on this Manager:\nX1\n  X2 \nNoSystemSelected> exit\nX3\n");
+    sssu.answer(2, "X1 information:\n<object>\n<objectname>X1</objectname>\n</object>\n");
+    sssu.answer(3, "X2 information:\n<object>\n<objectname>X2</objectname>\n</object>\n");
+    SHpEvaCell server;
+    server.hostname = L"cvA";
+    server.username = L"admin";
+    server.password = L"secret";
+    const std::vector<SHpEvaCell> cells = tool.enumerateCells({server});
+    ASSERT_EQ(cells.size(), 2u);
+    EXPECT_EQ(cells[0].cellname, L"X1");
+    EXPECT_EQ(cells[1].cellname, L"X2");
+    EXPECT_EQ(sssu.runs(), 3);
+    EXPECT_NE(sssu.script(3).find("select manager cvA user=admin password=secret\nLS CELL \"X2\" XML\nexit\n"),
+              std::string::npos);
+}
+
+TEST_F(SssuRun, AListingWithoutItsMarkerIsNoDataAndAMarkerOnTheLastLineIsAnEmptyList)
+{
+    SHpEvaCell eva01;
+    eva01.hostname = L"cvA";
+    eva01.username = L"admin";
+    eva01.password = L"secret";
+    eva01.cellname = L"EVA01";
+    sssu.answer(1, "\n\nSSSU for HP StorageWorks Command View EVA\nEVA01> LS HOST\n\nnothing\n");
+    try {
+        tool.listHosts(eva01);
+        ADD_FAILURE();
+    } catch (const CHpEvaCliException &e) {
+        EXPECT_EQ(e.getKind(), CHpEvaCliException::CLI_NO_DATA);
+        EXPECT_EQ(e.getErrorText(), "available on this Cell:");
+    }
+    sssu.answer(2, "EVA01> LS HOST\n\nHosts available on this Cell:\n");
+    EXPECT_TRUE(tool.listHosts(eva01).empty());
+}
