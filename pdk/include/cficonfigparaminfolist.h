@@ -13,8 +13,8 @@
 namespace qorin_pdk_4_4 {
 
 // The parameters a provider describes to the host, sorted by key, with their
-// "ConfigParamList" document. The document text follows every change; a parse that fails
-// changes no parameter.
+// "ConfigParamList" document. Every change rewrites the document text; a parse that fails
+// changes no parameter but leaves the refused text as the document until updateXML.
 class QORIN_PDK_API CFiConfigParamInfoList : public virtual CFiRefCount {
 public:
     static constexpr const char *LIST_ELEMENT = "ConfigParamList";

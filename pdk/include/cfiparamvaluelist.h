@@ -13,8 +13,9 @@
 namespace qorin_pdk_4_4 {
 
 // Parameter values by key, sorted, with the document that describes them: the common part
-// of CFiConfigParamDataList and CFiFormatOptionList. The document text always follows the
-// map: every change rewrites it, and a parse that fails changes no value.
+// of CFiConfigParamDataList and CFiFormatOptionList. Every change rewrites the document text;
+// a parse that fails changes no value but leaves the refused text as the document until
+// updateXML.
 template <class List>
 class CFiParamValueListHandler;
 

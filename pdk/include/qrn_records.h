@@ -93,6 +93,16 @@ typedef struct qrn_confspec {
     wchar_t *text;      // 16: parameter XML in, result XML out
 } qrn_confspec;
 
+// The operations of config.
+enum {
+    QRN_CONFIG_GET = 1,
+    QRN_CONFIG_SET = 2,
+    QRN_CONFIG_CLEAR = 3,
+    QRN_CONFIG_GET_PARAMS = 4,
+    // A second code the host uses for SET.
+    QRN_CONFIG_SET_ALTERNATE = 5
+};
+
 typedef struct qrn_blob {
     uint64_t length;  // 0: bytes, terminator included
     void *data;       // 8

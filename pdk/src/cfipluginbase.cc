@@ -109,7 +109,7 @@ int CFiPluginBase::config(qrn_domain *node, int op, char *sessionId, qrn_confspe
     };
 
     switch (op) {
-    case 1: {
+    case QRN_CONFIG_GET: {
         if (data->hasConfigDataList(mode)) {
             CFiConfigParamDataList &values = data->configDataList(mode);
             if (values.size() != 0) {
@@ -138,8 +138,8 @@ int CFiPluginBase::config(qrn_domain *node, int op, char *sessionId, qrn_confspe
         trace(1, "GET: Mode[%d]: %S \n", mode, spec->text != nullptr ? spec->text : L"");
         break;
     }
-    case 2:
-    case 5: {
+    case QRN_CONFIG_SET:
+    case QRN_CONFIG_SET_ALTERNATE: {
         if (spec->text == nullptr) {
             trace(1, "ERROR: SET: Mode[%d], Invalid config string.\n", mode);
             return QRN_OK;
@@ -156,16 +156,19 @@ int CFiPluginBase::config(qrn_domain *node, int op, char *sessionId, qrn_confspe
         } else {
             trace(1, "ERROR: SET: Mode[%d]: Invalid XML [%S] \n", mode, spec->text);
             trace(1, "ERROR: SET: Mode[%d]: %s", mode, values.getParseError().describe().c_str());
+            // The refused text would otherwise stand as the node's document, and GET would hand
+            // it out over values that are still the old ones.
+            values.updateXML();
             spec->text = nullptr;
         }
         break;
     }
-    case 3:
+    case QRN_CONFIG_CLEAR:
         if (data->hasConfigDataList(mode)) {
             data->configDataList(mode).clear();
         }
         break;
-    case 4: {
+    case QRN_CONFIG_GET_PARAMS: {
         if (data->hasConfigInfoList(mode) && !data->configInfoList(mode).isEmpty()) {
             hand(data->configInfoList(mode).getXML());
         } else {

@@ -83,14 +83,14 @@ TEST_F(Config, NodesWithoutPrivateDataAndCallsWithNothingToDo)
     qrn_domain stranger;
     memset(&stranger, 0, sizeof stranger);
     qrn_confspec spec{1, 1, nullptr};
-    EXPECT_EQ(plugin.config(&stranger, 1, nullptr, &spec), QRN_ERR_INVALID_ARGUMENT);
-    EXPECT_EQ(plugin.config(&node, 1, nullptr, nullptr), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(plugin.config(&stranger, QRN_CONFIG_GET, nullptr, &spec), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(plugin.config(&node, QRN_CONFIG_GET, nullptr, nullptr), QRN_ERR_INVALID_ARGUMENT);
 
     // Both selectors 0: the text is cleared whatever the operation, the session still noted.
     wchar_t bad[] = L"<not closed";
     spec = {0, 0, bad};
     char session[] = "S-7";
-    EXPECT_EQ(plugin.config(&node, 2, session, &spec), QRN_OK);
+    EXPECT_EQ(plugin.config(&node, QRN_CONFIG_SET, session, &spec), QRN_OK);
     EXPECT_EQ(spec.text, nullptr);
     EXPECT_EQ(data->getSessionId(), "S-7");
     EXPECT_FALSE(data->hasConfigDataList(0) || data->hasConfigDataList(1));
@@ -102,28 +102,28 @@ TEST_F(Config, NodesWithoutPrivateDataAndCallsWithNothingToDo)
 
 TEST_F(Config, GetAnswersValuesThenDescriptionsThenThePluginsDefaults)
 {
-    EXPECT_EQ(call(1, 1, nullptr), QRN_OK);
+    EXPECT_EQ(call(QRN_CONFIG_GET, 1, nullptr), QRN_OK);
     EXPECT_EQ(text, "null") << "nothing offered, nothing set";
 
     CFiConfigParamInfo offered = param("offered", "o");
     plugin.addDefaultConfigInfoParam(offered, 1, false);
-    EXPECT_EQ(call(1, 1, nullptr), QRN_OK);
+    EXPECT_EQ(call(QRN_CONFIG_GET, 1, nullptr), QRN_OK);
     EXPECT_EQ(text, xml(plugin.globalConfigInfoList(1, false).getDefaultDataList()));
     EXPECT_FALSE(data->hasConfigDataList(1)) << "the plug-in's defaults aren't stored";
-    EXPECT_EQ(call(1, 0, nullptr), QRN_OK);
+    EXPECT_EQ(call(QRN_CONFIG_GET, 0, nullptr), QRN_OK);
     EXPECT_EQ(text, "null") << "selector 0 is mode 0, which offers nothing";
 
     data->configInfoList(1);
-    EXPECT_EQ(call(1, 1, nullptr), QRN_OK);
+    EXPECT_EQ(call(QRN_CONFIG_GET, 1, nullptr), QRN_OK);
     EXPECT_EQ(text, "null") << "the node's own empty descriptions win over the plug-in's";
     data->configInfoList(1).addParamInfo(param("own", "x"));
-    EXPECT_EQ(call(1, 7, nullptr), QRN_OK);
+    EXPECT_EQ(call(QRN_CONFIG_GET, 7, nullptr), QRN_OK);
     ASSERT_TRUE(data->hasConfigDataList(1)) << "the node's defaults become its values";
     EXPECT_EQ(data->configDataList(1).getValue("own"), "x");
     EXPECT_EQ(text, xml(data->configDataList(1)));
 
     data->configDataList(1).clear();
-    EXPECT_EQ(call(1, 1, nullptr), QRN_OK);
+    EXPECT_EQ(call(QRN_CONFIG_GET, 1, nullptr), QRN_OK);
     EXPECT_EQ(text, "null") << "values that were cleared stay cleared";
 }
 
@@ -131,35 +131,38 @@ TEST_F(Config, SetParsesMergesDefaultsAndAnswersTheValues)
 {
     CFiConfigParamInfo offered = param("offered", "o");
     plugin.addDefaultConfigInfoParam(offered, 1, false);
-    EXPECT_EQ(call(2, 1, kValues), QRN_OK);
+    EXPECT_EQ(call(QRN_CONFIG_SET, 1, kValues), QRN_OK);
     const CFiConfigParamDataList &values = data->configDataList(1);
     EXPECT_EQ(values.getKeys(), (std::vector<std::string>{"given", "offered"}));
     EXPECT_EQ(text, xml(values));
 
     // Operation 5 is the same; the node's descriptions replace the plug-in's.
     data->configInfoList(1).addParamInfo(param("own", "x"));
-    EXPECT_EQ(call(5, 1, kValues), QRN_OK);
+    EXPECT_EQ(call(QRN_CONFIG_SET_ALTERNATE, 1, kValues), QRN_OK);
     EXPECT_EQ(values.getKeys(), (std::vector<std::string>{"given", "own"}));
 
     // A bad document: the parser's result, a null text, the values as they were.
-    EXPECT_EQ(call(2, 1, L"<ConfigValueList><ConfigValue>"), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(call(QRN_CONFIG_SET, 1, L"<ConfigValueList><ConfigValue>"), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(text, "null");
     EXPECT_EQ(values.getKeys(), (std::vector<std::string>{"given", "own"}));
     EXPECT_GT(values.getParseError().line, 0);
+    EXPECT_EQ(call(QRN_CONFIG_GET, 1, nullptr), QRN_OK);
+    EXPECT_EQ(text, xml(values)) << "GET answers the values kept, not the refused text";
+    EXPECT_NE(text.find("given"), std::string::npos);
 
-    EXPECT_EQ(call(2, 1, nullptr), QRN_OK) << "no text, nothing to set";
+    EXPECT_EQ(call(QRN_CONFIG_SET, 1, nullptr), QRN_OK) << "no text, nothing to set";
     EXPECT_EQ(values.size(), 2u);
     EXPECT_FALSE(data->hasConfigDataList(0));
 
     // Clear empties the values of its mode; the text stays the caller's.
-    EXPECT_EQ(call(3, 1, L"kept"), QRN_OK);
+    EXPECT_EQ(call(QRN_CONFIG_CLEAR, 1, L"kept"), QRN_OK);
     EXPECT_EQ(text, "kept");
     EXPECT_EQ(values.size(), 0u);
 }
 
 TEST_F(Config, GetParamAnswersTheNodesDescriptionsOrThoseOfItsKind)
 {
-    EXPECT_EQ(call(4, 1, nullptr), QRN_OK);
+    EXPECT_EQ(call(QRN_CONFIG_GET_PARAMS, 1, nullptr), QRN_OK);
     EXPECT_EQ(text, "null");
 
     CFiConfigParamInfo single = param("single", "s");
@@ -170,22 +173,22 @@ TEST_F(Config, GetParamAnswersTheNodesDescriptionsOrThoseOfItsKind)
         const std::wstring wide = list.getXML();
         return std::string(wide.begin(), wide.end());
     };
-    EXPECT_EQ(call(4, 1, nullptr), QRN_OK);
+    EXPECT_EQ(call(QRN_CONFIG_GET_PARAMS, 1, nullptr), QRN_OK);
     EXPECT_EQ(text, expected(plugin.globalConfigInfoList(1, false)));
 
     // A group node is one whose member list starts with itself.
     qrn_domain *members[] = {&node};
     qrn_member_list list{1, 0, members};
     node.members = &list;
-    EXPECT_EQ(call(4, 1, nullptr), QRN_OK);
+    EXPECT_EQ(call(QRN_CONFIG_GET_PARAMS, 1, nullptr), QRN_OK);
     EXPECT_EQ(text, expected(plugin.globalConfigInfoList(1, true)));
     qrn_domain other;
     members[0] = &other;
-    EXPECT_EQ(call(4, 1, nullptr), QRN_OK);
+    EXPECT_EQ(call(QRN_CONFIG_GET_PARAMS, 1, nullptr), QRN_OK);
     EXPECT_EQ(text, expected(plugin.globalConfigInfoList(1, false))) << "a member of another group";
     node.members = nullptr;
 
     data->configInfoList(1).addParamInfo(param("own", "x"));
-    EXPECT_EQ(call(4, 1, nullptr), QRN_OK);
+    EXPECT_EQ(call(QRN_CONFIG_GET_PARAMS, 1, nullptr), QRN_OK);
     EXPECT_EQ(text, expected(data->configInfoList(1)));
 }

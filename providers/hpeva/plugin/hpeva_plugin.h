@@ -36,6 +36,10 @@ public:
     int enumerateEnclosures(qrn_enclosure_node_list **out, int *count, wchar_t *filter) override;
     int enumerateHostNodes(qrn_host_node_list **out, int *count, wchar_t *filter) override;
 
+    // The kit's parameter exchange, inside the catch ladder; a document that can't be read
+    // is reported with its place.
+    int config(qrn_domain *node, int op, char *sessionId, qrn_confspec *spec) override;
+
 protected:
     // The catch ladder for one operation of this class; line is the guard's call site.
     CHpEvaGuard guard(const char *operation, int line, bool initialisation = false) const;
