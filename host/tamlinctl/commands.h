@@ -10,5 +10,6 @@ int runEnclosures(CliOptions &options);
 int runHosts(CliOptions &options);
 int runDisks(CliOptions &options);
 int runErrmsg(CliOptions &options);
+int runConfig(CliOptions &options);
 
 #endif

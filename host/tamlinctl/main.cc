@@ -84,6 +84,38 @@ std::map<std::string, Command> commands()
                         "  --flags N              the provider's raw flag word (16 serve, 64 no snapshots,\n"
                         "                         128 no active disks)\n",
                     runDisks};
+    all["config"] = {"show or set a node's configuration parameters",
+                     "Usage: tamlinctl [global options] config NODE OPERATION [options]\n"
+                     "\n"
+                     "Shows or sets the configuration parameters of one node as a backup framework\n"
+                     "does: the node is introduced to the provider, the operation goes through the\n"
+                     "config entry, and the node is taken away again. The provider keeps a node's\n"
+                     "parameters only while it is loaded, so every run starts afresh. Documents are\n"
+                     "printed indented.\n"
+                     "\n"
+                     "NODE is the node's name, such as a disk's UDID.\n"
+                     "\n"
+                     "Operations:\n"
+                     "  get        the node's parameter values (the defaults the provider offers)\n"
+                     "  set FILE   set the values of a ConfigValueList document read from FILE (\"-\":\n"
+                     "             standard input) and show the values the node then holds; a\n"
+                     "             document that can't be read is reported with its line and column\n"
+                     "  clear      drop the node's values\n"
+                     "  params     the parameters the provider describes (a ConfigParamList)\n"
+                     "\n"
+                     "Options:\n"
+                     "  --group    NODE is a group node (its member list starts with itself)\n"
+                     "  --mode N   1 (default) or 0: the set of parameters; the snapshot resource\n"
+                     "             specification is of mode 1\n"
+                     "\n"
+                     "A value document, for example:\n"
+                     "  <ConfigValueList>\n"
+                     "    <ConfigValue>\n"
+                     "      <key>snapshot_resource_spec</key>\n"
+                     "      <value>[ENCLOSURE##DISK;TARGET1;TARGET2]</value>\n"
+                     "    </ConfigValue>\n"
+                     "  </ConfigValueList>\n",
+                     runConfig};
     all["errmsg"] = {"show the text of result codes",
                      "Usage: tamlinctl [global options] errmsg CODE...\n"
                      "\n"

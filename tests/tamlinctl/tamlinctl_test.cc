@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "provider_install.h"
+#include "temp_install_root.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -181,4 +182,50 @@ TEST(Tamlinctl, ErrmsgGivesTheSameTextForACodeAndItsOffsetForm)
     std::string a = run.out.substr(first + 6, run.out.find('\n', first) - first - 6);
     std::string b = run.out.substr(second + 4, run.out.find('\n', second + 1) - second - 4);
     EXPECT_EQ(a, b);
+}
+
+TEST(Tamlinctl, ConfigShowsSetsAndExplainsWhatItRefuses)
+{
+    const TempInstallRoot &root = Install::site->root();
+    const std::string node = "'UDID##HP##HSV##5000-1FE1-5000-0001##D1' ";
+    root.writeFile("good.xml", "<ConfigValueList><ConfigValue><key>snapshot_resource_spec</key>"
+                               "<value>[5000-1FE1-5000-0001##D1;T&amp;2]</value></ConfigValue></ConfigValueList>");
+    root.writeFile("bad.xml", "<ConfigValueList>\n<ConfigValue>\n<key>k</key>\n</ConfigValueList>\n");
+    root.writeFile("latin1.xml", "<ConfigValueList>\n<k>\xE4</k></ConfigValueList>");
+
+    CtlRun none = tamlinctl("config " + node + "get");
+    EXPECT_EQ(none.status, 0) << none.out;
+    EXPECT_NE(none.out.find(": no parameter values (mode 1)"), std::string::npos) << none.out;
+    CtlRun params = tamlinctl("config " + node + "params --group --mode 0");
+    EXPECT_NE(params.out.find(": no parameters described (mode 0, group node)"), std::string::npos) << params.out;
+
+    // What the node holds after the set, indented by level, escapes as written.
+    CtlRun set = tamlinctl("config " + node + "set " + root.path("good.xml"));
+    EXPECT_EQ(set.status, 0) << set.out;
+    EXPECT_NE(set.out.find("<ConfigValueList>\n  <ConfigValue>\n    <dataType></dataType>\n"
+                           "    <key>snapshot_resource_spec</key>\n"
+                           "    <value>[5000-1FE1-5000-0001##D1;T&amp;2]</value>\n  </ConfigValue>\n"),
+              std::string::npos)
+        << set.out;
+    CtlRun json = tamlinctl("--json config " + node + "set - < " + root.path("good.xml") + " 2>/dev/null");
+    EXPECT_EQ(json.out.rfind("{\"node\":\"UDID##HP##HSV##5000-1FE1-5000-0001##D1\",\"operation\":\"set\"", 0), 0u)
+        << json.out;
+    EXPECT_NE(json.out.find("\\t<value>[5000-1FE1-5000-0001##D1;T&amp;2]</value>\\n"), std::string::npos) << json.out;
+
+    // The provider's reason, with the place, in the host's language; the entry failed.
+    CtlRun bad = tamlinctl("--lang de config " + node + "set " + root.path("bad.xml"));
+    EXPECT_EQ(bad.status, 1) << bad.out;
+    EXPECT_NE(bad.out.find("konnte nicht gelesen werden: "), std::string::npos) << bad.out;
+    EXPECT_NE(bad.out.find("(Zeile 4, Spalte 14)"), std::string::npos) << bad.out;
+    EXPECT_NE(bad.out.find("config failed with result 3"), std::string::npos) << bad.out;
+
+    // A file that is no UTF-8 or can't be read is refused before the provider is loaded.
+    const std::string unloadable = "--provider /nonexistent/libtamlin.so config " + node + "set ";
+    CtlRun latin1 = tamlinctl(unloadable + root.path("latin1.xml"));
+    EXPECT_EQ(latin1.status, 2) << latin1.out;
+    EXPECT_NE(latin1.out.find("not UTF-8 text: byte 0xE4 at line 2, column 4"), std::string::npos) << latin1.out;
+    EXPECT_EQ(tamlinctl(unloadable + root.path("missing.xml")).status, 2);
+    EXPECT_EQ(tamlinctl(unloadable.substr(0, unloadable.size() - 4)).status, 2) << "set without a file";
+    EXPECT_EQ(tamlinctl("--provider /nonexistent/libtamlin.so config " + node + "frob").status, 2);
+    EXPECT_EQ(tamlinctl("--provider /nonexistent/libtamlin.so config " + node + "get --mode 2").status, 2);
 }
