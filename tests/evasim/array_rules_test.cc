@@ -4,21 +4,11 @@
 
 #include <gtest/gtest.h>
 
+using evasim_test::element;
 using evasim_test::Harness;
 using evasim_test::Outcome;
 
 namespace {
-
-// The text of the first <tag> element of an output.
-std::string element(const std::string &out, const std::string &tag)
-{
-    const size_t open = out.find("<" + tag + ">");
-    if (open == std::string::npos) {
-        return "(missing)";
-    }
-    const size_t start = open + tag.size() + 2;
-    return out.substr(start, out.find("</" + tag + ">", start) - start);
-}
 
 class ArrayRules : public ::testing::Test {
 protected:
@@ -72,7 +62,7 @@ TEST_F(ArrayRules, HostTextListingNamesEachPresentedDiskAfterVirtualDisk)
     EXPECT_TRUE(r.has(" Virtual_disk : \\Virtual Disks\\d1\\ACTIVE\n"));
 }
 
-TEST_F(ArrayRules, SnapshotsLieInTheFamilyAndASnapshotOfASnapshotIsRefused)
+TEST_F(ArrayRules, SnapshotsLieInTheFamilyAndTakeSpaceByTheirAllocation)
 {
     const double before = usedGb("EVA01");
     ok({"ADD SNAPSHOT \"d1_vsnap000\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\" ALLOCATION_POLICY=DEMAND  "
@@ -90,10 +80,6 @@ TEST_F(ArrayRules, SnapshotsLieInTheFamilyAndASnapshotOfASnapshotIsRefused)
     EXPECT_EQ(element(parent.out, "childvdiskname"), "\\Virtual Disks\\d1\\d1_snap000");
     EXPECT_EQ(element(parent.out, "sharingrelationship"), "parent");
 
-    EXPECT_EQ(refused("ADD SNAPSHOT \"x\" VDISK=\"\\Virtual Disks\\d1\\d1_vsnap000\" ALLOCATION_POLICY=DEMAND "),
-              "Error: Cannot create a snapshot of a snapshot (\\Virtual Disks\\d1\\d1_vsnap000)");
-    EXPECT_EQ(refused("ADD SNAPSHOT \"d1_vsnap000\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\""),
-              "Error: \\Virtual Disks\\d1\\d1_vsnap000 already exists");
     EXPECT_EQ(refused("ADD SNAPSHOT \"x\" VDISK=\"\\Virtual Disks\\nosuch\\ACTIVE\""),
               "Error: \\Virtual Disks\\nosuch\\ACTIVE not found");
 }
@@ -110,28 +96,14 @@ TEST_F(ArrayRules, SnapcloneIsAFamilyBesideTheSourceAndRunsForTheConfiguredReads
     EXPECT_EQ(sharing(clone), "none");
     const Outcome source = ok({"LS VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\" XML"});
     EXPECT_EQ(element(source.out, "childvdiskname"), "n/a") << "a finished clone is no child";
-
-    EXPECT_EQ(refused("ADD COPY \"c\" VDISK=\"\\Virtual Disks\\f\\d3\\ACTIVE\""),
-              "Error: Cannot create a snapclone of a Vdisk that has snapshots (\\Virtual Disks\\f\\d3\\ACTIVE)");
-    EXPECT_EQ(refused("ADD COPY \"c\" VDISK=\"\\Virtual Disks\\f\\d3\\d3_vsnap000\""),
-              "Error: Cannot create a copy of a snapshot (\\Virtual Disks\\f\\d3\\d3_vsnap000)");
-    EXPECT_EQ(refused("ADD COPY \"d3\" VDISK=\"\\Virtual Disks\\f\\d2\\ACTIVE\""),
-              "Error: \\Virtual Disks\\f\\d3 already exists");
 }
 
-TEST_F(ArrayRules, DeleteRefusesPresentedDisksDisksWithSnapshotsAndDrMembers)
+TEST_F(ArrayRules, DeletingGivesTheSpaceBack)
 {
-    EXPECT_EQ(refused("DELETE VDISK \"\\Virtual Disks\\d1\\ACTIVE\""),
-              "Error: Cannot delete Vdisks when LUNs are still present.");
-    EXPECT_EQ(refused("DELETE VDISK \"\\Virtual Disks\\f\\d3\\ACTIVE\""),
-              "Error: Cannot delete Vdisks when snapshots are still present.");
-    EXPECT_EQ(refused("DELETE VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\""),
-              "Error: Cannot delete a Vdisk that is a member of a DR group.");
     const double before = usedGb("EVA01");
     ok({"DELETE VDISK \"\\Virtual Disks\\f\\d3\\d3_vsnap000\"", "DELETE VDISK \"\\Virtual Disks\\f\\d3\\ACTIVE\""});
     EXPECT_TRUE(h.disk("\\Virtual Disks\\f\\d3\\ACTIVE").empty());
-    EXPECT_DOUBLE_EQ(usedGb("EVA01"), before - 10) << "the space comes back";
-
+    EXPECT_DOUBLE_EQ(usedGb("EVA01"), before - 10);
     ok({"DELETE LUN \"\\Hosts\\h1\\1\"", "DELETE VDISK \"\\Virtual Disks\\d1\\ACTIVE\""});
     EXPECT_TRUE(h.disk("\\Virtual Disks\\d1\\ACTIVE").empty());
 }
@@ -149,10 +121,6 @@ TEST_F(ArrayRules, AddLunTakesTheProvidersTemplateAndKeepsLunsUniquePerHost)
 {
     ok({"ADD LUN 5 HOST=\"\\Hosts\\h1\"  VDISK=\"\\Virtual Disks\\f\\d3\\ACTIVE\" "});
     EXPECT_EQ(h.disk("\\Virtual Disks\\f\\d3\\ACTIVE").at("presentations"), "\\Hosts\\h1:5");
-    EXPECT_EQ(refused("ADD LUN 5 HOST=\"\\Hosts\\h1\"  VDISK=\"\\Virtual Disks\\f\\d2\\ACTIVE\" "),
-              "Error: LUN 5 is already in use on host \\Hosts\\h1");
-    EXPECT_EQ(refused("ADD LUN 7 HOST=\"\\Hosts\\h1\"  VDISK=\"\\Virtual Disks\\f\\d3\\ACTIVE\" "),
-              "Error: \\Virtual Disks\\f\\d3\\ACTIVE is already presented to \\Hosts\\h1 as LUN 5");
     EXPECT_EQ(refused("ADD LUN 1 HOST=\"\\Hosts\\nosuch\"  VDISK=\"\\Virtual Disks\\f\\d2\\ACTIVE\" "),
               "Error: \\Hosts\\nosuch not found");
     EXPECT_EQ(refused("ADD LUN 256 HOST=\"\\Hosts\\h1\"  VDISK=\"\\Virtual Disks\\f\\d2\\ACTIVE\" "),
@@ -185,8 +153,6 @@ TEST_F(ArrayRules, RestoreTurnsThePrimaryIntoAContainerAndCopiesTheCloneIntoIt)
     std::string const primary = "\\Virtual Disks\\d1\\ACTIVE";
     std::string const secondary = "\\Virtual Disks\\d1_clone000\\ACTIVE";
     std::string const wwn = h.disk(primary).at("wwlunid");
-    EXPECT_EQ(refused("SET VDISK \"d1\" CHANGE_INTO_CONTAINER"),
-              "Error: Cannot change a presented Vdisk into a container (" + primary + ")");
     ok({"DELETE LUN \"\\Hosts\\h1\\1\""});
     ok({"SET OPTION COMMAND_DELAY=5", "REFRESH", "SET VDISK \"d1\" CHANGE_INTO_CONTAINER",
         "SET VDISK \"d1_clone000\" writecache=writethrough", "REDISCOVER", "REFRESH",
@@ -203,18 +169,13 @@ TEST_F(ArrayRules, RestoreTurnsThePrimaryIntoAContainerAndCopiesTheCloneIntoIt)
     EXPECT_EQ(sharing(primary), "none");
 }
 
-TEST_F(ArrayRules, ContainersAreListedAsSuchAndOnlyACopyOfTheirSizeFillsThem)
+TEST_F(ArrayRules, ContainersAreListedAsSuchAndHoldTheirSpace)
 {
     ok({"SET VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\" writecache=writethrough"});
     ok({"ADD VDISK \"\\Virtual Disks\\box\" SIZE=20GB REDUNDANCY=vraid0", "SET VDISK \"box\" CHANGE_INTO_CONTAINER"});
     const Outcome r = ok({"LS VDISK \"box\" XML"});
     EXPECT_EQ(element(r.out, "objecttype"), "container");
-    EXPECT_EQ(refused("ADD COPY \"box\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\" CONTAINER=\"box\""),
-              "Error: The capacity of container \\Virtual Disks\\box\\ACTIVE does not match the source Vdisk");
-    EXPECT_EQ(refused("ADD COPY \"x\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\" CONTAINER=\"d1\""),
-              "Error: \\Virtual Disks\\d1\\ACTIVE is not a container");
-    EXPECT_EQ(refused("ADD LUN 9 HOST=\"\\Hosts\\h1\"  VDISK=\"box\" "),
-              "Error: Cannot present a container (\\Virtual Disks\\box\\ACTIVE)");
+    EXPECT_EQ(element(r.out, "allocatedcapacity"), "20") << "a container holds its space";
 }
 
 // The renames of a swap-based restore: world wide names over a temporary one, then names.
@@ -225,8 +186,6 @@ TEST_F(ArrayRules, WorldWideNamesAndFamilyNamesCanBeTraded)
     std::string const s = "\\Virtual Disks\\d1\\ACTIVE";
     std::string const pw = h.disk(p).at("wwlunid");
     std::string const sw = h.disk(s).at("wwlunid");
-    EXPECT_EQ(refused("SET VDISK \"" + p + "\" WORLD_WIDE_LUN_NAME=" + sw),
-              "Error: World wide LUN name " + sw + " is already in use");
     std::string const temp = pw.substr(0, pw.size() - 4) + "1111";
     ok({"SET VDISK \"" + p + "\" WORLD_WIDE_LUN_NAME=" + temp, "SET VDISK \"" + s + "\" WORLD_WIDE_LUN_NAME=" + pw,
         "SET VDISK \"" + p + "\" WORLD_WIDE_LUN_NAME=" + sw, "SET VDISK \"" + p + "\" NAME=\"d3_RESTORING\""});
@@ -235,8 +194,6 @@ TEST_F(ArrayRules, WorldWideNamesAndFamilyNamesCanBeTraded)
     ASSERT_FALSE(moved.empty());
     EXPECT_EQ(moved.at("wwlunid"), sw);
     EXPECT_FALSE(h.disk("\\Virtual Disks\\f\\d3_RESTORING\\d3_vsnap000").empty()) << "snapshots move with the family";
-    EXPECT_EQ(refused("SET VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\" NAME=\"d3_RESTORING\""),
-              "Error: \\Virtual Disks\\f\\d3_RESTORING already exists");
 }
 
 TEST_F(ArrayRules, DrGroupSuspendShowsOnBothCellsAndDisksNameTheirPartners)
@@ -267,15 +224,13 @@ TEST_F(ArrayRules, FindVdiskMatchesTheLunIdInAnyCase)
               "Error: 6005-08b4-0001-0000-0000-0000-0009-0000 not found");
 }
 
-TEST_F(ArrayRules, SpaceShrinksWithNewDisksAndATooLargeDiskIsRefused)
+TEST_F(ArrayRules, SpaceShrinksWithNewDisksByTheirRedundancy)
 {
     const double before = usedGb("EVA01");
     ok({"ADD VDISK \"\\Virtual Disks\\new\\big\" SIZE=100GB REDUNDANCY=vraid1"});
     EXPECT_DOUBLE_EQ(usedGb("EVA01"), before + 200) << "vraid1 takes twice the size";
-    std::string const error = refused("ADD VDISK \"huge\" SIZE=2048GB REDUNDANCY=vraid0");
-    EXPECT_EQ(error.rfind("Error: Not enough free space in the disk group", 0), 0u) << error;
-    EXPECT_EQ(refused("ADD VDISK \"\\Virtual Disks\\new\\big\" SIZE=1GB"),
-              "Error: \\Virtual Disks\\new\\big already exists");
+    EXPECT_EQ(refused("ADD VDISK \"huge\" SIZE=2048GB REDUNDANCY=vraid0"),
+              "Error: Not enough free space in the disk group (2 TB needed, 781.50 GB free)");
 }
 
 }  // namespace

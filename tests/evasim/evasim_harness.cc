@@ -248,6 +248,16 @@ std::map<std::string, std::string> Harness::disk(const std::string &path) const
     return {};
 }
 
+std::string element(const std::string &out, const std::string &tag)
+{
+    const size_t open = out.find("<" + tag + ">");
+    if (open == std::string::npos) {
+        return "(missing)";
+    }
+    const size_t start = open + tag.size() + 2;
+    return out.substr(start, out.find("</" + tag + ">", start) - start);
+}
+
 std::string xmlDocument(const std::vector<std::string> &in)
 {
     std::vector<std::string> lines = in;

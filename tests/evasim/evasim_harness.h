@@ -57,6 +57,9 @@ private:
     mutable int m_scripts = 0;
 };
 
+// The text of the first <tag> element of an output, "(missing)" when there is none.
+std::string element(const std::string &out, const std::string &tag);
+
 // The provider's cut of an XML listing: the lines from the first "<object>" to the last
 // "</object>", "information:" lines blanked, wrapped in one root.
 std::string xmlDocument(const std::vector<std::string> &lines);

@@ -1,5 +1,6 @@
 #include "admin_cli.h"
 
+#include "array_ops.h"
 #include "database.h"
 #include "fault_store.h"
 #include "history.h"
@@ -8,6 +9,7 @@
 #include "state_location.h"
 #include "text_util.h"
 #include "world.h"
+#include "world_change.h"
 #include "world_generator.h"
 #include "world_tables.h"
 
@@ -49,7 +51,10 @@ Without --scenario a world is generated from the numbers.
 const char *const kShowHelp = R"(Usage: evasim show [WHAT] [--cell NAME] [--format table|tsv]
 
 Prints the simulated world. WHAT is one of servers, cells, diskgroups, disks, hosts,
-presentations, drgroups, faults, settings, or all (the default).
+presentations, drgroups, faults, settings, or all (the default); or rules, the array's refusals:
+each with the commands it refuses, its error line, whether it is known behaviour of an EVA or an
+assumption of the simulator (an assumption can be turned off with `evasim set rules_off=NAME`),
+and whether it is on.
 
   --cell NAME       only what belongs to that cell
   --format tsv      tab-separated rows with a header line, for scripts and tests
@@ -96,6 +101,13 @@ ended (killed, or still running) shows as unfinished. Passwords are masked. The 
   --run ID          one run, with the whole of each answer as kept (its first 40 lines)
   --format tsv      one row per command: run, exit, seq, outcome, command, answer (lines joined by " | ")
   --clear           forget all runs
+)";
+
+const char *const kClockHelp = R"(Usage: evasim clock [advance SECONDS | reset]
+
+The simulated clock, which copies counted in seconds and the disks' times follow: the real clock
+moved by the setting clock_offset. Without arguments prints it; 'advance' moves it ahead (so a
+test need not wait for a copy), 'reset' puts it back to the real time.
 )";
 
 const char *const kResetHelp = R"(Usage: evasim reset
@@ -172,6 +184,15 @@ std::string historyText(const std::vector<HistoryRun> &runs, bool whole)
         text = "(no runs)\n";
     }
     return text;
+}
+
+std::string changeHelp()
+{
+    return std::string("Usage: evasim change OBJECT KEY=VALUE...\n\n"
+                       "Changes the array as no SSSU command does, at once. OBJECT and its keys:\n\n") +
+           WorldChange::help() +
+           "\nThe same words after `evasim fault change --match TEXT` make the change when a run reaches\n"
+           "that command.\n";
 }
 
 struct Command {
@@ -302,6 +323,10 @@ std::string AdminCli::usage()
        evasim fault KIND [options]    arm a fault for the next runs: https, silence, ignore-signals,
                                       exit-after, no-output, malformed-xml, error, banner, delay
        evasim set [KEY=VALUE]...      change or print the simulator's settings
+       evasim change OBJECT KEY=VALUE...
+                                      change what no command changes: a disk fails, a copy stalls,
+                                      a DR link goes down, a cell shrinks
+       evasim clock [advance S|reset] the simulated clock that timed copies follow
        evasim history [options]       what the SSSU runs did: commands, answers, exit status
        evasim reset                   remove the state: no server answers any more
        evasim where                   print where the state file is
@@ -336,7 +361,8 @@ int AdminCli::run(const std::vector<std::string> &args)
     static const Command commands[] = {
         {"init", kInitHelp, &AdminCli::init},          {"show", kShowHelp, &AdminCli::show},
         {"fault", kFaultHelp, &AdminCli::fault},       {"set", kSetHelp, &AdminCli::set},
-        {"history", kHistoryHelp, &AdminCli::history}, {"reset", kResetHelp, &AdminCli::reset},
+        {"history", kHistoryHelp, &AdminCli::history}, {"change", nullptr, &AdminCli::change},
+        {"clock", kClockHelp, &AdminCli::clock},       {"reset", kResetHelp, &AdminCli::reset},
         {"where", kWhereHelp, &AdminCli::where},
     };
     if (args.empty()) {
@@ -354,7 +380,7 @@ int AdminCli::run(const std::vector<std::string> &args)
             continue;
         }
         if (cliutil::wantsHelp(rest)) {
-            m_out << c.help;
+            m_out << (c.help ? c.help : changeHelp());
             if (c.run == &AdminCli::set) {
                 m_out << "\nSettings:\n";
                 for (const Settings::Key &k : Settings::keys()) {
@@ -438,7 +464,7 @@ int AdminCli::init(cliutil::Args &args)
     }
 
     ensureStateDirectory();
-    Database db(m_database, true);
+    Database db(m_database, true, true);
     db.begin();
     World::wipe(db);
     History::clear(db);
@@ -464,7 +490,10 @@ int AdminCli::show(cliutil::Args &args)
         return bad("show", "one WHAT at most, not '" + words[1] + "'");
     }
     std::string const what = words.empty() ? "all" : lower(words[0]);
-    const std::vector<std::string> &kinds = WorldTables::kinds();
+    std::vector<std::string> kinds = WorldTables::kinds();
+    if (what == "rules") {
+        kinds = {"rules"};
+    }
     if (what != "all" && std::find(kinds.begin(), kinds.end(), what) == kinds.end()) {
         return bad("show", "unknown WHAT '" + what + "'");
     }
@@ -484,6 +513,7 @@ int AdminCli::show(cliutil::Args &args)
     settings.load(db);
     std::vector<Fault> faults = FaultStore::list(db);
     db.exec("COMMIT");
+    ArrayOps(world, settings).settleCopies();
 
     int64_t onlyCell = 0;
     if (cell) {
@@ -639,6 +669,78 @@ int AdminCli::history(cliutil::Args &args)
         return 1;
     }
     m_out << (format == "tsv" ? historyTsv(runs) : historyText(runs, only != 0));
+    return 0;
+}
+
+int AdminCli::change(cliutil::Args &args)
+{
+    const std::vector<std::string> words = args.positional();
+    if (!args.finish()) {
+        return bad("change", args.error());
+    }
+    WorldChange change;
+    std::string error = change.parse(words);
+    if (!error.empty()) {
+        return bad("change", error);
+    }
+    if (!stateExists()) {
+        m_err << "evasim change: no state yet at " << m_database << "; run 'evasim init' first\n";
+        return 1;
+    }
+    Database db(m_database, false);
+    db.begin();
+    World world;
+    Settings settings;
+    world.load(db);
+    settings.load(db);
+    ArrayOps(world, settings).settleCopies();
+    error = change.apply(world, settings);
+    if (!error.empty()) {
+        m_err << "evasim change: " << error << "\n";
+        return 1;
+    }
+    world.save(db);
+    db.commit();
+    m_out << "evasim: changed " << change.describe() << "\n";
+    return 0;
+}
+
+int AdminCli::clock(cliutil::Args &args)
+{
+    const std::vector<std::string> words = args.positional();
+    if (!args.finish()) {
+        return bad("clock", args.error());
+    }
+    double advance = 0;
+    char *end = nullptr;
+    if (words.size() == 2 && words[0] == "advance") {
+        advance = std::strtod(words[1].c_str(), &end);
+        if (words[1].empty() || *end || !(advance >= 0)) {
+            return bad("clock", "advance needs a number of seconds, not '" + words[1] + "'");
+        }
+    } else if (!(words.empty() || (words.size() == 1 && words[0] == "reset"))) {
+        return bad("clock", "expected 'advance SECONDS' or 'reset'");
+    }
+    ensureStateDirectory();
+    Database db(m_database, true);
+    db.begin();
+    Settings settings;
+    settings.load(db);
+    if (!words.empty()) {
+        char text[64];
+        std::snprintf(text, sizeof text, "%.3f",
+                      words[0] == "reset" ? 0.0 : settings.seconds("clock_offset") + advance);
+        settings.set("clock_offset", text);
+        settings.save(db);
+    }
+    db.commit();
+    const std::time_t now = static_cast<std::time_t>(settings.now());
+    std::tm tm{};
+    localtime_r(&now, &tm);
+    char when[64];
+    std::strftime(when, sizeof when, "%Y-%m-%d %H:%M:%S", &tm);
+    m_out << "evasim: simulated time " << when << " (real time " << (settings.seconds("clock_offset") >= 0 ? "+" : "")
+          << settings.get("clock_offset") << " s)\n";
     return 0;
 }
 

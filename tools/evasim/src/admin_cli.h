@@ -26,6 +26,8 @@ private:
     int fault(cliutil::Args &args);
     int set(cliutil::Args &args);
     int history(cliutil::Args &args);
+    int change(cliutil::Args &args);
+    int clock(cliutil::Args &args);
     int reset(cliutil::Args &args);
     int where(cliutil::Args &args);
     int bad(const std::string &command, const std::string &message);

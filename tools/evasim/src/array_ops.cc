@@ -4,17 +4,11 @@
 #include "text_util.h"
 #include "world.h"
 
-#include <ctime>
 #include <set>
 
 namespace evasim {
 
 namespace {
-
-int64_t now()
-{
-    return static_cast<int64_t>(std::time(nullptr));
-}
 
 constexpr long long kHighestLun = 255;
 
@@ -30,6 +24,16 @@ std::string normaliseRedundancy(const std::string &text)
 }  // namespace
 
 ArrayOps::ArrayOps(World &world, const Settings &settings) : m_world(world), m_settings(settings) {}
+
+int64_t ArrayOps::now() const
+{
+    return static_cast<int64_t>(m_settings.now());
+}
+
+bool ArrayOps::on(const char *rule) const
+{
+    return m_settings.ruleOn(rule);
+}
 
 bool ArrayOps::validName(const std::string &name)
 {
@@ -84,21 +88,87 @@ bool ArrayOps::familyTaken(int64_t cell, const std::string &folder, const std::s
     return false;
 }
 
-bool ArrayOps::copyRunsFrom(int64_t disk) const
+const VdiskRec *ArrayOps::copyFrom(int64_t disk) const
 {
     for (const auto &[id, d] : m_world.vdisks.rows) {
         if (d.copySource == disk) {
-            return true;
+            return &d;
         }
     }
-    return false;
+    return nullptr;
 }
 
-std::string ArrayOps::reserveSpace(int64_t cell, const VdiskRec &disk) const
+std::string ArrayOps::copiesLeft(const VdiskRec &source) const
 {
-    if (World::allocatedBytes(disk) > m_world.freeBytes(cell)) {
-        return "Not enough free space in the disk group (" + humanSize(World::allocatedBytes(disk)) + " needed, " +
-               humanSize(m_world.freeBytes(cell)) + " free)";
+    const long long limit = m_settings.integer("copies_per_source");
+    if (limit <= 0 || !on("copies-per-source")) {
+        return {};
+    }
+    long long held = 0;
+    for (const auto &[id, d] : m_world.vdisks.rows) {
+        held += d.parent == source.id || d.copySource == source.id;
+    }
+    if (held < limit) {
+        return {};
+    }
+    return "The Vdisk " + source.path() + " already has the most snapshots and copies allowed (" +
+           std::to_string(limit) + ")";
+}
+
+void ArrayOps::startCopy(VdiskRec &target, const VdiskRec &source, const std::string &kind)
+{
+    target.clonedFrom = source.id;
+    target.copySource = source.id;
+    target.copyKind = kind;
+    target.copyStalled = false;
+    target.copyMode = m_settings.get("copy_progress");
+    // With copy_unit_gb the copy takes its time once per unit of its capacity, begun units counted.
+    const uint64_t unit = static_cast<uint64_t>(m_settings.integer("copy_unit_gb")) << 30;
+    const uint64_t bytes = target.blocks * 512;
+    const long long units = unit ? static_cast<long long>((bytes + unit - 1) / unit) : 1;
+    if (target.copyMode == "seconds") {
+        const double seconds = m_settings.seconds(kind + "_seconds") * static_cast<double>(units);
+        target.copyReads = 0;
+        target.copyEnd = m_settings.now() + seconds;
+        if (seconds <= 0) {
+            finishCopy(target);
+        }
+    } else {
+        target.copyReads = m_settings.integer(kind + "_reads") * units;
+        target.copyEnd = 0;
+        if (target.copyReads <= 0) {
+            finishCopy(target);
+        }
+    }
+}
+
+void ArrayOps::finishCopy(VdiskRec &target)
+{
+    target.copySource = 0;
+    target.copyKind.clear();
+    target.copyStalled = false;
+    target.copyReads = 0;
+    target.copyEnd = 0;
+    if (target.id) {
+        m_world.vdisks.touch(target.id);
+    }
+}
+
+void ArrayOps::settleCopies()
+{
+    const double now = m_settings.now();
+    for (auto &[id, d] : m_world.vdisks.rows) {
+        if (d.copySource && !d.copyStalled && d.copyMode == "seconds" && now >= d.copyEnd) {
+            finishCopy(d);
+        }
+    }
+}
+
+std::string ArrayOps::reserveSpace(int64_t cell, const VdiskRec &disk, uint64_t alreadyHeld) const
+{
+    if (World::allocatedBytes(disk) > m_world.freeBytes(cell) + alreadyHeld) {
+        return "Not enough free space in the disk group (" + humanSize(World::allocatedBytes(disk) - alreadyHeld) +
+               " needed, " + humanSize(m_world.freeBytes(cell)) + " free)";
     }
     return {};
 }
@@ -188,6 +258,10 @@ std::string ArrayOps::addSnapshot(int64_t cell, const std::string &name, const s
     if (src->container) {
         return "Cannot create a snapshot of a container (" + src->path() + ")";
     }
+    std::string const limit = copiesLeft(*src);
+    if (!limit.empty()) {
+        return limit;
+    }
     if (!validName(name)) {
         return "Invalid snapshot name " + name;
     }
@@ -255,7 +329,7 @@ std::string ArrayOps::addCopy(int64_t cell, const std::string &name, const std::
     if (!src) {
         return error;
     }
-    if (!src->active()) {
+    if (!src->active() && on("copy-of-snapshot")) {
         return "Cannot create a copy of a snapshot (" + src->path() + ")";
     }
     if (src->container) {
@@ -264,8 +338,22 @@ std::string ArrayOps::addCopy(int64_t cell, const std::string &name, const std::
     if (!m_world.snapshotsOf(src->id).empty()) {
         return "Cannot create a snapclone of a Vdisk that has snapshots (" + src->path() + ")";
     }
-    if (src->copySource) {
+    if (src->copySource && on("copy-of-unfinished-copy")) {
         return "Cannot copy a Vdisk while it is being copied into (" + src->path() + ")";
+    }
+    if (const VdiskRec *running = copyFrom(src->id); running && on("second-copy")) {
+        return "Cannot create a copy of a Vdisk while its copy " + running->path() + " is in progress";
+    }
+    std::string const limit = copiesLeft(*src);
+    if (!limit.empty()) {
+        return limit;
+    }
+    if (const DrMemberRec *m = m_world.drMembershipOf(src->id);
+        m && m->destDisk == src->id && on("dr-destination-not-suspended")) {
+        const DrGroupRec *g = m_world.drgroups.find(m->group);
+        if (g && !g->suspended) {
+            return "Cannot copy " + src->path() + ": DR group " + g->path() + " is not suspended";
+        }
     }
     std::string red;
     if (!redundancy.empty()) {
@@ -286,6 +374,9 @@ std::string ArrayOps::addCopy(int64_t cell, const std::string &name, const std::
         if (target->blocks != src->blocks) {
             return "The capacity of container " + target->path() + " does not match the source Vdisk";
         }
+        if (src->writecache == "writeback" && on("container-source-writeback")) {
+            return "Cannot copy into a container while the source Vdisk " + src->path() + " is in write-back mode";
+        }
         if (!validName(name)) {
             return "Invalid Vdisk name " + name;
         }
@@ -295,10 +386,7 @@ std::string ArrayOps::addCopy(int64_t cell, const std::string &name, const std::
         target->container = false;
         target->family = name;
         target->origin = "snapclone";
-        // With no reads to show it running, the copy is done at once.
-        target->copyReads = m_settings.restoreReads();
-        target->copySource = target->copyReads > 0 ? src->id : 0;
-        target->copyKind = target->copyReads > 0 ? "restore" : "";
+        startCopy(*target, *src, "restore");
         target->modified = now();
         m_world.vdisks.touch(target->id);
         if (created) {
@@ -329,9 +417,7 @@ std::string ArrayOps::addCopy(int64_t cell, const std::string &name, const std::
     d.redundancy = red.empty() ? src->redundancy : red;
     d.origin = "snapclone";
     d.writecache = src->writecache;
-    d.copyReads = m_settings.snapcloneReads();
-    d.copySource = d.copyReads > 0 ? src->id : 0;
-    d.copyKind = d.copyReads > 0 ? "snapclone" : "";
+    startCopy(d, *src, "snapclone");
     std::string const space = reserveSpace(cell, d);
     if (!space.empty()) {
         return space;
@@ -366,11 +452,11 @@ std::string ArrayOps::changeIntoContainer(int64_t cell, const std::string &ref)
     if (!m_world.snapshotsOf(d->id).empty()) {
         return "Cannot change a Vdisk with snapshots into a container (" + d->path() + ")";
     }
-    if (m_world.drMembershipOf(d->id)) {
+    if (m_world.drMembershipOf(d->id) && on("container-dr-member")) {
         return "Cannot change a DR group member into a container (" + d->path() + ")";
     }
-    if (d->copySource || copyRunsFrom(d->id)) {
-        return "Cannot change a Vdisk into a container while a copy runs";
+    if ((d->copySource || copyFrom(d->id)) && on("container-copy-running")) {
+        return "Cannot change a Vdisk into a container while a copy runs (" + d->path() + ")";
     }
     d->container = true;
     d->allocation = "fully";
@@ -395,7 +481,7 @@ std::string ArrayOps::deleteVdisk(int64_t cell, const std::string &ref)
     if (m_world.drMembershipOf(d->id)) {
         return "Cannot delete a Vdisk that is a member of a DR group.";
     }
-    if (copyRunsFrom(d->id)) {
+    if (copyFrom(d->id) && on("delete-copy-source")) {
         return "Cannot delete a Vdisk while it is being copied.";
     }
     m_world.vdisks.erase(d->id);
@@ -620,16 +706,15 @@ void ArrayOps::observeCopies(const std::vector<const VdiskRec *> &disks)
     }
     for (int64_t id : copies) {
         VdiskRec *t = m_world.vdisks.find(id);
-        if (!t) {
+        if (!t || t->copyStalled || t->copyMode != "reads") {
             continue;
         }
         if (t->copyReads > 0) {
             --t->copyReads;
+            m_world.vdisks.touch(id);
         } else {
-            t->copySource = 0;
-            t->copyKind.clear();
+            finishCopy(*t);
         }
-        m_world.vdisks.touch(id);
     }
 }
 

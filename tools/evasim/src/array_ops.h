@@ -50,9 +50,14 @@ public:
                         const std::string &os);
     std::string setDrGroup(int64_t cell, const std::string &ref, bool suspend);
 
-    // A listing read these disks: each running copy among them is read once more, and a copy
-    // whose reads are used up is done.
+    // A listing read these disks: each running copy among them (as source or target) that counts
+    // its progress in reads is read once more, and one whose reads are used up is done.
     void observeCopies(const std::vector<const VdiskRec *> &disks);
+    // Copies that count in seconds and whose time has come are done.
+    void settleCopies();
+    // Starts a copy from 'source' into 'target' ("snapclone" or "restore"), timed by the settings.
+    void startCopy(VdiskRec &target, const VdiskRec &source, const std::string &kind);
+    void finishCopy(VdiskRec &target);
 
     static bool validName(const std::string &name);
 
@@ -61,8 +66,15 @@ private:
     // Splits a family path into folder and family name.
     static bool splitFamilyPath(const std::string &path, std::string &folder, std::string &family);
     bool familyTaken(int64_t cell, const std::string &folder, const std::string &family, int64_t except) const;
-    bool copyRunsFrom(int64_t disk) const;
-    std::string reserveSpace(int64_t cell, const VdiskRec &disk) const;
+    // The disk a copy from 'disk' runs into, if any.
+    const VdiskRec *copyFrom(int64_t disk) const;
+    // The refusal of one more snapshot or copy of 'source', empty while it may have one.
+    std::string copiesLeft(const VdiskRec &source) const;
+    // 'alreadyHeld': bytes the disk takes now, for a disk that grows.
+    std::string reserveSpace(int64_t cell, const VdiskRec &disk, uint64_t alreadyHeld = 0) const;
+    // Whether a rule that may be turned off (rules_off) holds.
+    bool on(const char *rule) const;
+    int64_t now() const;
 
     World &m_world;
     const Settings &m_settings;

@@ -12,6 +12,11 @@ namespace {
 // fault can keep it silent for a while.
 constexpr int kBusyTimeoutMs = 15 * 60 * 1000;
 
+// Raised whenever a table changes, so that a file of another layout is never misread.
+constexpr int64_t kSchemaVersion = 2;
+const char *const kTables[] = {"settings", "servers",  "managed",   "cells",  "diskgroups",   "vdisks", "hosts",
+                               "luns",     "drgroups", "drmembers", "faults", "run_commands", "runs"};
+
 const char *const kSchema = R"SQL(
 CREATE TABLE IF NOT EXISTS settings(key TEXT PRIMARY KEY, value TEXT NOT NULL);
 CREATE TABLE IF NOT EXISTS servers(id INTEGER PRIMARY KEY, host TEXT NOT NULL, user TEXT NOT NULL,
@@ -25,14 +30,15 @@ CREATE TABLE IF NOT EXISTS vdisks(id INTEGER PRIMARY KEY, cell INTEGER NOT NULL,
     objectid TEXT NOT NULL, blocks INTEGER NOT NULL, redundancy TEXT NOT NULL, allocation TEXT NOT NULL,
     diskgroup INTEGER NOT NULL, parent INTEGER NOT NULL, origin TEXT NOT NULL, copy_source INTEGER NOT NULL,
     copy_reads INTEGER NOT NULL, copy_kind TEXT NOT NULL, writecache TEXT NOT NULL, comments TEXT NOT NULL,
-    created INTEGER NOT NULL, modified INTEGER NOT NULL);
+    created INTEGER NOT NULL, modified INTEGER NOT NULL, cloned_from INTEGER NOT NULL, copy_mode TEXT NOT NULL,
+    copy_end REAL NOT NULL, copy_stalled INTEGER NOT NULL, operationalstate TEXT NOT NULL, written INTEGER NOT NULL);
 CREATE TABLE IF NOT EXISTS hosts(id INTEGER PRIMARY KEY, cell INTEGER NOT NULL, path TEXT NOT NULL,
     ports TEXT NOT NULL, os TEXT NOT NULL, objectid TEXT NOT NULL);
 CREATE TABLE IF NOT EXISTS luns(id INTEGER PRIMARY KEY, vdisk INTEGER NOT NULL, host INTEGER NOT NULL,
     lun INTEGER NOT NULL);
 CREATE TABLE IF NOT EXISTS drgroups(id INTEGER PRIMARY KEY, name TEXT NOT NULL, source_cell INTEGER NOT NULL,
     dest_cell INTEGER NOT NULL, writemode TEXT NOT NULL, operationalstate TEXT NOT NULL,
-    membercondition TEXT NOT NULL, linkstate TEXT NOT NULL, suspended INTEGER NOT NULL);
+    membercondition TEXT NOT NULL, linkstate TEXT NOT NULL, suspended INTEGER NOT NULL, has_link INTEGER NOT NULL);
 CREATE TABLE IF NOT EXISTS drmembers(id INTEGER PRIMARY KEY, drgroup INTEGER NOT NULL,
     source_disk INTEGER NOT NULL, dest_disk INTEGER NOT NULL);
 CREATE TABLE IF NOT EXISTS faults(id INTEGER PRIMARY KEY, kind TEXT NOT NULL, remaining INTEGER NOT NULL,
@@ -47,7 +53,7 @@ CREATE INDEX IF NOT EXISTS run_commands_by_run ON run_commands(run, seq);
 
 }  // namespace
 
-Database::Database(const std::string &path, bool create)
+Database::Database(const std::string &path, bool create, bool rebuild)
 {
     const int flags = SQLITE_OPEN_READWRITE | (create ? SQLITE_OPEN_CREATE : 0) | SQLITE_OPEN_FULLMUTEX;
     if (sqlite3_open_v2(path.c_str(), &m_db, flags, nullptr) != SQLITE_OK) {
@@ -59,7 +65,7 @@ Database::Database(const std::string &path, bool create)
     sqlite3_busy_timeout(m_db, kBusyTimeoutMs);
     exec("PRAGMA journal_mode=WAL");
     exec("PRAGMA synchronous=NORMAL");
-    createSchema();
+    createSchema(path, rebuild);
 }
 
 Database::~Database()
@@ -118,9 +124,30 @@ int64_t Database::dataVersion()
     return version;
 }
 
-void Database::createSchema()
+void Database::createSchema(const std::string &path, bool rebuild)
 {
+    sqlite3_stmt *s = nullptr;
+    int64_t version = 0, tables = 0;
+    if (sqlite3_prepare_v2(m_db,
+                           "SELECT (SELECT user_version FROM pragma_user_version), "
+                           "(SELECT count(*) FROM sqlite_master WHERE type = 'table')",
+                           -1, &s, nullptr) == SQLITE_OK &&
+        sqlite3_step(s) == SQLITE_ROW) {
+        version = sqlite3_column_int64(s, 0);
+        tables = sqlite3_column_int64(s, 1);
+    }
+    sqlite3_finalize(s);
+    if (tables > 0 && version != kSchemaVersion) {
+        if (!rebuild) {
+            throw std::runtime_error("the state file " + path +
+                                     " was made by another version of evasim; run 'evasim init' to make a new world");
+        }
+        for (const char *table : kTables) {
+            exec(std::string("DROP TABLE IF EXISTS ") + table);
+        }
+    }
     exec(kSchema);
+    exec("PRAGMA user_version = " + std::to_string(kSchemaVersion));
 }
 
 }  // namespace evasim

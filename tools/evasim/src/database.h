@@ -11,8 +11,9 @@ namespace evasim {
 
 class Database {
 public:
-    // Opens (and with 'create' makes) the file and its tables. Throws std::runtime_error.
-    Database(const std::string &path, bool create);
+    // Opens (and with 'create' makes) the file and its tables. Throws std::runtime_error, also
+    // for a file an older evasim made, unless 'rebuild' lets its tables be made anew.
+    Database(const std::string &path, bool create, bool rebuild = false);
     ~Database();
     Database(const Database &) = delete;
     Database &operator=(const Database &) = delete;
@@ -29,7 +30,7 @@ public:
     int64_t dataVersion();
 
 private:
-    void createSchema();
+    void createSchema(const std::string &path, bool rebuild);
 
     sqlite3 *m_db = nullptr;
     bool m_inTransaction = false;

@@ -123,8 +123,8 @@ void ObjectDescriber::vdisk(ObjectWriter &w, const VdiskRec &d) const
     w.leaf("timestampmodify", std::to_string(d.modified));
     w.leaf("familyname", d.family);
     w.leaf("wwlunid", d.wwlunid);
-    w.leaf("operationalstate", "good");
-    w.leaf("operationalstatedetail", d.copySource ? "copy_in_progress" : "none");
+    w.leaf("operationalstate", d.operationalstate);
+    w.leaf("operationalstatedetail", d.copySource ? (d.copyStalled ? "copy_stalled" : "copy_in_progress") : "none");
     const uint64_t allocated = World::allocatedBytes(d);
     w.leaf("allocatedcapacity", wholeGb(allocated));
     w.leaf("allocatedcapacityblocks", std::to_string(allocated / 512));
@@ -279,12 +279,14 @@ void ObjectDescriber::drGroup(ObjectWriter &w, const DrGroupRec &g, int64_t cell
     }
     w.close("members");
     w.open("links");
-    w.open("link");
-    w.leaf("scellname", there ? there->name : "");
-    w.leaf("scellid", there ? cellObjectId(*there) : "");
-    w.leaf("linkstate", g.linkstate);
-    w.leaf("suspendstate", g.suspended ? "suspended" : "notsuspended");
-    w.close("link");
+    if (g.hasLink) {
+        w.open("link");
+        w.leaf("scellname", there ? there->name : "");
+        w.leaf("scellid", there ? cellObjectId(*there) : "");
+        w.leaf("linkstate", g.linkstate);
+        w.leaf("suspendstate", g.suspended ? "suspended" : "notsuspended");
+        w.close("link");
+    }
     w.close("links");
     w.end();
 }

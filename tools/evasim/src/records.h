@@ -52,9 +52,19 @@ struct VdiskRec {
     int64_t diskgroup = 0;
     int64_t parent = 0;               // the active disk a snapshot was taken of
     std::string origin = "original";  // original, snapshot, snapclone
-    int64_t copySource = 0;           // the disk being copied into this one, while a copy runs
-    int64_t copyReads = 0;            // reads left that still show the copy as running
-    std::string copyKind;             // "snapclone" or "restore" while a copy runs
+    int64_t clonedFrom = 0;           // the disk a snapclone or restore copy was copied from, for good
+    // A copy into this disk, while it runs or stalls: its source, its kind ("snapclone" or
+    // "restore"), how its progress is counted ("reads" or "seconds"), and what is left: reads
+    // that still show it running, or the simulated time it ends at. A stalled copy keeps its
+    // source and, in 'copyEnd', the seconds it still needs.
+    int64_t copySource = 0;
+    std::string copyKind;
+    std::string copyMode = "reads";
+    int64_t copyReads = 0;
+    double copyEnd = 0;
+    bool copyStalled = false;
+    std::string operationalstate = "good";
+    uint64_t written = 0;  // a demand-allocated snapshot takes the bytes written since it was taken
     std::string writecache = "writeback";
     std::string comments;
     int64_t created = 0, modified = 0;  // seconds since the epoch
@@ -89,6 +99,7 @@ struct DrGroupRec {
     std::string operationalstate = "good";
     std::string membercondition = "normal";
     std::string linkstate = "connected";
+    bool hasLink = true;  // false: the group lists no link to its other cell at all
     bool suspended = false;
 
     std::string path() const { return "\\Data Replication\\" + name; }

@@ -1,5 +1,6 @@
 #include "run_store.h"
 
+#include "array_ops.h"
 #include "fault_store.h"
 
 namespace evasim {
@@ -40,6 +41,7 @@ void RunStore::beginCommand(const std::string &command)
         m_settings.load(*m_db);
         m_version = version;
     }
+    ArrayOps(m_world, m_settings).settleCopies();
     m_commandFaults.clear();
     for (const Fault &f : FaultStore::list(*m_db)) {
         if (!f.perRun()) {

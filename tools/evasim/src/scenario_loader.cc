@@ -5,6 +5,9 @@
 #include "text_util.h"
 #include "tokenizer.h"
 #include "world.h"
+#include "world_change.h"
+
+#include <algorithm>
 
 #include <map>
 #include <set>
@@ -86,7 +89,7 @@ std::string ScenarioLoader::line(const std::string &text)
         {"host", &ScenarioLoader::hostLine},       {"vdisk", &ScenarioLoader::vdiskLine},
         {"container", &ScenarioLoader::vdiskLine}, {"snapshot", &ScenarioLoader::snapshotLine},
         {"present", &ScenarioLoader::presentLine}, {"drgroup", &ScenarioLoader::drGroupLine},
-        {"member", &ScenarioLoader::memberLine},
+        {"member", &ScenarioLoader::memberLine},   {"snapclone", &ScenarioLoader::snapcloneLine},
     };
     std::string const body = trim(text);
     if (body.empty() || body[0] == '#') {
@@ -314,16 +317,72 @@ std::string ScenarioLoader::snapshotLine(const std::vector<Token> &t)
     std::string e;
     ArrayOps ops(m_world, m_settings);
     int64_t cell = 0;
-    if (!(e = needNames(t, 3, "snapshot CELL SOURCE NAME [allocation=demand|fully] [wwlunid=ID]")).empty()) {
+    if (!(e = needNames(t, 3, "snapshot CELL SOURCE NAME [allocation=demand|fully] [wwlunid=ID] [written=SIZE]"))
+             .empty()) {
         return e;
     }
-    if (!(e = readOptions(t, 4, {"allocation", "wwlunid"}, o)).empty()) {
+    if (!(e = readOptions(t, 4, {"allocation", "wwlunid", "written"}, o)).empty()) {
         return e;
     }
     if (!(e = cellOf(t[1].text, cell)).empty()) {
         return e;
     }
-    return ops.addSnapshot(cell, t[3].text, t[2].text, o.get("allocation", "demand"), {}, o.get("wwlunid"));
+    int64_t id = 0;
+    if (!(e = ops.addSnapshot(cell, t[3].text, t[2].text, o.get("allocation", "demand"), {}, o.get("wwlunid"), &id))
+             .empty()) {
+        return e;
+    }
+    if (!o.has("written")) {
+        return {};
+    }
+    const VdiskRec *made = m_world.vdisks.find(id);
+    const CellRec *c = m_world.cells.find(cell);
+    WorldChange change;
+    change.parse({"disk", c->name, made->path(), "written=" + o.get("written")});
+    return change.apply(m_world, m_settings);
+}
+
+std::string ScenarioLoader::snapcloneLine(const std::vector<Token> &t)
+{
+    Options o;
+    std::string e;
+    ArrayOps ops(m_world, m_settings);
+    int64_t cell = 0;
+    if (!(e = needNames(t, 3, "snapclone CELL SOURCE NAME [reads=N | seconds=S | state=done|stalled|failed]"))
+             .empty()) {
+        return e;
+    }
+    if (!(e = readOptions(t, 4, {"reads", "seconds", "state"}, o)).empty()) {
+        return e;
+    }
+    if (!(e = cellOf(t[1].text, cell)).empty()) {
+        return e;
+    }
+    int64_t id = 0;
+    if (!(e = ops.addCopy(cell, t[3].text, t[2].text, {}, {}, &id)).empty()) {
+        return e;
+    }
+    VdiskRec *made = m_world.vdisks.find(id);
+    std::vector<std::string> words{"disk", m_world.cells.find(cell)->name, made->path()};
+    for (const char *key : {"reads", "seconds", "state"}) {
+        if (o.has(key)) {
+            words.push_back(std::string(std::string(key) == "state" ? "copy" : std::string("copy_") + key) + "=" +
+                            o.get(key));
+        }
+    }
+    if (words.size() == 3) {
+        return {};
+    }
+    if (!made->copySource) {
+        ops.startCopy(*made, *m_world.vdisks.find(made->clonedFrom), "snapclone");
+        made->copyReads = std::max<int64_t>(made->copyReads, 1);
+        made->copyEnd = std::max(made->copyEnd, m_settings.now() + 1);
+    }
+    WorldChange change;
+    if (!(e = change.parse(words)).empty()) {
+        return e;
+    }
+    return change.apply(m_world, m_settings);
 }
 
 std::string ScenarioLoader::presentLine(const std::vector<Token> &t)
@@ -354,14 +413,14 @@ std::string ScenarioLoader::drGroupLine(const std::vector<Token> &t)
     std::string e;
     if (!(e = needNames(t, 1,
                         "drgroup NAME source=CELL destination=CELL [writemode=TEXT] [operationalstate=TEXT] "
-                        "[membercondition=TEXT] [linkstate=TEXT] [suspended=yes|no]"))
+                        "[membercondition=TEXT] [linkstate=TEXT] [suspended=yes|no] [links=yes|no]"))
              .empty()) {
         return e;
     }
-    if (!(e = readOptions(
-              t, 2,
-              {"source", "destination", "writemode", "operationalstate", "membercondition", "linkstate", "suspended"},
-              o))
+    if (!(e = readOptions(t, 2,
+                          {"source", "destination", "writemode", "operationalstate", "membercondition", "linkstate",
+                           "suspended", "links"},
+                          o))
              .empty()) {
         return e;
     }
@@ -391,6 +450,9 @@ std::string ScenarioLoader::drGroupLine(const std::vector<Token> &t)
     g.operationalstate = o.get("operationalstate", g.operationalstate);
     g.membercondition = o.get("membercondition", g.membercondition);
     g.linkstate = o.get("linkstate", g.linkstate);
+    if (o.has("links") && !parseBool(o.get("links"), g.hasLink)) {
+        return "links must be yes or no, not '" + o.get("links") + "'";
+    }
     if (o.has("suspended") && !parseBool(o.get("suspended"), g.suspended)) {
         return "suspended must be yes or no, not '" + o.get("suspended") + "'";
     }

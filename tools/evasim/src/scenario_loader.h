@@ -29,6 +29,7 @@ private:
     std::string hostLine(const std::vector<Token> &t);
     std::string vdiskLine(const std::vector<Token> &t);
     std::string snapshotLine(const std::vector<Token> &t);
+    std::string snapcloneLine(const std::vector<Token> &t);
     std::string presentLine(const std::vector<Token> &t);
     std::string drGroupLine(const std::vector<Token> &t);
     std::string memberLine(const std::vector<Token> &t);

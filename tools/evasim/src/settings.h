@@ -1,4 +1,5 @@
-// The simulator's own settings: banner, how long copies run, which quirks of the real tool show.
+// The simulator's own settings: banner, how long copies run, which quirks of the real tool show,
+// which rules of the array hold, and the simulated clock.
 #ifndef EVASIM_SETTINGS_H
 #define EVASIM_SETTINGS_H
 
@@ -29,9 +30,13 @@ public:
 
     std::string version() const { return get("version"); }
     std::string build() const { return get("build"); }
-    long long snapcloneReads() const;
-    long long restoreReads() const;
+    long long integer(const std::string &key) const;
+    double seconds(const std::string &key) const;
     bool flag(const std::string &key) const;
+    // A rule of the array (Rules) is on unless 'rules_off' names it.
+    bool ruleOn(const std::string &rule) const;
+    // The simulated clock: the real one moved by clock_offset, in seconds since the epoch.
+    double now() const;
 
 private:
     std::vector<std::pair<std::string, std::string>> m_values;

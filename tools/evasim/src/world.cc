@@ -73,14 +73,17 @@ const Mapping<DiskGroupRec> kDiskGroups{"diskgroups", "cell,name", 2,
 const Mapping<VdiskRec> kVdisks{
     "vdisks",
     "cell,folder,family,leaf,container,wwlunid,objectid,blocks,redundancy,allocation,diskgroup,parent,"
-    "origin,copy_source,copy_reads,copy_kind,writecache,comments,created,modified",
-    20,
+    "origin,copy_source,copy_reads,copy_kind,writecache,comments,created,modified,cloned_from,copy_mode,copy_end,"
+    "copy_stalled,operationalstate,written",
+    26,
     [](Statement &s, const VdiskRec &r) {
         s.bind(2, r.cell).bind(3, r.folder).bind(4, r.family).bind(5, r.leaf).bind(6, int64_t(r.container));
         s.bind(7, r.wwlunid).bind(8, r.objectid).bind(9, int64_t(r.blocks)).bind(10, r.redundancy);
         s.bind(11, r.allocation).bind(12, r.diskgroup).bind(13, r.parent).bind(14, r.origin);
         s.bind(15, r.copySource).bind(16, r.copyReads).bind(17, r.copyKind).bind(18, r.writecache);
-        s.bind(19, r.comments).bind(20, r.created).bind(21, r.modified);
+        s.bind(19, r.comments).bind(20, r.created).bind(21, r.modified).bind(22, r.clonedFrom);
+        s.bind(23, r.copyMode).bind(24, r.copyEnd).bind(25, int64_t(r.copyStalled)).bind(26, r.operationalstate);
+        s.bind(27, int64_t(r.written));
     },
     [](Statement &s) {
         VdiskRec r;
@@ -104,6 +107,12 @@ const Mapping<VdiskRec> kVdisks{
         r.comments = s.text(18);
         r.created = s.integer(19);
         r.modified = s.integer(20);
+        r.clonedFrom = s.integer(21);
+        r.copyMode = s.text(22);
+        r.copyEnd = s.real(23);
+        r.copyStalled = s.integer(24) != 0;
+        r.operationalstate = s.text(25);
+        r.written = uint64_t(s.integer(26));
         return r;
     }};
 
@@ -132,11 +141,11 @@ const Mapping<LunRec> kLuns{"luns", "vdisk,host,lun", 3,
                             }};
 
 const Mapping<DrGroupRec> kDrGroups{
-    "drgroups", "name,source_cell,dest_cell,writemode,operationalstate,membercondition,linkstate,suspended", 8,
+    "drgroups", "name,source_cell,dest_cell,writemode,operationalstate,membercondition,linkstate,suspended,has_link", 9,
     [](Statement &s, const DrGroupRec &r) {
         s.bind(2, r.name).bind(3, r.sourceCell).bind(4, r.destCell).bind(5, r.writemode);
         s.bind(6, r.operationalstate).bind(7, r.membercondition).bind(8, r.linkstate);
-        s.bind(9, int64_t(r.suspended));
+        s.bind(9, int64_t(r.suspended)).bind(10, int64_t(r.hasLink));
     },
     [](Statement &s) {
         DrGroupRec r;
@@ -148,6 +157,7 @@ const Mapping<DrGroupRec> kDrGroups{
         r.membercondition = s.text(6);
         r.linkstate = s.text(7);
         r.suspended = s.integer(8) != 0;
+        r.hasLink = s.integer(9) != 0;
         return r;
     }};
 
@@ -485,10 +495,7 @@ DrGroupRec *World::resolveDrGroup(int64_t cell, const std::string &ref)
 
 uint64_t World::allocatedBytes(const VdiskRec &disk)
 {
-    if (disk.allocation == "demand") {
-        return 0;
-    }
-    const uint64_t bytes = disk.blocks * 512;
+    const uint64_t bytes = disk.allocation == "demand" ? disk.written : disk.blocks * 512;
     if (disk.redundancy == "vraid1") {
         return bytes * 2;
     }

@@ -1,6 +1,7 @@
 #include "world_tables.h"
 
 #include "object_describer.h"
+#include "rules.h"
 #include "settings.h"
 #include "text_util.h"
 #include "world.h"
@@ -64,6 +65,9 @@ cliutil::Table WorldTables::table(const std::string &kind) const
     }
     if (kind == "faults") {
         return faults();
+    }
+    if (kind == "rules") {
+        return rules();
     }
     return settings();
 }
@@ -208,6 +212,16 @@ cliutil::Table WorldTables::faults() const
     cliutil::Table t({"id", "kind", "remaining", "effect"}, "Armed faults");
     for (const Fault &f : m_faults) {
         t.addRow({std::to_string(f.id), f.kind, std::to_string(f.remaining), f.describe()});
+    }
+    return t;
+}
+
+cliutil::Table WorldTables::rules() const
+{
+    cliutil::Table t({"rule", "commands", "refuses", "error", "basis", "state"}, "The array's rules");
+    for (const Rule &r : Rules::all()) {
+        t.addRow({r.name, r.commands, r.refuses, std::string("Error: ") + r.error,
+                  r.assumption ? "assumption" : "known", m_settings.ruleOn(r.name) ? "on" : "off"});
     }
     return t;
 }

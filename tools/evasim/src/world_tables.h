@@ -34,6 +34,7 @@ private:
     cliutil::Table drGroups() const;
     cliutil::Table faults() const;
     cliutil::Table settings() const;
+    cliutil::Table rules() const;
 
     bool inCell(int64_t cell) const { return !m_onlyCell || cell == m_onlyCell; }
     std::string cellName(int64_t cell) const;
