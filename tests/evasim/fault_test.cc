@@ -6,6 +6,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -151,6 +152,78 @@ TEST_F(Faults, ErrorForOneCellSparesTheOtherCells)
     EXPECT_EQ(armed(), 0u);
 }
 
+TEST_F(Faults, BusyAnswersNTimesThenTheCommandWorks)
+{
+    arm({"busy", "--match", "add snapshot", "--count", "2"});
+    std::string const snap = "ADD SNAPSHOT \"s\" VDISK=\"d1\"";
+    for (int i = 0; i < 2; ++i) {
+        const Outcome r = h.sssu({snap});
+        EXPECT_EQ(r.lines().back(), "Error: The storage system is busy. Retry the operation later.") << i;
+        EXPECT_TRUE(h.disk("\\Virtual Disks\\d1\\s").empty()) << i;
+    }
+    EXPECT_EQ(h.sssu({snap}).status, 0);
+    EXPECT_FALSE(h.disk("\\Virtual Disks\\d1\\s").empty());
+}
+
+// --skip counts the matching commands of each run: exactly the second ADD SNAPSHOT of a run fails,
+// and a run with only one leaves the fault armed.
+TEST_F(Faults, SkipHitsExactlyTheNthMatchingCommandOfARun)
+{
+    arm({"error", "--match", "ADD SNAPSHOT", "--skip", "1", "--message", "second"});
+    EXPECT_EQ(h.sssu({"ADD SNAPSHOT \"a\" VDISK=\"d1\""}).status, 0);
+    EXPECT_EQ(armed(), 1u);
+    const Outcome r = h.sssu({"ADD SNAPSHOT \"b\" VDISK=\"d1\"", "LS HOST", "ADD SNAPSHOT \"c\" VDISK=\"d1\"",
+                              "ADD SNAPSHOT \"d\" VDISK=\"d1\""});
+    EXPECT_EQ(r.lines().back(), "Error: second");
+    EXPECT_FALSE(h.disk("\\Virtual Disks\\d1\\b").empty());
+    EXPECT_TRUE(h.disk("\\Virtual Disks\\d1\\c").empty());
+    EXPECT_EQ(armed(), 0u);
+}
+
+// The array changes under a run: a disk fails at the second listing, a running copy stops, a DR
+// link goes down as the group is suspended.
+TEST_F(Faults, ChangeAltersTheArrayJustBeforeTheMatchingCommand)
+{
+    arm({"change", "--match", "LS VDISK \"d1\"", "--skip", "1", "disk", "EVA01", "d1", "operationalstate=failed"});
+    const Outcome r = h.sssu({"LS VDISK \"d1\" XML", "LS VDISK \"d1\" XML"});
+    const size_t second = r.out.rfind("<object>");
+    EXPECT_EQ(evasim_test::element(r.out, "operationalstate"), "good");
+    EXPECT_EQ(evasim_test::element(r.out.substr(second), "operationalstate"), "failed");
+
+    ASSERT_EQ(h.evasim({"set", "snapclone_reads=9"}).status, 0);
+    arm({"change", "--match", "LS VDISK", "disk", "EVA01", "\\Virtual Disks\\d1_c\\ACTIVE", "copy=failed"});
+    const Outcome copy = h.sssu({"ADD COPY \"d1_c\" VDISK=\"d1\"", "LS VDISK \"d1_c\" XML"});
+    EXPECT_EQ(evasim_test::element(copy.out, "sharingrelationship"), "none");
+    EXPECT_EQ(evasim_test::element(copy.out, "operationalstate"), "failed");
+
+    arm({"change", "--match", "SUSPEND", "drgroup", "DRG1", "linkstate=disconnected"});
+    const Outcome link = h.sssu({"SET DR_GROUP \"DRG1\" SUSPEND", "LS DR_GROUP \"DRG1\" XML"});
+    EXPECT_EQ(evasim_test::element(link.out, "linkstate"), "disconnected");
+    EXPECT_EQ(evasim_test::element(link.out, "suspendstate"), "suspended");
+}
+
+TEST_F(Faults, ProcessFaultsBoundToACommandActAtItsLine)
+{
+    arm({"exit-after", "--match", "\"b\"", "--status", "9"});
+    const Outcome ended = h.sssu({"ADD SNAPSHOT \"a\" VDISK=\"d1\"", "ADD SNAPSHOT \"b\" VDISK=\"d1\"", "LS HOST"});
+    EXPECT_EQ(ended.status, 9);
+    EXPECT_EQ(ended.lines()[ended.lines().size() - 2], "EVA01> ADD SNAPSHOT \"b\" VDISK=\"d1\"");
+    EXPECT_FALSE(h.disk("\\Virtual Disks\\d1\\a").empty());
+    EXPECT_TRUE(h.disk("\\Virtual Disks\\d1\\b").empty()) << "the command at the fault never ran";
+
+    arm({"silence", "--seconds", "0.6", "--match", "LS HOST"});
+    const Outcome quiet = listHosts();
+    EXPECT_TRUE(normal(quiet));
+    const std::vector<std::string> lines = quiet.lines();
+    const size_t echo = std::find(lines.begin(), lines.end(), "EVA01> LS HOST") - lines.begin();
+    ASSERT_LT(echo + 1, quiet.lineTimes.size());
+    EXPECT_GE(quiet.lineTimes[echo + 1] - quiet.lineTimes[echo], 0.55) << "the pause comes after the echo";
+
+    arm({"banner", "--text", "Version: 9.2.0 ", "--match", "LS CELL"});
+    EXPECT_EQ(listHosts().lines()[3], "Version: 8.0.2 ") << "runs without LS CELL don't use it";
+    EXPECT_EQ(h.sssu({"LS CELL"}, "").lines()[3], "Version: 9.2.0 ");
+}
+
 TEST_F(Faults, BannerShowsAnotherVersionLineForItsRuns)
 {
     arm({"banner", "--text", "Version: 9.2.0 ", "--count", "2"});
@@ -195,6 +268,14 @@ TEST_F(Faults, BadFaultArgumentsAreRefusedWithUsage)
         {{"fault", "https", "--count", "0"}, "--count must be 1 or more"},
         {{"fault", "https", "--seconds", "1"}, "unknown option --seconds"},
         {{"fault", "banner"}, "--text is required"},
+        {{"fault", "busy"}, "--match TEXT is required"},
+        {{"fault", "error", "--skip", "1"}, "--match TEXT is required"},
+        {{"fault", "https", "--skip", "1"}, "--skip needs --match"},
+        {{"fault", "banner", "--text", "x", "--match", "LS", "--skip", "1"}, "a banner fault acts on whole runs"},
+        {{"fault", "silence", "--seconds", "1", "--after-line", "2", "--match", "LS"}, "two ways to say where"},
+        {{"fault", "change", "--match", "LS", "disk", "EVA01"}, "usage: disk CELL PATH KEY=VALUE"},
+        {{"fault", "change", "--match", "LS", "drgroup", "G", "color=red"}, "a drgroup takes operationalstate="},
+        {{"fault", "delay", "--seconds", "1", "--cell", "EVA01"}, "--cell is for faults that hit commands"},
     };
     for (const Case &c : cases) {
         const Outcome r = h.evasim(c.args);

@@ -60,27 +60,50 @@ and whether it is on.
   --format tsv      tab-separated rows with a header line, for scripts and tests
 )";
 
-const char *const kFaultHelp = R"(Usage: evasim fault KIND [options] [--count N]
+const char *const kBusyMessage = "The storage system is busy. Retry the operation later.";
+
+const char *const kFaultHelp = R"(Usage: evasim fault KIND [options] [--match TEXT [--skip N]] [--cell NAME] [--count N]
        evasim fault list | clear
 
-Arms a fault for the next N uses (--count, default 1). Per-run faults are used by every run that
-starts; the others when they hit.
+Arms a fault for the next N uses (--count, default 1). Faults that act on the process (silence,
+ignore-signals, exit-after, no-output, banner, delay) are used by every run that starts; the
+others when they hit a command.
+
+  --match TEXT      only where a command (a script line) contains TEXT, ignoring case; for
+                    silence, exit-after and delay the fault then acts at that line, for banner,
+                    no-output and ignore-signals only runs with such a line use it
+  --skip N          let the first N matching commands of each run pass: with --match "ADD SNAPSHOT"
+                    --skip 1 exactly the second ADD SNAPSHOT of a run is hit
+  --cell NAME       only while that cell is selected (faults that hit commands)
 
   https [--server HOST]         the next logins (to HOST only, if given) print
                                 "Error opening https connection" and the run stops
-  silence --seconds S [--after-line K]
-                                per run: no output for S seconds, before anything or after line K
-  ignore-signals                per run: SIGINT and SIGTERM are ignored
-  exit-after --lines K [--status N]
-                                per run: the process ends after K output lines (status 1)
-  no-output [--status N]        per run: the process prints nothing and ends (status 0)
+  error --match TEXT [--message TEXT]
+                                the command fails with "Error: MESSAGE" (default "Simulated
+                                failure") instead of running
+  busy --match TEXT [--message TEXT]
+                                the command answers that the array is busy ("Error: The storage
+                                system is busy. Retry the operation later.") and does nothing; with
+                                --count N, N times, then it works
+  change --match TEXT OBJECT KEY=VALUE...
+                                the array changes just before the command runs, as with
+                                `evasim change OBJECT KEY=VALUE...`: a disk fails
+                                (disk CELL PATH operationalstate=failed), a copy stops
+                                (disk CELL PATH copy=failed or copy=stalled), a DR link goes down
+                                (drgroup NAME linkstate=disconnected, or links=no) ...
   malformed-xml                 the next XML listing is not well-formed
-  error --match TEXT [--message TEXT] [--cell NAME]
-                                the next command that contains TEXT (ignoring case) fails with
-                                "Error: MESSAGE" (default "Simulated failure"); with
-                                --cell only while that cell is selected
-  banner --text TEXT            per run: the banner's version line reads TEXT
-  delay --seconds S             per run: a wait of S seconds before each command
+  silence --seconds S [--after-line K]
+                                no output for S seconds: before anything, after output line K, or
+                                with --match after the command's echo, before it runs
+  exit-after --lines K [--status N]
+                                the process ends (status 1) after K output lines, or with --match
+                                after the command's echo, as if killed: the commands before it are
+                                kept, it is not
+  delay --seconds S             a wait of S seconds before each command (with --match, before
+                                the matching commands)
+  ignore-signals                SIGINT and SIGTERM are ignored
+  no-output [--status N]        the process prints nothing and ends (status 0)
+  banner --text TEXT            the banner's version line reads TEXT
   list                          the armed faults
   clear                         disarm all faults
 )";
@@ -201,7 +224,7 @@ struct Command {
     int (AdminCli::*run)(cliutil::Args &);
 };
 
-// The options each fault takes besides --count.
+// The options each fault takes besides --count, --match, --skip and --cell.
 const std::map<std::string, std::vector<std::string>> &faultOptions()
 {
     static const std::map<std::string, std::vector<std::string>> options{
@@ -211,7 +234,9 @@ const std::map<std::string, std::vector<std::string>> &faultOptions()
         {"exit-after", {"--lines", "--status"}},
         {"no-output", {"--status"}},
         {"malformed-xml", {}},
-        {"error", {"--match", "--message", "--cell"}},
+        {"error", {"--message"}},
+        {"busy", {"--message"}},
+        {"change", {}},
         {"banner", {"--text"}},
         {"delay", {"--seconds"}},
     };
@@ -227,25 +252,56 @@ std::string readFault(cliutil::Args &args, Fault &f)
     for (const std::string &name : allowed) {
         given[name] = args.value(name);
     }
-    f.status = f.kind == "exit-after" ? 1 : 0;
-    long long count = 1;
-    args.integer("--count", count, LLONG_MIN, LLONG_MAX);
-    f.remaining = count;
+    for (const char *name : {"--count", "--match", "--skip", "--cell"}) {
+        given[name] = args.value(name);
+    }
+    const std::vector<std::string> words = args.positional();
     if (!args.finish()) {
         return args.error();
     }
-    auto whole = [&](const char *name, int64_t &out) {
+    auto whole = [&](const char *name, int64_t &out, int64_t min, const char *rule) -> std::string {
         long long v = 0;
-        if (given[name] && !parseInt(*given[name], v)) {
-            args.fail(std::string(name) + " needs a whole number, not '" + *given[name] + "'");
+        if (!given[name]) {
+            return {};
         }
-        if (given[name]) {
-            out = v;
+        if (!parseInt(*given[name], v)) {
+            return std::string(name) + " needs a whole number, not '" + *given[name] + "'";
         }
-        return args.ok();
+        if (v < min) {
+            return std::string(name) + " must be " + rule;
+        }
+        out = v;
+        return {};
     };
-    if (f.remaining < 1) {
-        return "--count must be 1 or more";
+    std::string e;
+    if (!(e = whole("--count", f.remaining, 1, "1 or more")).empty() ||
+        !(e = whole("--skip", f.skip, 0, "0 or more")).empty()) {
+        return e;
+    }
+    f.pattern = given["--match"].value_or("");
+    f.cell = given["--cell"].value_or("");
+    const bool wholeRun = f.kind == "banner" || f.kind == "no-output" || f.kind == "ignore-signals";
+    if (given["--match"] && f.pattern.empty()) {
+        return "--match needs a text";
+    }
+    if ((f.kind == "error" || f.kind == "busy" || f.kind == "change") && f.pattern.empty()) {
+        return "--match TEXT is required";
+    }
+    if (f.skip && (wholeRun || f.pattern.empty())) {
+        return wholeRun ? "--skip counts matching commands; a " + f.kind + " fault acts on whole runs"
+                        : "--skip needs --match";
+    }
+    if (!f.cell.empty() && f.perRun()) {
+        return "--cell is for faults that hit commands, not for " + f.kind;
+    }
+    if (f.kind == "change") {
+        WorldChange change;
+        if (!(e = change.parse(words)).empty()) {
+            return e;
+        }
+        f.text = change.text();
+    } else if (!words.empty()) {
+        return "unexpected argument '" + words[0] + "'";
     }
     if (takes("--server")) {
         f.server = given["--server"].value_or("");
@@ -263,39 +319,35 @@ std::string readFault(cliutil::Args &args, Fault &f)
         f.seconds = v;
     }
     if (takes("--after-line")) {
-        if (!whole("--after-line", f.line)) {
-            return args.error();
+        if (given["--after-line"] && !f.pattern.empty()) {
+            return "--after-line and --match are two ways to say where; give one";
         }
-        if (f.line < 0) {
-            return "--after-line must be 0 or more";
+        if (!(e = whole("--after-line", f.line, 0, "0 or more")).empty()) {
+            return e;
         }
     }
     if (takes("--lines")) {
-        if (!given["--lines"]) {
-            return "--lines is required";
+        if (!given["--lines"] && f.pattern.empty()) {
+            return "--lines is required (or --match)";
         }
-        if (!whole("--lines", f.line)) {
-            return args.error();
+        if (given["--lines"] && !f.pattern.empty()) {
+            return "--lines and --match are two ways to say where; give one";
         }
-        if (f.line < 1) {
-            return "--lines must be 1 or more";
+        if (!(e = whole("--lines", f.line, 1, "1 or more")).empty()) {
+            return e;
         }
     }
     if (takes("--status")) {
-        if (!whole("--status", f.status)) {
-            return args.error();
+        f.status = f.kind == "exit-after" ? 1 : 0;
+        if (!(e = whole("--status", f.status, 0, "0 to 255")).empty()) {
+            return e;
         }
-        if (f.status < 0 || f.status > 255) {
+        if (f.status > 255) {
             return "--status must be 0 to 255";
         }
     }
-    if (takes("--match")) {
-        f.pattern = given["--match"].value_or("");
-        if (f.pattern.empty()) {
-            return "--match TEXT is required";
-        }
-        f.text = given["--message"].value_or("Simulated failure");
-        f.cell = given["--cell"].value_or("");
+    if (takes("--message")) {
+        f.text = given["--message"].value_or(f.kind == "busy" ? kBusyMessage : "Simulated failure");
     }
     if (takes("--text")) {
         if (!given["--text"]) {
@@ -321,7 +373,8 @@ std::string AdminCli::usage()
        evasim init [options]          make a new simulated world (from a scenario file or generated)
        evasim show [WHAT] [options]   print the world: servers, cells, disks, hosts, presentations, ...
        evasim fault KIND [options]    arm a fault for the next runs: https, silence, ignore-signals,
-                                      exit-after, no-output, malformed-xml, error, banner, delay
+                                      exit-after, no-output, malformed-xml, error, busy, change,
+                                      banner, delay
        evasim set [KEY=VALUE]...      change or print the simulator's settings
        evasim change OBJECT KEY=VALUE...
                                       change what no command changes: a disk fails, a copy stalls,

@@ -13,7 +13,7 @@ namespace {
 constexpr int kBusyTimeoutMs = 15 * 60 * 1000;
 
 // Raised whenever a table changes, so that a file of another layout is never misread.
-constexpr int64_t kSchemaVersion = 2;
+constexpr int64_t kSchemaVersion = 3;
 const char *const kTables[] = {"settings", "servers",  "managed",   "cells",  "diskgroups",   "vdisks", "hosts",
                                "luns",     "drgroups", "drmembers", "faults", "run_commands", "runs"};
 
@@ -43,7 +43,7 @@ CREATE TABLE IF NOT EXISTS drmembers(id INTEGER PRIMARY KEY, drgroup INTEGER NOT
     source_disk INTEGER NOT NULL, dest_disk INTEGER NOT NULL);
 CREATE TABLE IF NOT EXISTS faults(id INTEGER PRIMARY KEY, kind TEXT NOT NULL, remaining INTEGER NOT NULL,
     server TEXT NOT NULL, seconds REAL NOT NULL, line INTEGER NOT NULL, pattern TEXT NOT NULL,
-    text TEXT NOT NULL, status INTEGER NOT NULL, cell TEXT NOT NULL DEFAULT '');
+    text TEXT NOT NULL, status INTEGER NOT NULL, cell TEXT NOT NULL, skip INTEGER NOT NULL);
 CREATE TABLE IF NOT EXISTS runs(id INTEGER PRIMARY KEY, started REAL NOT NULL, ended REAL NOT NULL,
     status INTEGER NOT NULL, pid INTEGER NOT NULL, script TEXT NOT NULL, note TEXT NOT NULL);
 CREATE TABLE IF NOT EXISTS run_commands(id INTEGER PRIMARY KEY, run INTEGER NOT NULL, seq INTEGER NOT NULL,

@@ -2,6 +2,7 @@
 
 #include "database.h"
 #include "statement.h"
+#include "text_util.h"
 
 namespace evasim {
 
@@ -20,6 +21,7 @@ Fault readFault(Statement &s)
     f.text = s.text(7);
     f.status = s.integer(8);
     f.cell = s.text(9);
+    f.skip = s.integer(10);
     return f;
 }
 
@@ -27,24 +29,26 @@ Fault readFault(Statement &s)
 
 const std::vector<std::string> &FaultStore::kinds()
 {
-    static const std::vector<std::string> list{"https",         "silence", "ignore-signals", "exit-after", "no-output",
-                                               "malformed-xml", "error",   "banner",         "delay"};
+    static const std::vector<std::string> list{"https",     "silence",       "ignore-signals", "exit-after",
+                                               "no-output", "malformed-xml", "error",          "busy",
+                                               "change",    "banner",        "delay"};
     return list;
 }
 
 void FaultStore::add(Database &db, const Fault &f)
 {
-    Statement s(db.handle(), "INSERT INTO faults(kind, remaining, server, seconds, line, pattern, text, status, cell) "
-                             "VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    Statement s(db.handle(),
+                "INSERT INTO faults(kind, remaining, server, seconds, line, pattern, text, status, cell, skip) "
+                "VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
     s.bind(1, f.kind).bind(2, f.remaining).bind(3, f.server).bind(4, f.seconds).bind(5, f.line);
-    s.bind(6, f.pattern).bind(7, f.text).bind(8, f.status).bind(9, f.cell);
+    s.bind(6, f.pattern).bind(7, f.text).bind(8, f.status).bind(9, f.cell).bind(10, f.skip);
     s.run();
 }
 
 std::vector<Fault> FaultStore::list(Database &db)
 {
     std::vector<Fault> out;
-    Statement s(db.handle(), "SELECT id, kind, remaining, server, seconds, line, pattern, text, status, cell "
+    Statement s(db.handle(), "SELECT id, kind, remaining, server, seconds, line, pattern, text, status, cell, skip "
                              "FROM faults WHERE remaining > 0 ORDER BY id");
     while (s.step()) {
         out.push_back(readFault(s));
@@ -57,11 +61,19 @@ void FaultStore::clear(Database &db)
     db.exec("DELETE FROM faults");
 }
 
-std::vector<Fault> FaultStore::takeRunFaults(Database &db)
+std::vector<Fault> FaultStore::takeRunFaults(Database &db, const std::vector<std::string> &script)
 {
     std::vector<Fault> taken;
     for (const Fault &f : list(db)) {
         if (!f.perRun()) {
+            continue;
+        }
+        // With a pattern the run needs the line it acts at: the first one past those skipped.
+        int64_t matching = 0;
+        for (const std::string &line : script) {
+            matching += !f.pattern.empty() && icontains(line, f.pattern);
+        }
+        if (!f.pattern.empty() && matching <= f.skip) {
             continue;
         }
         taken.push_back(f);

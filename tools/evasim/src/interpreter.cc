@@ -11,10 +11,13 @@
 #include "text_util.h"
 #include "tokenizer.h"
 #include "world.h"
+#include "world_change.h"
 #include "xml_object_writer.h"
 
 #include <algorithm>
 #include <memory>
+
+#include <unistd.h>
 
 namespace evasim {
 
@@ -74,12 +77,14 @@ Interpreter::ListRequest parseList(const std::string &line, const std::vector<To
 
 }  // namespace
 
-Interpreter::Interpreter(Output &out, RunStore *store, const Settings &settings, double delay) :
+Interpreter::Interpreter(Output &out, RunStore *store, const Settings &settings, double delay,
+                         std::vector<Fault> runFaults) :
     m_out(out),
     m_store(store),
     m_world(store ? &store->world() : nullptr),
     m_settings(settings),
     m_faults(store ? &store->commandFaults() : &m_noFaults),
+    m_runFaults(std::move(runFaults)),
     m_delay(delay)
 {
 }
@@ -116,8 +121,33 @@ Interpreter::Result Interpreter::command(const std::string &raw)
 {
     std::string const body = trim(raw);
     const bool login = isLogin(body);
+    const Fault *atThisLine = nullptr;
+    for (const Fault &f : m_runFaults) {
+        if (!f.atLine() || !icontains(raw, f.pattern) || ++m_passed[f.id] <= f.skip) {
+            continue;
+        }
+        if (f.kind == "delay") {
+            m_out.pause(f.seconds);
+        } else if (m_passed[f.id] == f.skip + 1) {
+            atThisLine = &f;
+        }
+    }
     if (!login) {
         m_out.line(prompt() + raw);
+    }
+    if (atThisLine && atThisLine->kind == "silence") {
+        m_out.finishLine();
+        m_out.pause(atThisLine->seconds);
+    }
+    if (atThisLine && atThisLine->kind == "exit-after") {
+        // Ended as if killed: the commands before are kept, this one never runs.
+        const int status = static_cast<int>(atThisLine->status);
+        m_out.finishLine();
+        m_out.flush();
+        if (m_store) {
+            m_store->finish(status, "ended by the exit-after fault");
+        }
+        ::_exit(status);
     }
     if (m_store) {
         m_store->beginCommand(login ? History::masked(body) : raw);
@@ -199,11 +229,8 @@ Interpreter::Result Interpreter::loginLine(const std::string &line)
     }
     ServerRec *server = m_world ? m_world->serverByHost(host) : nullptr;
     bool ok = server && server->reachable && server->user == user && server->password == password;
-    for (Fault &f : *m_faults) {
-        if (!ok || f.kind != "https" || f.remaining <= 0 || (!f.server.empty() && !iequals(f.server, host))) {
-            continue;
-        }
-        --f.remaining;
+    m_loginHost = host;
+    if (ok && takeFault("https", History::masked(line))) {
         ok = false;
     }
     if (!ok) {
@@ -258,10 +285,16 @@ bool Interpreter::takeFault(const char *kind, const std::string &line, Fault *ta
         if (f.kind != kind || f.remaining <= 0) {
             continue;
         }
-        if (f.kind == "error" && !icontains(line, f.pattern)) {
+        if (!f.pattern.empty() && !icontains(line, f.pattern)) {
             continue;
         }
-        if (f.kind == "error" && !f.cell.empty() && !(m_cell && iequals(f.cell, m_cellName))) {
+        if (!f.cell.empty() && !(m_cell && iequals(f.cell, m_cellName))) {
+            continue;
+        }
+        if (f.kind == "https" && !f.server.empty() && !iequals(f.server, m_loginHost)) {
+            continue;
+        }
+        if (m_passed[f.id]++ < f.skip) {
             continue;
         }
         --f.remaining;
@@ -327,7 +360,14 @@ Interpreter::Result Interpreter::execute(const std::string &line)
         return t.size() == 1 ? Result::Exit : syntaxError(line, t[1].column);
     }
     Fault injected;
-    if (takeFault("error", line, &injected)) {
+    if (m_world && takeFault("change", line, &injected)) {
+        // The array changes under the command; a change that no longer fits the world is void.
+        WorldChange change;
+        if (change.fromText(injected.text).empty()) {
+            change.apply(*m_world, m_settings);
+        }
+    }
+    if (takeFault("error", line, &injected) || takeFault("busy", line, &injected)) {
         return error(injected.text);
     }
     for (const auto &v : verbs) {

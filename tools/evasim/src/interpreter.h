@@ -5,6 +5,8 @@
 
 #include "fault.h"
 
+#include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -22,8 +24,9 @@ struct Token;
 class Interpreter {
 public:
     // 'store' is null when there is no state yet: then no server answers. 'delay' is waited
-    // before each command.
-    Interpreter(Output &out, RunStore *store, const Settings &settings, double delay);
+    // before each command. 'runFaults' are this run's faults; those bound to a script line act there.
+    Interpreter(Output &out, RunStore *store, const Settings &settings, double delay,
+                std::vector<Fault> runFaults = {});
 
     // Gives the exit status: 0, or 1 when ON_ERROR=EXIT_ON_ERROR stopped at an error.
     int run(const std::vector<std::string> &lines);
@@ -83,6 +86,9 @@ private:
     const Settings &m_settings;
     std::vector<Fault> m_noFaults;
     std::vector<Fault> *m_faults;
+    std::vector<Fault> m_runFaults;
+    std::map<int64_t, int64_t> m_passed;  // per fault: the matching commands of this run so far
+    std::string m_loginHost;
     double m_delay;
 
     long long m_server = 0;  // selected manager

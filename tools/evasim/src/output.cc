@@ -83,6 +83,14 @@ void Output::flush()
     m_buffer.clear();
 }
 
+void Output::finishLine()
+{
+    if (m_separatorOwed) {
+        m_buffer += '\n';
+        m_separatorOwed = false;
+    }
+}
+
 void Output::pause(double seconds)
 {
     flush();

@@ -18,6 +18,8 @@ public:
     void flush();
     // Sleeps (after flushing what is written) for 'seconds'.
     void pause(double seconds);
+    // Ends the last line now, so that a reader has it whole before a pause or the end.
+    void finishLine();
 
     // After output line 'after' has gone out whole, be silent for 'seconds'.
     void silenceAfter(long long after, double seconds);

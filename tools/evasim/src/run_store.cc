@@ -12,12 +12,12 @@ constexpr int64_t kHistoryRuns = 1000;
 
 }  // namespace
 
-RunStore::RunStore(const std::string &database, const std::string &script) :
+RunStore::RunStore(const std::string &database, const std::string &script, const std::vector<std::string> &lines) :
     m_db(std::make_unique<Database>(database, false))
 {
     m_db->begin();
     m_settings.load(*m_db);
-    m_runFaults = FaultStore::takeRunFaults(*m_db);
+    m_runFaults = FaultStore::takeRunFaults(*m_db, lines);
     m_run = History::start(*m_db, script, kHistoryRuns);
     m_world.load(*m_db);
     m_version = m_db->dataVersion();

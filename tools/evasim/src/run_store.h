@@ -21,7 +21,7 @@ class RunStore {
 public:
     // Opens the state file, takes one use of the faults that act on a whole run and records the
     // run's start in the history, all in a transaction of its own: a run that dies still counts.
-    RunStore(const std::string &database, const std::string &script);
+    RunStore(const std::string &database, const std::string &script, const std::vector<std::string> &lines);
     ~RunStore();
 
     World &world() { return m_world; }

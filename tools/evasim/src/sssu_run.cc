@@ -23,10 +23,16 @@ SssuRun::SssuRun(std::string database, std::string script) :
 
 int SssuRun::run()
 {
+    std::ifstream in(m_script);
+    const bool readable = in.is_open();
+    std::vector<std::string> lines;
+    for (std::string l; in && std::getline(in, l);) {
+        lines.push_back(l);
+    }
     std::unique_ptr<RunStore> store;
     struct stat st {};
     if (::stat(m_database.c_str(), &st) == 0) {
-        store = std::make_unique<RunStore>(m_database, m_script);
+        store = std::make_unique<RunStore>(m_database, m_script, lines);
     }
     Settings defaults;
     const Settings &settings = store ? store->settings() : defaults;
@@ -46,6 +52,9 @@ int SssuRun::run()
         if (f.kind == "no-output") {
             store->finish(static_cast<int>(f.status), "no output (fault)");
             return static_cast<int>(f.status);
+        }
+        if (f.atLine()) {
+            continue;  // the interpreter acts on it at its line
         }
         if (f.kind == "silence" && f.line <= 0) {
             out.pause(f.seconds);
@@ -79,21 +88,16 @@ int SssuRun::run()
     out.line("Build: " + settings.build());
     out.line("");
 
-    std::ifstream in(m_script);
-    if (!in) {
+    if (!readable) {
         out.line("Error: Could not open command file " + m_script);
         if (store) {
             store->finish(1, "the script could not be read");
         }
         return 1;
     }
-    std::vector<std::string> lines;
-    for (std::string l; std::getline(in, l);) {
-        lines.push_back(l);
-    }
     // The tool takes FILE as its first command, typed at the first prompt, and echoes it so.
     out.line("NoSystemSelected> file " + m_script);
-    const int status = Interpreter(out, store.get(), settings, delay).run(lines);
+    const int status = Interpreter(out, store.get(), settings, delay, runFaults).run(lines);
     out.flush();
     if (store) {
         store->finish(status);
