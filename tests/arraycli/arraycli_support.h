@@ -18,6 +18,7 @@
 #include "hpeva_process.h"
 #include "message_recorder.h"
 #include "scratch_files.h"
+#include "test_paths.h"
 
 namespace arraycli {
 
@@ -68,8 +69,7 @@ public:
         mkdir(record.c_str(), 0755);
         mkdir((root + "/tmp").c_str(), 0755);
         mkdir((root + "/home").c_str(), 0755);
-        const std::string build = getenv("TAMLIN_BUILD_DIR") != nullptr ? getenv("TAMLIN_BUILD_DIR") : ".";
-        bin = build + "/bin/";
+        bin = tamlin_test::buildDir() + "/bin/";
         setenv("ARRAYCLI_DIR", record.c_str(), 1);
         setenv("ARRAYCLI_EVASIM", (bin + "evasim").c_str(), 1);
         setenv("EVASIM_HOME", (root + "/home").c_str(), 1);

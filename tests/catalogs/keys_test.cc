@@ -18,6 +18,7 @@
 #include "cfistringtool.h"
 #include "hpeva_messages.h"
 #include "qrn_results.h"
+#include "test_paths.h"
 
 using namespace qorin_pdk_4_4;
 
@@ -36,12 +37,6 @@ struct Text {
     Arguments arguments;
     bool valid = false;
 };
-
-std::string envOr(const char *name, const char *fallback)
-{
-    const char *value = getenv(name);
-    return value != nullptr ? value : fallback;
-}
 
 Arguments argumentsOf(const icu::UnicodeString &pattern, bool &valid)
 {
@@ -74,7 +69,7 @@ Arguments argumentsOf(const icu::UnicodeString &pattern, bool &valid)
 std::map<std::string, Text> bundle(const char *language)
 {
     std::map<std::string, Text> out;
-    std::string path = envOr("TAMLIN_BUILD_DIR", ".") + "/Messages/libtamlin";
+    std::string path = tamlin_test::buildDir() + "/Messages/libtamlin";
     UErrorCode status = U_ZERO_ERROR;
     icu::ResourceBundle table(icu::UnicodeString::fromUTF8(path), icu::Locale(language), status);
     EXPECT_EQ(status, U_ZERO_ERROR) << language << ": " << u_errorName(status);

@@ -243,21 +243,19 @@ TEST_F(Provider, ANullFilterListsEveryDiskOfEveryCellWithItsIdentity)
     EXPECT_EQ(site.log().find("secret"), std::string::npos) << "no password in the trace log";
 }
 
+// Which key passes which cell or disk is tested on the rules (tests/rules); here, that the
+// listing asks them per cell and per disk.
 TEST_F(Provider, FilterKeysSelectCellsAndDisks)
 {
     Site site({kCv1, kCv2});
     ASSERT_EQ(start(), 0);
-    const std::vector<std::string> all = diskNames();
-    ASSERT_EQ(all.size(), 6u);
+    ASSERT_EQ(diskNames().size(), 6u);
 
-    EXPECT_EQ(diskNames(0, L"vendor_id=hp,product_id=hsv,provider_name=TAMLIN").size(), all.size())
-        << "the identity keys ignore case";
-    EXPECT_EQ(diskNames(0, L"enclosure_name=eva02"), std::vector<std::string>{"HP##HSV##EVA02##db\\remote"});
     EXPECT_EQ(diskNames(0, L"enclosure_id=5000-1fe1-5000-00c3"), std::vector<std::string>{"HP##HSV##EVA 03##x\\y"});
     EXPECT_EQ(diskNames(0, L"node_prefix=\\db\\"),
               (std::vector<std::string>{"HP##HSV##EVA01##db\\data", "HP##HSV##EVA01##db\\data\\data_snap",
                                         "HP##HSV##EVA01##db\\logs", "HP##HSV##EVA02##db\\remote"}));
-    EXPECT_TRUE(diskNames(0, L"node_prefix=\\DB\\").empty()) << "the prefix keeps its case";
+    EXPECT_TRUE(diskNames(0, L"node_prefix=\\DB\\").empty());
     EXPECT_TRUE(site.log().find("Due to aggressive filtering ZERO disks are returned.") != std::string::npos);
 
     // Any login from here on would use up the armed fault.
@@ -276,9 +274,7 @@ TEST_F(Provider, FlagsLeaveOutSnapshotsOrActiveDisksAndRefuseWithoutTheServedBit
     EXPECT_EQ(diskNames(0x10 | 0x40, eva01),
               (std::vector<std::string>{"HP##HSV##EVA01##d1", "HP##HSV##EVA01##db\\data", "HP##HSV##EVA01##db\\logs"}));
     EXPECT_EQ(diskNames(0x10 | 0x80, eva01), std::vector<std::string>{"HP##HSV##EVA01##db\\data\\data_snap"});
-    EXPECT_TRUE(diskNames(0x10 | 0x40 | 0x80, eva01).empty());
     EXPECT_TRUE(diskNames(0x40, eva01, 6).empty()) << "64 without 16 is refused";
-    EXPECT_EQ(diskNames(0x10, eva01).size(), 4u);
 }
 
 TEST_F(Provider, AnotherProviderOrVendorAsksNoArray)

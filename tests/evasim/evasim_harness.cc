@@ -16,6 +16,8 @@
 #include <sstream>
 #include <thread>
 
+#include "test_paths.h"
+
 extern char **environ;
 
 namespace evasim_test {
@@ -58,14 +60,12 @@ Harness::~Harness()
 
 std::string Harness::binary()
 {
-    const char *build = std::getenv("TAMLIN_BUILD_DIR");
-    return std::string(build ? build : ".") + "/bin/evasim";
+    return tamlin_test::buildDir() + "/bin/evasim";
 }
 
 std::string Harness::scenario(const std::string &name)
 {
-    const char *source = std::getenv("TAMLIN_SOURCE_DIR");
-    return std::string(source ? source : ".") + "/tools/evasim/scenarios/" + name;
+    return tamlin_test::sourceDir() + "/tools/evasim/scenarios/" + name;
 }
 
 Outcome Harness::evasim(const std::vector<std::string> &args, const std::function<void(pid_t)> &meanwhile,

@@ -8,11 +8,11 @@
 #include <gtest/gtest.h>
 
 #include "provider_library.h"
+#include "test_paths.h"
 
 inline std::string builtProviderPath()
 {
-    const char *dir = getenv("TAMLIN_BUILD_DIR");
-    return std::string(dir != nullptr ? dir : ".") + "/lib/libtamlin.so";
+    return tamlin_test::buildDir() + "/lib/libtamlin.so";
 }
 
 // One library per test program: the provider keeps process-wide state across tests.

@@ -29,16 +29,8 @@ public:
         std::string output;  // standard output and error together
     };
 
-    static std::string buildDir()
-    {
-        const char *dir = getenv("TAMLIN_BUILD_DIR");
-        return dir != nullptr ? dir : ".";
-    }
-    static std::string sourceDir()
-    {
-        const char *dir = getenv("TAMLIN_SOURCE_DIR");
-        return dir != nullptr ? dir : ".";
-    }
+    static std::string buildDir() { return tamlin_test::buildDir(); }
+    static std::string sourceDir() { return tamlin_test::sourceDir(); }
 
     // scenario: a path, or a file name below tools/evasim/scenarios/.
     explicit ProviderInstall(const std::vector<Login> &logins = {{"cv1", "admin", "secret"}},

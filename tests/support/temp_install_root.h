@@ -21,6 +21,8 @@
 #include <string>
 #include <vector>
 
+#include "test_paths.h"
+
 class TempInstallRoot {
 public:
     TempInstallRoot()
@@ -105,8 +107,7 @@ public:
     // Copies the bundles the build compiled (<build>/Messages/libtamlin) to Messages/.
     bool installMessages() const
     {
-        const char *build = getenv("TAMLIN_BUILD_DIR");
-        std::filesystem::path from = std::filesystem::path(build != nullptr ? build : ".") / "Messages" / "libtamlin";
+        std::filesystem::path from = std::filesystem::path(tamlin_test::buildDir()) / "Messages" / "libtamlin";
         std::error_code error;
         std::filesystem::create_directories(path("Messages/libtamlin"), error);
         std::filesystem::copy(

@@ -3,6 +3,7 @@
 
 #include "provider_install.h"
 #include "temp_install_root.h"
+#include "test_paths.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -18,7 +19,7 @@ struct CtlRun {
 // Runs tamlinctl with arguments; stderr goes into the output too.
 CtlRun tamlinctl(const std::string &args)
 {
-    std::string command = std::string(getenv("TAMLINCTL")) + " " + args + " 2>&1";
+    std::string command = tamlin_test::envOr("TAMLINCTL", TAMLINCTL_DEFAULT) + " " + args + " 2>&1";
     FILE *pipe = popen(command.c_str(), "r");
     CtlRun run{-1, ""};
     if (pipe == nullptr) {
@@ -61,7 +62,8 @@ TEST(Tamlinctl, CheckLoadsTheBuiltProvider)
 
 TEST(Tamlinctl, CheckNamesEveryMissingEntry)
 {
-    CtlRun run = tamlinctl(std::string("--provider ") + getenv("PARTIAL_PROVIDER") + " check");
+    CtlRun run = tamlinctl(std::string("--provider ") +
+                           tamlin_test::envOr("PARTIAL_PROVIDER", PARTIAL_PROVIDER_DEFAULT) + " check");
     EXPECT_EQ(run.status, 3) << run.out;
     EXPECT_NE(run.out.find("lacks 67 of the 70 entries"), std::string::npos) << run.out;
     EXPECT_NE(run.out.find("missing entry tamlin_fi_pgn_errmsg"), std::string::npos) << run.out;
@@ -104,7 +106,7 @@ TEST(Tamlinctl, InfoListsTheMethodsForPeopleAndForScripts)
 
     // Results go to standard output alone, so a script can parse them whatever the
     // provider prints on its own.
-    std::string command = std::string(getenv("TAMLINCTL")) + " --json info 2>/dev/null";
+    std::string command = tamlin_test::envOr("TAMLINCTL", TAMLINCTL_DEFAULT) + " --json info 2>/dev/null";
     FILE *pipe = popen(command.c_str(), "r");
     ASSERT_NE(pipe, nullptr);
     std::string json;

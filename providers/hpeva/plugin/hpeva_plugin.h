@@ -11,8 +11,6 @@
 #include "hpeva_guard.h"
 #include "sficredential.h"
 
-class CHpEvaNodeFilter;
-
 // The EVA provider: what each host operation means on an EVA array.
 class CHpEvaPlugin : public qorin_pdk_4_4::CFiPluginInterposer {
 public:
@@ -45,11 +43,6 @@ protected:
     CHpEvaGuard guard(const char *operation, int line, bool initialisation = false) const;
     // The configured SSSU for one operation, running on this plug-in's env().
     CHpEvaCliTool newCliTool() const;
-
-    // The filter's provider, vendor and product keys.
-    bool providerPasses(const CHpEvaNodeFilter &filter) const;
-    // The filter's enclosure id and name keys.
-    static bool cellPasses(const CHpEvaNodeFilter &filter, const SHpEvaCell &cell);
 
     // The Command View servers to use.
     std::vector<qorin_pdk_4_4::SFiCredential> credentials;

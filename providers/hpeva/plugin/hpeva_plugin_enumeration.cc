@@ -16,14 +16,13 @@
 #include "hpeva_cliexception.h"
 #include "hpeva_disknames.h"
 #include "hpeva_nodefilter.h"
+#include "hpeva_rules.h"
 
 using namespace qorin_pdk_4_4;
+using namespace hpeva_rules;
 
 namespace {
 
-const int kFlagServed = 0x10;
-const int kFlagNoSnapshots = 0x40;
-const int kFlagNoActive = 0x80;
 // Reads of one cell's disks before the enumeration gives up; SSSU's own retries come on top.
 const int kDiskListAttempts = 4;
 
@@ -32,22 +31,10 @@ const char kProduct[] = "HSV";
 
 }  // namespace
 
-bool CHpEvaPlugin::providerPasses(const CHpEvaNodeFilter &filter) const
-{
-    return filter.matches("provider_name", CFiStringTool::wstr2str(std::wstring(PROVIDER_NAME))) &&
-           filter.matches("vendor_id", kVendor) && filter.matches("product_id", kProduct);
-}
-
-bool CHpEvaPlugin::cellPasses(const CHpEvaNodeFilter &filter, const SHpEvaCell &cell)
-{
-    return filter.matches("enclosure_id", cell.objectwwn) &&
-           filter.matches("enclosure_name", CFiStringTool::wstr2str(cell.cellname));
-}
-
 int CHpEvaPlugin::enumerateNodes(qrn_node_list **out, int *count, int flags, wchar_t *filterText)
 {
     CFiTraceLogFunction traceFunction(m_traceLog, "CHpEvaPlugin::enumerateNodes");
-    if (flags != 0 && (flags & kFlagServed) == 0) {
+    if (flagsRefused(flags)) {
         trace(1, "enumerateNodes(): Unhandled execption encountered, exiting the function");
         return QRN_ERR_FAILED;
     }
@@ -114,11 +101,7 @@ int CHpEvaPlugin::enumerateNodes(qrn_node_list **out, int *count, int flags, wch
             for (const SHpEvaVdisk &disk : disks) {
                 const std::string name = getDiskDisplayName(disk);
                 trace(6, " Checking disk [%s] UDID [%s] for filtering.", name.c_str(), udid.toString().c_str());
-                if (!filter.containedIn("node_prefix", disk.objectname)) {
-                    continue;
-                }
-                const bool snapshot = isSnapshotDisk(disk);
-                if ((snapshot && (flags & kFlagNoSnapshots) != 0) || (!snapshot && (flags & kFlagNoActive) != 0)) {
+                if (!diskPasses(filter, flags, disk)) {
                     continue;
                 }
                 udid.setDisk(disk.wwlunid);
@@ -191,12 +174,7 @@ int CHpEvaPlugin::enumerateHostNodes(qrn_host_node_list **out, int *count, wchar
             tool.getHostInfoList(cell, hosts);
             const std::wstring id = CFiStringTool::str2wstr(cell.objectwwn);
             for (const SHpEvaHost &host : hosts) {
-                // A host in a folder is shown by its last path component.
-                std::wstring name = CFiStringTool::str2wstr(host.name);
-                size_t slash;
-                while ((slash = name.find(L'\\')) != std::wstring::npos) {
-                    name.erase(0, slash + 1);
-                }
+                const std::wstring name = hostDisplayName(host.name);
                 CFiHostNode node(name.c_str(), id.c_str());
                 node.addPorts(host.ports);
                 factory.add(node);
