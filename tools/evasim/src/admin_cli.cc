@@ -20,6 +20,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <cstdio>
 #include <cstring>
@@ -126,11 +127,16 @@ ended (killed, or still running) shows as unfinished. Passwords are masked. The 
   --clear           forget all runs
 )";
 
-const char *const kClockHelp = R"(Usage: evasim clock [advance SECONDS | reset]
+const char *const kClockHelp = R"(Usage: evasim clock [advance SECONDS | freeze | run | reset]
 
 The simulated clock, which copies counted in seconds and the disks' times follow: the real clock
-moved by the setting clock_offset. Without arguments prints it; 'advance' moves it ahead (so a
-test need not wait for a copy), 'reset' puts it back to the real time.
+moved by clock_offset, or standing still at clock_frozen. Without arguments prints it.
+
+  advance SECONDS   moves it ahead, so a test need not wait for a copy
+  freeze            stops it where it is, so that only 'advance' moves it (tests that must not
+                    depend on how fast they run)
+  run               lets a frozen clock run on from where it stands
+  reset             back to the real time, running
 )";
 
 const char *const kResetHelp = R"(Usage: evasim reset
@@ -766,34 +772,53 @@ int AdminCli::clock(cliutil::Args &args)
     }
     double advance = 0;
     char *end = nullptr;
-    if (words.size() == 2 && words[0] == "advance") {
+    const std::string what = words.empty() ? "" : words[0];
+    if (what == "advance" && words.size() == 2) {
         advance = std::strtod(words[1].c_str(), &end);
         if (words[1].empty() || *end || !(advance >= 0)) {
             return bad("clock", "advance needs a number of seconds, not '" + words[1] + "'");
         }
-    } else if (!(words.empty() || (words.size() == 1 && words[0] == "reset"))) {
-        return bad("clock", "expected 'advance SECONDS' or 'reset'");
+    } else if (!(words.empty() || (words.size() == 1 && (what == "reset" || what == "freeze" || what == "run")))) {
+        return bad("clock", "expected 'advance SECONDS', 'freeze', 'run' or 'reset'");
     }
     ensureStateDirectory();
     Database db(m_database, true);
     db.begin();
     Settings settings;
     settings.load(db);
-    if (!words.empty()) {
+    auto put = [&](const char *key, double value) {
         char text[64];
-        std::snprintf(text, sizeof text, "%.3f",
-                      words[0] == "reset" ? 0.0 : settings.seconds("clock_offset") + advance);
-        settings.set("clock_offset", text);
-        settings.save(db);
+        std::snprintf(text, sizeof text, "%.3f", value);
+        settings.set(key, text);
+    };
+    const bool frozen = settings.seconds("clock_frozen") > 0;
+    if (what == "advance") {
+        put(frozen ? "clock_frozen" : "clock_offset",
+            settings.seconds(frozen ? "clock_frozen" : "clock_offset") + advance);
+    } else if (what == "freeze") {
+        put("clock_frozen", settings.now());
+    } else if (what == "run" && frozen) {
+        // It runs on from where it stands.
+        const double wall = std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+        put("clock_offset", settings.seconds("clock_frozen") - wall);
+        put("clock_frozen", 0);
+    } else if (what == "reset") {
+        put("clock_offset", 0);
+        put("clock_frozen", 0);
     }
+    settings.save(db);
     db.commit();
     const std::time_t now = static_cast<std::time_t>(settings.now());
     std::tm tm{};
     localtime_r(&now, &tm);
     char when[64];
     std::strftime(when, sizeof when, "%Y-%m-%d %H:%M:%S", &tm);
-    m_out << "evasim: simulated time " << when << " (real time " << (settings.seconds("clock_offset") >= 0 ? "+" : "")
-          << settings.get("clock_offset") << " s)\n";
+    m_out << "evasim: simulated time " << when
+          << (settings.seconds("clock_frozen") > 0
+                  ? " (frozen)"
+                  : " (real time " + std::string(settings.seconds("clock_offset") >= 0 ? "+" : "") +
+                        settings.get("clock_offset") + " s)")
+          << "\n";
     return 0;
 }
 

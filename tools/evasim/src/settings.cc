@@ -24,6 +24,7 @@ const std::vector<Settings::Key> &Settings::keys()
         {"copies_per_source", "16", "snapshots and running copies a disk may have at once (0: no limit)"},
         {"rules_off", "", "the array's rules (evasim show rules) that don't refuse anything, by name, comma-separated"},
         {"clock_offset", "0", "seconds the simulated clock is ahead of the real one (evasim clock)"},
+        {"clock_frozen", "0", "0: the simulated clock runs; else the time it stands at, in seconds since the epoch"},
         {"quirk_deletion_completed", "off", "print \"Error: Deletion completed\" after a successful delete"},
         {"quirk_present_failed", "off",
          "print \"Error: Error the call to present the virtual disk has failed. [Logical disk Presented]\" "
@@ -75,7 +76,7 @@ std::string Settings::set(const std::string &key, const std::string &value)
                 return "setting " + k + " needs a whole number of 0 or more, not '" + value + "'";
             }
             kv.second = std::to_string(n);
-        } else if (k == "snapclone_seconds" || k == "restore_seconds" || k == "clock_offset") {
+        } else if (k == "snapclone_seconds" || k == "restore_seconds" || k == "clock_offset" || k == "clock_frozen") {
             char *end = nullptr;
             const double v = std::strtod(value.c_str(), &end);
             if (value.empty() || *end || !(v >= (k == "clock_offset" ? -1e12 : 0) && v <= 1e12)) {
@@ -145,6 +146,10 @@ double Settings::seconds(const std::string &key) const
 
 double Settings::now() const
 {
+    const double frozen = seconds("clock_frozen");
+    if (frozen > 0) {
+        return frozen;
+    }
     return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count() +
            seconds("clock_offset");
 }
