@@ -126,6 +126,23 @@ TEST_F(Copies, ADemandSnapshotTakesWhatWasWrittenWithinTheFreeSpace)
     EXPECT_EQ(h.table("cells")[0].at("used"), "47.50 GB");
 }
 
+TEST_F(Copies, AFamilyShowsAsATreeOfSnapshotsAndCopiesWithTheirProgress)
+{
+    admin({"set", "snapclone_reads=3"});
+    ok({"ADD COPY \"d2_clone000\" VDISK=\"\\Virtual Disks\\f\\d2\"", "ADD SNAPSHOT \"c_v\" VDISK=\"d2_clone000\"",
+        "ADD SNAPSHOT \"d2_vsnap000\" VDISK=\"\\Virtual Disks\\f\\d2\""});
+    const Outcome tree = h.evasim({"show", "disks", "--family", "d2", "--cell", "EVA01", "--format", "tsv"});
+    EXPECT_EQ(tree.out,
+              "# Family d2\n"
+              "cell\tdisk\ttype\tsize\tsharing\tcopy\tpresentations\n"
+              "EVA01\t\\Virtual Disks\\f\\d2\\ACTIVE\tactive\t20 GB\tparent\t\t\n"
+              "EVA01\t+- copy: \\Virtual Disks\\f\\d2_clone000\\ACTIVE\tsnapclone\t20 GB\tsnapclone_in_progress\t"
+              "copy running, 3 reads left\t\n"
+              "EVA01\t   +- \\Virtual Disks\\f\\d2_clone000\\c_v\tvsnap\t20 GB\tsnapshot\t\t\n"
+              "EVA01\t+- \\Virtual Disks\\f\\d2\\d2_vsnap000\tvsnap\t20 GB\tsnapshot\t\t\n");
+    EXPECT_EQ(h.evasim({"show", "disks", "--family", "nosuch"}).err, "evasim show: no family 'nosuch'\n");
+}
+
 TEST_F(Copies, ScenariosDeclareCopiesInProgressAndDrGroupsWithoutLinks)
 {
     std::string const file = h.home() + "/copies.scn";

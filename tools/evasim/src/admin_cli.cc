@@ -50,6 +50,7 @@ Without --scenario a world is generated from the numbers.
 )";
 
 const char *const kShowHelp = R"(Usage: evasim show [WHAT] [--cell NAME] [--format table|tsv]
+       evasim show disks --family NAME [--cell NAME] [--format table|tsv]
 
 Prints the simulated world. WHAT is one of servers, cells, diskgroups, disks, hosts,
 presentations, drgroups, faults, settings, or all (the default); or rules, the array's refusals:
@@ -58,6 +59,9 @@ assumption of the simulator (an assumption can be turned off with `evasim set ru
 and whether it is on.
 
   --cell NAME       only what belongs to that cell
+  --family NAME     the disks of a family as a tree: the active disk (NAME is the family's name or a
+                    path), its snapshots, the snapclones and restore copies made from it (copy:) with
+                    their own families, and how far each running copy is
   --format tsv      tab-separated rows with a header line, for scripts and tests
 )";
 
@@ -540,7 +544,8 @@ int AdminCli::init(cliutil::Args &args)
 int AdminCli::show(cliutil::Args &args)
 {
     const std::optional<std::string> cell = args.value("--cell");
-    std::string const format = args.value("--format").value_or("table");
+    const std::optional<std::string> family = args.value("--family");
+    const std::string format = args.value("--format").value_or("table");
     const std::vector<std::string> words = args.positional();
     if (!args.finish()) {
         return bad("show", args.error());
@@ -558,6 +563,9 @@ int AdminCli::show(cliutil::Args &args)
     }
     if (format != "table" && format != "tsv") {
         return bad("show", "--format is table or tsv, not '" + format + "'");
+    }
+    if (family && what != "disks") {
+        return bad("show", "--family goes with disks");
     }
     if (!stateExists()) {
         m_err << "evasim show: no state yet at " << m_database << "; run 'evasim init' first\n";
@@ -584,6 +592,16 @@ int AdminCli::show(cliutil::Args &args)
         onlyCell = c->id;
     }
     WorldTables tables(world, settings, std::move(faults), onlyCell);
+    if (family) {
+        std::string error;
+        const cliutil::Table tree = tables.familyTree(*family, error);
+        if (!error.empty()) {
+            m_err << "evasim show: " << error << "\n";
+            return 1;
+        }
+        m_out << (format == "tsv" ? tree.tsv() : tree.aligned());
+        return 0;
+    }
     bool first = true;
     for (const std::string &kind : kinds) {
         if (what != "all" && what != kind) {

@@ -117,6 +117,9 @@ std::string ArrayOps::copiesLeft(const VdiskRec &source) const
 
 void ArrayOps::startCopy(VdiskRec &target, const VdiskRec &source, const std::string &kind)
 {
+    if (target.id) {
+        m_world.copying.insert(target.id);
+    }
     target.clonedFrom = source.id;
     target.copySource = source.id;
     target.copyKind = kind;
@@ -157,9 +160,12 @@ void ArrayOps::finishCopy(VdiskRec &target)
 void ArrayOps::settleCopies()
 {
     const double now = m_settings.now();
-    for (auto &[id, d] : m_world.vdisks.rows) {
-        if (d.copySource && !d.copyStalled && d.copyMode == "seconds" && now >= d.copyEnd) {
-            finishCopy(d);
+    for (int64_t id : std::vector<int64_t>(m_world.copying.begin(), m_world.copying.end())) {
+        VdiskRec *d = m_world.vdisks.find(id);
+        if (!d || !d->copySource) {
+            m_world.copying.erase(id);
+        } else if (!d->copyStalled && d->copyMode == "seconds" && now >= d->copyEnd) {
+            finishCopy(*d);
         }
     }
 }
@@ -387,6 +393,7 @@ std::string ArrayOps::addCopy(int64_t cell, const std::string &name, const std::
         target->family = name;
         target->origin = "snapclone";
         startCopy(*target, *src, "restore");
+        m_world.copying.insert(target->id);
         target->modified = now();
         m_world.vdisks.touch(target->id);
         if (created) {
@@ -427,6 +434,7 @@ std::string ArrayOps::addCopy(int64_t cell, const std::string &name, const std::
     d.objectid = m_world.newObjectId(*c);
     d.created = d.modified = now();
     VdiskRec &made = m_world.vdisks.insert(d);
+    m_world.copying.insert(made.id);
     if (created) {
         *created = made.id;
     }
@@ -691,22 +699,20 @@ std::string ArrayOps::setDrGroup(int64_t cell, const std::string &ref, bool susp
 
 void ArrayOps::observeCopies(const std::vector<const VdiskRec *> &disks)
 {
-    std::set<int64_t> copies;
-    std::set<int64_t> sources;
+    if (m_world.copying.empty()) {
+        return;
+    }
+    std::set<int64_t> seen;
     for (const VdiskRec *d : disks) {
-        if (d->copySource) {
-            copies.insert(d->id);
-        }
-        sources.insert(d->id);
+        seen.insert(d->id);
     }
-    for (const auto &[id, d] : m_world.vdisks.rows) {
-        if (d.copySource && sources.count(d.copySource)) {
-            copies.insert(id);
-        }
-    }
-    for (int64_t id : copies) {
+    for (int64_t id : std::vector<int64_t>(m_world.copying.begin(), m_world.copying.end())) {
         VdiskRec *t = m_world.vdisks.find(id);
-        if (!t || t->copyStalled || t->copyMode != "reads") {
+        if (!t || !t->copySource) {
+            m_world.copying.erase(id);
+            continue;
+        }
+        if ((!seen.count(id) && !seen.count(t->copySource)) || t->copyStalled || t->copyMode != "reads") {
             continue;
         }
         if (t->copyReads > 0) {

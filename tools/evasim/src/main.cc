@@ -5,6 +5,7 @@
 #include "state_location.h"
 #include "text_util.h"
 
+#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <string>
@@ -24,12 +25,18 @@ int main(int argc, char **argv)
         sssu = true;
     }
     if (sssu) {
+        int status = 1;
         try {
-            return SssuRun(database, script).run();
+            SssuRun run(database, script);
+            status = run.run();
+            // The world of the run (10,000 disks and more) goes with the process instead of being
+            // freed record by record, which costs more than a command; everything is written.
+            std::cout.flush();
+            std::_Exit(status);
         } catch (const std::exception &e) {
             std::cout << "\nError: " << e.what() << std::flush;
-            return 1;
         }
+        return status;
     }
     std::vector<std::string> args(argv + 1, argv + argc);
     return AdminCli(database, std::cout, std::cerr).run(args);

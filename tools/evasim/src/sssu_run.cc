@@ -21,6 +21,8 @@ SssuRun::SssuRun(std::string database, std::string script) :
 {
 }
 
+SssuRun::~SssuRun() = default;
+
 int SssuRun::run()
 {
     std::ifstream in(m_script);
@@ -29,11 +31,11 @@ int SssuRun::run()
     for (std::string l; in && std::getline(in, l);) {
         lines.push_back(l);
     }
-    std::unique_ptr<RunStore> store;
     struct stat st {};
     if (::stat(m_database.c_str(), &st) == 0) {
-        store = std::make_unique<RunStore>(m_database, m_script, lines);
+        m_store = std::make_unique<RunStore>(m_database, m_script, lines);
     }
+    RunStore *store = m_store.get();
     Settings defaults;
     const Settings &settings = store ? store->settings() : defaults;
     const std::vector<Fault> noFaults;
@@ -71,7 +73,7 @@ int SssuRun::run()
         if (f.kind == "exit-after") {
             // The process ends at once, as if killed: the command in flight is not kept.
             const int status = static_cast<int>(f.status);
-            RunStore *s = store.get();
+            RunStore *s = store;
             out.exitAfter(f.line, status, [s, status] {
                 if (s) {
                     s->abandonCommand();
@@ -97,7 +99,7 @@ int SssuRun::run()
     }
     // The tool takes FILE as its first command, typed at the first prompt, and echoes it so.
     out.line("NoSystemSelected> file " + m_script);
-    const int status = Interpreter(out, store.get(), settings, delay, runFaults).run(lines);
+    const int status = Interpreter(out, store, settings, delay, runFaults).run(lines);
     out.flush();
     if (store) {
         store->finish(status);

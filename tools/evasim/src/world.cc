@@ -230,6 +230,11 @@ void World::load(Database &db)
     loadTable(db, kCells, cells);
     loadTable(db, kDiskGroups, diskgroups);
     loadTable(db, kVdisks, vdisks);
+    for (const auto &[id, d] : vdisks.rows) {
+        if (d.copySource) {
+            copying.insert(id);
+        }
+    }
     loadTable(db, kHosts, hosts);
     loadTable(db, kLuns, luns);
     loadTable(db, kDrGroups, drgroups);

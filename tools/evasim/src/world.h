@@ -6,6 +6,7 @@
 #include "records.h"
 #include "row_table.h"
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,9 @@ public:
     RowTable<LunRec> luns;
     RowTable<DrGroupRec> drgroups;
     RowTable<DrMemberRec> drmembers;
+    // Disks a copy may still be running into: those that had one when loaded and those that got
+    // one since. Copies are few, so their progress is kept without a look at every disk.
+    std::set<int64_t> copying;
 
     void load(Database &db);
     void save(Database &db);

@@ -7,6 +7,7 @@
 #include "world.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <tuple>
 
 namespace evasim {
@@ -127,6 +128,88 @@ cliutil::Table WorldTables::diskGroups() const
     return t;
 }
 
+std::string WorldTables::diskType(const VdiskRec &d) const
+{
+    return d.container  ? "container"
+           : d.active() ? (d.origin == "snapclone" ? "snapclone" : "active")
+                        : (d.allocation == "demand" ? "vsnap" : "snapshot");
+}
+
+cliutil::Table WorldTables::familyTree(const std::string &family, std::string &error) const
+{
+    cliutil::Table t({"cell", "disk", "type", "size", "sharing", "copy", "presentations"}, "Family " + family);
+    const ObjectDescriber describe(m_world);
+    std::set<int64_t> shown;
+    std::vector<const VdiskRec *> roots;
+    for (const auto &[cid, c] : m_world.cells.rows) {
+        if (!inCell(cid)) {
+            continue;
+        }
+        bool ambiguous = false;
+        const VdiskRec *named =
+            family.find('\\') != std::string::npos ? m_world.resolveVdisk(cid, family, ambiguous) : nullptr;
+        for (const VdiskRec *d : m_world.vdisksOf(cid)) {
+            const bool fits =
+                named ? d->id == named->id || (d->id == named->parent) : d->active() && iequals(d->family, family);
+            if (fits && d->active()) {
+                roots.push_back(d);
+            }
+        }
+    }
+    if (roots.empty()) {
+        error = "no family '" + family + "'";
+        return t;
+    }
+    for (const VdiskRec *root : roots) {
+        // Start at the oldest disk the family was copied from, so its origin shows too.
+        const VdiskRec *top = root;
+        std::set<int64_t> seen{top->id};
+        while (const VdiskRec *from = m_world.vdisks.find(top->clonedFrom)) {
+            if (!seen.insert(from->id).second) {
+                break;
+            }
+            top = from;
+        }
+        if (!shown.count(top->id)) {
+            branch(t, describe, *top, "", 0, shown);
+        }
+    }
+    return t;
+}
+
+void WorldTables::branch(cliutil::Table &t, const ObjectDescriber &describe, const VdiskRec &d,
+                         const std::string &relation, int depth, std::set<int64_t> &shown) const
+{
+    shown.insert(d.id);
+    std::string copy;
+    if (d.copySource) {
+        copy = std::string(d.copyKind == "restore" ? "restore" : "copy") + (d.copyStalled ? " stalled" : " running");
+        if (!d.copyStalled && d.copyMode == "reads") {
+            copy += ", " + std::to_string(d.copyReads) + " reads left";
+        } else if (!d.copyStalled) {
+            char left[32];
+            std::snprintf(left, sizeof left, ", %.0f s left", std::max(0.0, d.copyEnd - m_settings.now()));
+            copy += left;
+        }
+    } else if (d.operationalstate != "good") {
+        copy = d.operationalstate;
+    }
+    std::string const indent = depth ? std::string(static_cast<size_t>(depth - 1) * 3, ' ') + "+- " : "";
+    t.addRow({cellName(d.cell), indent + (relation.empty() ? "" : relation + " ") + d.path(), diskType(d),
+              humanSize(d.blocks * 512), describe.sharing(d), copy, presentationsOf(m_world, d.id)});
+    std::vector<const VdiskRec *> below;
+    for (const auto &[id, o] : m_world.vdisks.rows) {
+        if (!shown.count(id) && (o.parent == d.id || o.clonedFrom == d.id)) {
+            below.push_back(&o);
+        }
+    }
+    for (const VdiskRec *o : below) {
+        if (!shown.count(o->id)) {
+            branch(t, describe, *o, o->parent == d.id ? "" : "copy:", depth + 1, shown);
+        }
+    }
+}
+
 cliutil::Table WorldTables::disks() const
 {
     ObjectDescriber describe(m_world);
@@ -138,9 +221,7 @@ cliutil::Table WorldTables::disks() const
             continue;
         }
         for (const VdiskRec *d : m_world.vdisksOf(cid)) {
-            std::string const type = d->container  ? "container"
-                                     : d->active() ? (d->origin == "snapclone" ? "snapclone" : "active")
-                                                   : (d->allocation == "demand" ? "vsnap" : "snapshot");
+            std::string const type = diskType(*d);
             const VdiskRec *parent = m_world.vdisks.find(d->parent ? d->parent : d->copySource);
             const DrMemberRec *m = m_world.drMembershipOf(d->id);
             const DrGroupRec *g = m ? m_world.drgroups.find(m->group) : nullptr;
