@@ -9,8 +9,6 @@
 #include "cficonfigparamdatalist.h"
 #include "cficonfigparaminfolist.h"
 #include "cfiformatoptionlist.h"
-#include "cfigetconfigparamlisthandler.h"
-#include "cfisaxparser.h"
 #include "qrn_results.h"
 
 using namespace qorin_pdk_4_4;
@@ -226,24 +224,6 @@ TEST(ParamDocuments, ReaderTakesWhatHostsWrite)
     CFiFormatOptionList options;
     EXPECT_EQ(options.parse(values.getXML()), QRN_OK);
     EXPECT_EQ(options.size(), 0u);
-}
-
-TEST(ParamDocuments, HandlerTellsWhenTheRootClosed)
-{
-    CFiGetConfigParamListHandler whole;
-    {
-        CFiSaxParser parser(&whole, nullptr);
-        parser.parse(std::string("<ConfigParamList><ConfigParam><key>k</key></ConfigParam></ConfigParamList>"));
-    }
-    EXPECT_TRUE(whole.isFinished());
-    EXPECT_EQ(whole.getList().size(), 1u);
-
-    CFiGetConfigParamListHandler other;
-    {
-        CFiSaxParser parser(&other, nullptr);
-        parser.parse(std::string("<ConfigValueList/>"));
-    }
-    EXPECT_FALSE(other.isFinished());
 }
 
 TEST(ParamValues, LookupsAndReplacement)
