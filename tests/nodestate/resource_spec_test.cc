@@ -80,6 +80,13 @@ TEST_F(Node, FirstMatchingSpecificationGivesItsTargets)
     EXPECT_EQ(data->getConfiguredTarget(), "UDID##HP##HSV##5000-1FE1-5000-A9F0##6005-08B4-00A1");
     EXPECT_TRUE(recorder.traced("Target Udid [UDID##HP##HSV##5000-1FE1-5000-A9F0##6005-08B4-00A1]"));
 
+    // The typical value, for a node that is its second source.
+    CFiPrivateData device4(L"UDID##HP##HSV##ENCLOSURE2##DEVICE4", false);
+    device4.configDataList(1).setValue("snapshot_resource_spec",
+                                       "[enclosure##device;device2;device3][enclosure2##device4;device5]");
+    ASSERT_EQ(device4.selectTargetFromConfigData(), QRN_OK);
+    EXPECT_EQ(device4.getConfiguredTarget(), "UDID##HP##HSV##ENCLOSURE2##DEVICE5");
+
     // A second run starts with no targets.
     ASSERT_EQ(select("5000-1FE1-5000-A9F0##6005-08B4-0001;B"), QRN_OK);
     EXPECT_EQ(data->getTargets(), (std::vector<std::string>{"B"}));
