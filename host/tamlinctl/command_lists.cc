@@ -7,6 +7,7 @@
 
 #include "cliutil_table.h"
 #include "commands.h"
+#include "disk_resolver.h"
 #include "json_writer.h"
 #include "provider_session.h"
 #include "result_lists.h"
@@ -236,4 +237,32 @@ int runDisks(CliOptions &options)
     }
     result_lists::freeList(list);
     return ProviderSession::kExitOk;
+}
+
+DiskResolver::Lister diskLister(ProviderSession &session)
+{
+    return [&session](std::vector<KnownDisk> &disks) {
+        if (session.initResult() != 0) {
+            return ProviderSession::kExitFailed;
+        }
+        qrn_node_list *list = nullptr;
+        int32_t count = 0;
+        std::wstring none;
+        auto entry = [&](qrn_node_list **out, int32_t *n, wchar_t *f) {
+            return session.lib()->enumerate_nodes(out, n, 0, f);
+        };
+        const int status = listEntry(session, "enumerate_nodes", entry, none, list, count);
+        if (status != 0) {
+            return status;
+        }
+        for (auto *n : result_lists::elements(list)) {
+            KnownDisk disk;
+            disk.name = text(n->displayName);
+            disk.udid = n->id != nullptr ? text(n->id->text) : std::string();
+            disk.size = n->size;
+            disks.push_back(disk);
+        }
+        result_lists::freeList(list);
+        return ProviderSession::kExitOk;
+    };
 }

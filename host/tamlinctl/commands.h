@@ -2,6 +2,9 @@
 #define COMMANDS_H
 
 #include "cli_options.h"
+#include "disk_resolver.h"
+
+class ProviderSession;
 
 // The commands of tamlinctl. Each returns the program's exit status.
 int runCheck(CliOptions &options);
@@ -11,5 +14,8 @@ int runHosts(CliOptions &options);
 int runDisks(CliOptions &options);
 int runErrmsg(CliOptions &options);
 int runConfig(CliOptions &options);
+
+// The provider's disks, as `disks` lists them, for resolving the DISK words of a command.
+DiskResolver::Lister diskLister(ProviderSession &session);
 
 #endif
