@@ -30,7 +30,7 @@ bool Args::fail(std::string message)
 std::vector<std::string> Args::values(const std::string &name)
 {
     std::vector<std::string> found;
-    std::string const prefix = name + "=";
+    const std::string prefix = name + "=";
     for (size_t i = 0; i < m_args.size(); ++i) {
         if (m_used[i]) {
             continue;

@@ -59,8 +59,8 @@ std::string Table::aligned() const
     std::string text;
     auto line = [&](const std::vector<std::string> &row) {
         for (size_t c = 0; c < row.size(); ++c) {
-            bool const last = c + 1 == row.size();
-            std::string const pad(widths[c] - displayWidth(row[c]), ' ');
+            const bool last = c + 1 == row.size();
+            const std::string pad(widths[c] - displayWidth(row[c]), ' ');
             if (m_right[c]) {
                 text += pad + row[c];
             } else {

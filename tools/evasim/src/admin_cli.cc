@@ -553,7 +553,7 @@ int AdminCli::show(cliutil::Args &args)
     if (words.size() > 1) {
         return bad("show", "one WHAT at most, not '" + words[1] + "'");
     }
-    std::string const what = words.empty() ? "all" : lower(words[0]);
+    const std::string what = words.empty() ? "all" : lower(words[0]);
     std::vector<std::string> kinds = WorldTables::kinds();
     if (what == "rules") {
         kinds = {"rules"};
@@ -607,7 +607,7 @@ int AdminCli::show(cliutil::Args &args)
         if (what != "all" && what != kind) {
             continue;
         }
-        cliutil::Table const t = tables.table(kind);
+        const cliutil::Table t = tables.table(kind);
         if (format == "tsv") {
             m_out << t.tsv();
         } else {
@@ -624,7 +624,7 @@ int AdminCli::fault(cliutil::Args &args)
     if (!word) {
         return bad("fault", "which fault? (" + join(FaultStore::kinds(), ", ") + ", list, clear)");
     }
-    std::string const kind = lower(*word);
+    const std::string kind = lower(*word);
     if (kind == "list" || kind == "clear") {
         if (!args.finish()) {
             return bad("fault", args.error());
@@ -657,7 +657,7 @@ int AdminCli::fault(cliutil::Args &args)
     }
     Fault f;
     f.kind = kind;
-    std::string const error = readFault(args, f);
+    const std::string error = readFault(args, f);
     if (!error.empty()) {
         return bad("fault", error);
     }
@@ -682,7 +682,7 @@ int AdminCli::set(cliutil::Args &args)
         if (eq == std::string::npos) {
             return bad("set", "expected KEY=VALUE, not '" + a + "'");
         }
-        std::string const error = settings.set(a.substr(0, eq), a.substr(eq + 1));
+        const std::string error = settings.set(a.substr(0, eq), a.substr(eq + 1));
         if (!error.empty()) {
             return bad("set", error);
         }
@@ -704,7 +704,7 @@ int AdminCli::set(cliutil::Args &args)
     stored.load(db);
     for (const std::string &a : pairs) {
         const size_t eq = a.find('=');
-        std::string const key = lower(trim(a.substr(0, eq)));
+        const std::string key = lower(trim(a.substr(0, eq)));
         stored.set(key, a.substr(eq + 1));
         m_out << "evasim: " << key << "=" << stored.get(key) << "\n";
     }
@@ -718,7 +718,7 @@ int AdminCli::history(cliutil::Args &args)
     long long last = 20, only = 0;
     args.integer("--last", last, 0, LLONG_MAX);
     args.integer("--run", only, 1, LLONG_MAX);
-    std::string const format = args.value("--format").value_or("table");
+    const std::string format = args.value("--format").value_or("table");
     const bool clear = args.flag("--clear");
     if (!args.finish()) {
         return bad("history", args.error());
@@ -849,8 +849,8 @@ int AdminCli::reset(cliutil::Args &args)
         m_out << "evasim: no state at " << m_database << "\n";
         return 0;
     }
-    for (std::string const suffix : {"", "-wal", "-shm"}) {
-        std::string const file = m_database + suffix;
+    for (const std::string suffix : {"", "-wal", "-shm"}) {
+        const std::string file = m_database + suffix;
         if (::unlink(file.c_str()) != 0 && errno != ENOENT) {
             m_err << "evasim reset: cannot remove " << file << ": " << std::strerror(errno) << "\n";
             return 1;

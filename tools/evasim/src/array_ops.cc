@@ -14,7 +14,7 @@ constexpr long long kHighestLun = 255;
 
 std::string normaliseRedundancy(const std::string &text)
 {
-    std::string const r = lower(trim(text));
+    const std::string r = lower(trim(text));
     if (r == "vraid0" || r == "vraid1" || r == "vraid5") {
         return r;
     }
@@ -230,7 +230,7 @@ std::string ArrayOps::addVdisk(int64_t cell, const std::string &path, uint64_t b
         }
         d.diskgroup = g->id;
     }
-    std::string const space = reserveSpace(cell, d);
+    const std::string space = reserveSpace(cell, d);
     if (!space.empty()) {
         return space;
     }
@@ -264,7 +264,7 @@ std::string ArrayOps::addSnapshot(int64_t cell, const std::string &name, const s
     if (src->container) {
         return "Cannot create a snapshot of a container (" + src->path() + ")";
     }
-    std::string const limit = copiesLeft(*src);
+    const std::string limit = copiesLeft(*src);
     if (!limit.empty()) {
         return limit;
     }
@@ -288,7 +288,7 @@ std::string ArrayOps::addSnapshot(int64_t cell, const std::string &name, const s
     d.parent = src->id;
     d.origin = "snapshot";
     d.writecache = src->writecache;
-    std::string const a = lower(trim(allocation));
+    const std::string a = lower(trim(allocation));
     if (a.empty() || a == "demand") {
         d.allocation = "demand";
     } else if (a == "fully") {
@@ -310,7 +310,7 @@ std::string ArrayOps::addSnapshot(int64_t cell, const std::string &name, const s
             return "World wide LUN name " + d.wwlunid + " is already in use";
         }
     }
-    std::string const space = reserveSpace(cell, d);
+    const std::string space = reserveSpace(cell, d);
     if (!space.empty()) {
         return space;
     }
@@ -350,7 +350,7 @@ std::string ArrayOps::addCopy(int64_t cell, const std::string &name, const std::
     if (const VdiskRec *running = copyFrom(src->id); running && on("second-copy")) {
         return "Cannot create a copy of a Vdisk while its copy " + running->path() + " is in progress";
     }
-    std::string const limit = copiesLeft(*src);
+    const std::string limit = copiesLeft(*src);
     if (!limit.empty()) {
         return limit;
     }
@@ -425,7 +425,7 @@ std::string ArrayOps::addCopy(int64_t cell, const std::string &name, const std::
     d.origin = "snapclone";
     d.writecache = src->writecache;
     startCopy(d, *src, "snapclone");
-    std::string const space = reserveSpace(cell, d);
+    const std::string space = reserveSpace(cell, d);
     if (!space.empty()) {
         return space;
     }
@@ -536,14 +536,14 @@ std::string ArrayOps::setVdisk(int64_t cell, const std::string &ref, const Vdisk
         }
     }
     if (change.container) {
-        std::string const refused = changeIntoContainer(cell, d->path());
+        const std::string refused = changeIntoContainer(cell, d->path());
         if (!refused.empty()) {
             return refused;
         }
     }
     if (change.hasName) {
         if (d->active()) {
-            std::string const oldFamily = d->family;
+            const std::string oldFamily = d->family;
             for (auto &[id, o] : m_world.vdisks.rows) {
                 if (o.cell == cell && iequals(o.folder, d->folder) && o.family == oldFamily) {
                     o.family = change.name;

@@ -57,7 +57,7 @@ Database::Database(const std::string &path, bool create, bool rebuild)
 {
     const int flags = SQLITE_OPEN_READWRITE | (create ? SQLITE_OPEN_CREATE : 0) | SQLITE_OPEN_NOMUTEX;
     if (sqlite3_open_v2(path.c_str(), &m_db, flags, nullptr) != SQLITE_OK) {
-        std::string const why = m_db ? sqlite3_errmsg(m_db) : "out of memory";
+        const std::string why = m_db ? sqlite3_errmsg(m_db) : "out of memory";
         sqlite3_close(m_db);
         m_db = nullptr;
         throw std::runtime_error("cannot open the state file " + path + ": " + why);
@@ -84,7 +84,7 @@ void Database::exec(const std::string &sql)
 {
     char *error = nullptr;
     if (sqlite3_exec(m_db, sql.c_str(), nullptr, nullptr, &error) != SQLITE_OK) {
-        std::string const why = error ? error : "unknown error";
+        const std::string why = error ? error : "unknown error";
         sqlite3_free(error);
         throw std::runtime_error("state database: " + why);
     }

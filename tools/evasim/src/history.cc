@@ -106,7 +106,7 @@ std::vector<HistoryRun> History::list(Database &db, int64_t last, int64_t only)
         c.seq = s.integer(1);
         c.command = s.text(2);
         c.outcome = s.text(3);
-        std::string const answer = s.text(4);
+        const std::string answer = s.text(4);
         c.lines = s.integer(5);
         if (c.lines > 0) {
             c.answer = split(answer, '\n');

@@ -119,7 +119,7 @@ int Interpreter::run(const std::vector<std::string> &lines)
 
 Interpreter::Result Interpreter::command(const std::string &raw)
 {
-    std::string const body = trim(raw);
+    const std::string body = trim(raw);
     const bool login = isLogin(body);
     const Fault *atThisLine = nullptr;
     for (const Fault &f : m_runFaults) {
@@ -198,7 +198,7 @@ Interpreter::Result Interpreter::loginLine(const std::string &line)
             break;
         }
         const size_t end = std::min(line.find_first_of(" \t", start), line.size());
-        std::string const word = line.substr(start, end - start);
+        const std::string word = line.substr(start, end - start);
         at = end == line.size() ? std::string::npos : end;
         const size_t eq = word.find('=');
         if (eq == std::string::npos || eq == 0) {
@@ -754,7 +754,7 @@ Interpreter::Result Interpreter::addLun(const std::string &line, const std::vect
     if (!needSystem()) {
         return Result::Error;
     }
-    std::string const refused = ArrayOps(*m_world, m_settings).addLun(m_cell, lun, host, disk);
+    const std::string refused = ArrayOps(*m_world, m_settings).addLun(m_cell, lun, host, disk);
     if (!refused.empty()) {
         return error(refused);
     }
@@ -769,7 +769,7 @@ Interpreter::Result Interpreter::addDisk(const std::string &line, const std::vec
     if (t.size() < 3 || !t[2].isName()) {
         return syntaxError(line, t.size() < 3 ? line.size() : t[2].column);
     }
-    std::string const name = t[2].text;
+    const std::string name = t[2].text;
     std::string source, container, redundancy, allocation, wwlunid, diskGroup, size;
     bool hasSource = false, hasSize = false;
     for (size_t i = 3; i < t.size(); ++i) {
@@ -824,7 +824,7 @@ Interpreter::Result Interpreter::deleteCommand(const std::string &line, const st
         return Result::Error;
     }
     ArrayOps ops(*m_world, m_settings);
-    std::string const refused =
+    const std::string refused =
         t[1].is("VDISK") ? ops.deleteVdisk(m_cell, t[2].text) : ops.deleteLun(m_cell, t[2].text);
     if (!refused.empty()) {
         return error(refused);

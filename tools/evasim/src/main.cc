@@ -14,7 +14,7 @@
 int main(int argc, char **argv)
 {
     using namespace evasim;
-    std::string const database = StateLocation::database(argv[0]);
+    const std::string database = StateLocation::database(argv[0]);
     std::string script;
     bool sssu = false;
     if (argc == 2 && istartsWith(argv[1], "FILE ")) {

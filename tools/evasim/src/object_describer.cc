@@ -13,7 +13,7 @@ namespace {
 
 std::string dateTime(int64_t when)
 {
-    std::time_t const t = static_cast<std::time_t>(when);
+    const std::time_t t = static_cast<std::time_t>(when);
     std::tm tm{};
     gmtime_r(&t, &tm);
     char buf[64];
@@ -96,10 +96,10 @@ std::string ObjectDescriber::sharing(const VdiskRec &d) const
 void ObjectDescriber::vdisk(ObjectWriter &w, const VdiskRec &d) const
 {
     const CellRec *cell = m_world.cells.find(d.cell);
-    std::string const path = d.path();
-    std::string const cellName = cell ? cell->name : "";
-    std::string const cellWwn = cell ? cell->wwn : "";
-    std::string const cellId = cell ? cellObjectId(*cell) : "";
+    const std::string path = d.path();
+    const std::string cellName = cell ? cell->name : "";
+    const std::string cellWwn = cell ? cell->wwn : "";
+    const std::string cellId = cell ? cellObjectId(*cell) : "";
 
     w.begin(path);
     w.leaf("objectid", d.objectid);
@@ -215,7 +215,7 @@ void ObjectDescriber::host(ObjectWriter &w, const HostRec &h) const
     w.leaf("objectid", h.objectid);
     w.leaf("objectname", h.path);
     w.leaf("objecttype", "host");
-    std::string const leaf = h.path.substr(h.path.rfind('\\') + 1);
+    const std::string leaf = h.path.substr(h.path.rfind('\\') + 1);
     w.leaf("hostname", leaf);
     w.leaf("operatingsystem", h.os);
     w.open("fcadapterports", "Port_wwns");

@@ -34,7 +34,7 @@ std::string readOptions(const std::vector<Token> &t, size_t from, const std::set
         if (t[i].kind != Token::Assign) {
             return "expected KEY=VALUE, found '" + t[i].text + "'";
         }
-        std::string const key = lower(t[i].text);
+        const std::string key = lower(t[i].text);
         if (!allowed.count(key)) {
             std::string list;
             for (const std::string &k : allowed) {
@@ -70,7 +70,7 @@ std::string ScenarioLoader::load(std::istream &in, const std::string &name)
     int number = 0;
     while (std::getline(in, text)) {
         ++number;
-        std::string const error = line(text);
+        const std::string error = line(text);
         if (!error.empty()) {
             return name + ":" + std::to_string(number) + ": " + error;
         }
@@ -91,7 +91,7 @@ std::string ScenarioLoader::line(const std::string &text)
         {"present", &ScenarioLoader::presentLine}, {"drgroup", &ScenarioLoader::drGroupLine},
         {"member", &ScenarioLoader::memberLine},   {"snapclone", &ScenarioLoader::snapcloneLine},
     };
-    std::string const body = trim(text);
+    const std::string body = trim(text);
     if (body.empty() || body[0] == '#') {
         return {};
     }
@@ -491,7 +491,7 @@ std::string ScenarioLoader::memberLine(const std::vector<Token> &t)
     if (m_world.drMembershipOf(src->id)) {
         return src->path() + " is already in a DR group";
     }
-    std::string const remotePath = o.get("remote", src->familyPath());
+    const std::string remotePath = o.get("remote", src->familyPath());
     VdiskRec *dst = m_world.resolveVdisk(g->destCell, remotePath, ambiguous);
     if (!dst) {
         int64_t made = 0;

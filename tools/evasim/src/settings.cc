@@ -45,7 +45,7 @@ void Settings::load(Database &db)
 {
     Statement s(db.handle(), "SELECT key, value FROM settings");
     while (s.step()) {
-        std::string const key = s.text(0);
+        const std::string key = s.text(0);
         for (auto &kv : m_values) {
             if (kv.first == key) {
                 kv.second = s.text(1);
@@ -65,7 +65,7 @@ void Settings::save(Database &db) const
 
 std::string Settings::set(const std::string &key, const std::string &value)
 {
-    std::string const k = lower(trim(key));
+    const std::string k = lower(trim(key));
     for (auto &kv : m_values) {
         if (kv.first != k) {
             continue;

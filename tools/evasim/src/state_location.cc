@@ -27,13 +27,13 @@ std::string dirOf(const std::string &path)
 
 std::string startedFrom(const char *argv0)
 {
-    std::string const name = argv0 ? argv0 : "";
+    const std::string name = argv0 ? argv0 : "";
     if (name.find('/') != std::string::npos) {
         return dirOf(name);
     }
     if (!name.empty()) {
         if (const char *path = std::getenv("PATH")) {
-            std::string const list = path;
+            const std::string list = path;
             size_t start = 0;
             while (start <= list.size()) {
                 size_t end = list.find(':', start);
@@ -44,7 +44,7 @@ std::string startedFrom(const char *argv0)
                 if (dir.empty()) {
                     dir = ".";
                 }
-                std::string const candidate = dir + "/" + name;
+                const std::string candidate = dir + "/" + name;
                 if (::access(candidate.c_str(), X_OK) == 0) {
                     return dir;
                 }
@@ -85,7 +85,7 @@ void StateLocation::ensureDirectory(const std::string &dir)
         }
         throw std::runtime_error(dir + " exists and is not a directory");
     }
-    std::string const parent = dirOf(dir);
+    const std::string parent = dirOf(dir);
     if (parent != dir && parent != "/" && parent != ".") {
         ensureDirectory(parent);
     }

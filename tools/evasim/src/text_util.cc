@@ -86,7 +86,7 @@ std::string join(const std::vector<std::string> &parts, const std::string &separ
 
 bool parseInt(const std::string &text, long long &value)
 {
-    std::string const t = trim(text);
+    const std::string t = trim(text);
     if (t.empty()) {
         return false;
     }
@@ -108,7 +108,7 @@ bool parseInt(const std::string &text, long long &value)
 
 bool parseBool(const std::string &text, bool &value)
 {
-    std::string const t = lower(trim(text));
+    const std::string t = lower(trim(text));
     if (t == "yes" || t == "on" || t == "true" || t == "1") {
         value = true;
         return true;
@@ -127,8 +127,8 @@ bool parseSize(const std::string &text, uint64_t &bytes)
     while (unitAt < t.size() && (std::isdigit(static_cast<unsigned char>(t[unitAt])) || t[unitAt] == '.')) {
         ++unitAt;
     }
-    std::string const number = t.substr(0, unitAt);
-    std::string const unit = trim(t.substr(unitAt));
+    const std::string number = t.substr(0, unitAt);
+    const std::string unit = trim(t.substr(unitAt));
     if (number.empty() || number.find('.') != number.rfind('.') || number == ".") {
         return false;
     }

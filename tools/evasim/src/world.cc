@@ -383,7 +383,7 @@ std::vector<VdiskRec *> World::snapshotsOf(int64_t vdisk)
 
 DiskGroupRec *World::diskGroupByName(int64_t cell, const std::string &name)
 {
-    std::string const leaf = leafOf(name);
+    const std::string leaf = leafOf(name);
     for (auto &[id, g] : diskgroups.rows) {
         if (g.cell == cell && iequals(g.name, leaf)) {
             return &g;
@@ -421,7 +421,7 @@ VdiskRec *World::resolveVdisk(int64_t cell, const std::string &ref, bool &ambigu
     if (ref.empty()) {
         return nullptr;
     }
-    std::string const full =
+    const std::string full =
         ref[0] == '\\' ? ref : (istartsWith(ref, "Virtual Disks\\") ? "\\" + ref : "\\Virtual Disks\\" + ref);
     VdiskRec *byFamily = nullptr;
     for (auto &[id, d] : vdisks.rows) {
@@ -462,7 +462,7 @@ HostRec *World::resolveHost(int64_t cell, const std::string &ref, bool &ambiguou
     if (ref.empty()) {
         return nullptr;
     }
-    std::string const full = ref[0] == '\\' ? ref : (istartsWith(ref, "Hosts\\") ? "\\" + ref : "\\Hosts\\" + ref);
+    const std::string full = ref[0] == '\\' ? ref : (istartsWith(ref, "Hosts\\") ? "\\" + ref : "\\Hosts\\" + ref);
     for (auto &[id, h] : hosts.rows) {
         if (h.cell == cell && iequals(h.path, full)) {
             return &h;
@@ -543,12 +543,12 @@ bool World::wwlunidInUse(int64_t cell, const std::string &wwlunid, int64_t excep
 
 std::string World::formatWwlunid(const CellRec &cell, int64_t serial)
 {
-    std::string const w = lower(cell.wwn);
+    const std::string w = lower(cell.wwn);
     // "5000-1fe1-5000-a9f0": its last two groups make the cell's part of every LUN id.
-    std::string const cellPart = w.size() >= 19 ? w.substr(10, 9) : "0000-0000";
+    const std::string cellPart = w.size() >= 19 ? w.substr(10, 9) : "0000-0000";
     char digits[32];
     std::snprintf(digits, sizeof digits, "%012llx", static_cast<unsigned long long>(serial));
-    std::string const s(digits);
+    const std::string s(digits);
     return "6005-08b4-" + cellPart + "-" + s.substr(0, 4) + "-" + s.substr(4, 4) + "-" + s.substr(8, 4) + "-0000";
 }
 
@@ -557,7 +557,7 @@ std::string World::newWwlunid(CellRec &cell)
     for (;;) {
         ++cell.serial;
         cells.touch(cell.id);
-        std::string const id = formatWwlunid(cell, cell.serial);
+        const std::string id = formatWwlunid(cell, cell.serial);
         if (!wwlunidInUse(cell.id, id, 0)) {
             return id;
         }

@@ -72,7 +72,7 @@ std::string WorldChange::parse(const std::vector<std::string> &words)
         }
         for (size_t i = 1 + k.names; i < words.size(); ++i) {
             const size_t eq = words[i].find('=');
-            std::string const key = eq == std::string::npos ? "" : lower(words[i].substr(0, eq));
+            const std::string key = eq == std::string::npos ? "" : lower(words[i].substr(0, eq));
             bool known = false;
             for (const char *allowed : k.keys) {
                 known = known || key == allowed;
@@ -183,7 +183,7 @@ std::string WorldChange::apply(World &world, const Settings &settings) const
             return "no copy runs into " + d->path();
         }
         if (key == "copy") {
-            std::string const v = lower(value);
+            const std::string v = lower(value);
             if (v == "done") {
                 ops.finishCopy(changed);
             } else if (v == "failed") {

@@ -194,7 +194,7 @@ void WorldTables::branch(cliutil::Table &t, const ObjectDescriber &describe, con
     } else if (d.operationalstate != "good") {
         copy = d.operationalstate;
     }
-    std::string const indent = depth ? std::string(static_cast<size_t>(depth - 1) * 3, ' ') + "+- " : "";
+    const std::string indent = depth ? std::string(static_cast<size_t>(depth - 1) * 3, ' ') + "+- " : "";
     t.addRow({cellName(d.cell), indent + (relation.empty() ? "" : relation + " ") + d.path(), diskType(d),
               humanSize(d.blocks * 512), describe.sharing(d), copy, presentationsOf(m_world, d.id)});
     std::vector<const VdiskRec *> below;
@@ -221,7 +221,7 @@ cliutil::Table WorldTables::disks() const
             continue;
         }
         for (const VdiskRec *d : m_world.vdisksOf(cid)) {
-            std::string const type = diskType(*d);
+            const std::string type = diskType(*d);
             const VdiskRec *parent = m_world.vdisks.find(d->parent ? d->parent : d->copySource);
             const DrMemberRec *m = m_world.drMembershipOf(d->id);
             const DrGroupRec *g = m ? m_world.drgroups.find(m->group) : nullptr;
