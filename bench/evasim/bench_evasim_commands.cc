@@ -87,7 +87,8 @@ std::string script(const std::string &dir, const std::string &name, const std::s
 std::string disk(long n)
 {
     char path[96];
-    std::snprintf(path, sizeof path, "\\Virtual Disks\\folder%02ld\\vd%05ld\\ACTIVE", n % 10, n);
+    // As the generator spreads them over its ten folders.
+    std::snprintf(path, sizeof path, "\\Virtual Disks\\folder%02ld\\vd%05ld\\ACTIVE", (n - 1) % 10 + 1, n);
     return path;
 }
 
