@@ -381,7 +381,8 @@ std::string AdminCli::usage()
 {
     return R"(Usage: evasim FILE SCRIPT            run an SSSU script, as SSSU does ("FILE SCRIPT" as one argument too)
        evasim init [options]          make a new simulated world (from a scenario file or generated)
-       evasim show [WHAT] [options]   print the world: servers, cells, disks, hosts, presentations, ...
+       evasim show [WHAT] [options]   print the world: servers, cells, disks, hosts, presentations, ...;
+                                      the array's rules; a family of disks as a tree
        evasim fault KIND [options]    arm a fault for the next runs: https, silence, ignore-signals,
                                       exit-after, no-output, malformed-xml, error, busy, change,
                                       banner, delay
@@ -389,7 +390,8 @@ std::string AdminCli::usage()
        evasim change OBJECT KEY=VALUE...
                                       change what no command changes: a disk fails, a copy stalls,
                                       a DR link goes down, a cell shrinks
-       evasim clock [advance S|reset] the simulated clock that timed copies follow
+       evasim clock [advance S|freeze|run|reset]
+                                      the simulated clock that timed copies follow
        evasim history [options]       what the SSSU runs did: commands, answers, exit status
        evasim reset                   remove the state: no server answers any more
        evasim where                   print where the state file is
