@@ -156,9 +156,8 @@ int CFiPluginBase::config(qrn_domain *node, int op, char *sessionId, qrn_confspe
         } else {
             trace(1, "ERROR: SET: Mode[%d]: Invalid XML [%S] \n", mode, spec->text);
             trace(1, "ERROR: SET: Mode[%d]: %s", mode, values.getParseError().describe().c_str());
-            // The refused text would otherwise stand as the node's document, and GET would hand
-            // it out over values that are still the old ones.
-            values.updateXML();
+            // The values stay the old ones while the document keeps the refused text, as the
+            // list's parse leaves it: a host that asks again sees what it sent.
             spec->text = nullptr;
         }
         break;
