@@ -1,5 +1,7 @@
 #include "hpeva_configuration.h"
 
+#include <cstdint>
+
 #include "cficonfigurationpathtool.h"
 #include "cfitracelogfunction.h"
 #include "hpeva_plugin.h"
@@ -86,6 +88,35 @@ SHpEvaTuningSettings CHpEvaConfiguration::importTuningSettings()
         unsigned value = 0;
         if (getIntegerValue(L"POST_UNMASK_WAIT_IN_SEC", value) == 0) {
             settings.postUnmaskWait = value;
+        }
+    }
+    return settings;
+}
+
+SHpEvaRestoreSettings CHpEvaConfiguration::importRestoreSettings()
+{
+    CFiTraceLogFunction function(m_traceLog, "CHpEvaConfiguration::importRestoreSettings");
+    SHpEvaRestoreSettings settings;
+    ACE_Configuration_Section_Key section;
+    if (openSection(L"RESTORE_INFO", section, 0) != 0) {
+        return settings;
+    }
+    ACE_WString delay;
+    if (getStringValue(L"COMMAND_DELAY", delay) == 0) {
+        settings.commandDelay = delay;
+    }
+    unsigned value = 0;
+    if (getIntegerValue(L"REDISCOVER", value) == 0) {
+        settings.rediscover = value != 0;
+    }
+    if (getIntegerValue(L"TIMEOUT", value) == 0) {
+        // A time-out of 0 would stop SSSU before its first answer and leave the restore
+        // halfway on the array; beyond INT32_MAX it can't be passed on.
+        if (value == 0 || value > static_cast<unsigned>(INT32_MAX)) {
+            trace(2, "RESTORE_INFO TIMEOUT [%u] ignored, the restore script waits up to [%d] seconds.", value,
+                  settings.timeout);
+        } else {
+            settings.timeout = static_cast<int>(value);
         }
     }
     return settings;

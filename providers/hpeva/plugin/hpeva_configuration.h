@@ -7,10 +7,12 @@
 
 #include "cficonfiguration.h"
 #include "hpeva_clitool.h"
+#include "hpeva_restoresettings.h"
 #include "hpeva_tuningsettings.h"
 
 // The provider's own settings in <install>/ConfigFiles/tamlin.conf: where SSSU lies
-// (section "CLI_TOOL_INFO": FILEPATH, FILENAME) and the tuning values ("TUNING_PARAMS").
+// (section "CLI_TOOL_INFO": FILEPATH, FILENAME), the tuning values ("TUNING_PARAMS") and
+// the restore settings ("RESTORE_INFO").
 class CHpEvaConfiguration : public qorin_pdk_4_4::CFiConfiguration {
 public:
     CHpEvaConfiguration();
@@ -20,6 +22,9 @@ public:
     // bridge directory. After a search without a hit the name is the last one tried.
     CHpEvaCliTool importCliPathInfo();
     SHpEvaTuningSettings importTuningSettings();
+    // COMMAND_DELAY (a string), REDISCOVER and TIMEOUT (numbers); what isn't set, or can't be
+    // read as its type, keeps its default.
+    SHpEvaRestoreSettings importRestoreSettings();
 
     // The file names SSSU may have, in the order they are tried.
     const std::vector<ACE_WString> &getFileNames() const { return m_fileNames; }

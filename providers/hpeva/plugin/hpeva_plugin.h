@@ -38,6 +38,13 @@ public:
     // is reported with its place.
     int config(qrn_domain *node, int op, char *sessionId, qrn_confspec *spec) override;
 
+    // Restores each primary from its secondary (snapclone), pairs by index: starts every pair
+    // with flags 0, 0x1 or 0x100, writes 16 into a started pair's status element, then waits
+    // for each copy in turn. A refused or failing pair ends the call; pairs started before it
+    // stay started and unawaited.
+    int restore(qorin_objid **primaries, qorin_objid **secondaries, int32_t count, wchar_t *, wchar_t *, int32_t flags,
+                int32_t *status) override;
+
 protected:
     // The catch ladder for one operation of this class; line is the guard's call site.
     CHpEvaGuard guard(const char *operation, int line, bool initialisation = false) const;

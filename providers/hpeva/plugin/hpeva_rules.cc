@@ -12,6 +12,7 @@ namespace {
 const char kProvider[] = "tamlin";
 const char kVendor[] = "HP";
 const char kProduct[] = "HSV";
+const char kActiveMarker[] = "ACTIVE";
 
 }  // namespace
 
@@ -46,6 +47,27 @@ std::wstring hostDisplayName(const std::string &arrayPath)
     std::wstring name = CFiStringTool::str2wstr(arrayPath);
     const size_t slash = name.rfind(L'\\');
     return slash == std::wstring::npos ? name : name.substr(slash + 1);
+}
+
+bool restoreStarts(int32_t flags)
+{
+    return flags == 0 || (flags & (RESTORE_FLAG_START | RESTORE_FLAG_START_TOO)) != 0;
+}
+
+RestoreRefusal restoreRefusal(const SHpEvaVdisk &primary, const SHpEvaVdisk &secondary)
+{
+    if (primary.objectname.find(kActiveMarker) == std::string::npos) {
+        return RestoreRefusal::PRIMARY_NOT_ACTIVE;
+    }
+    if (secondary.objectname.find(kActiveMarker) == std::string::npos) {
+        return RestoreRefusal::SECONDARY_NOT_ACTIVE;
+    }
+    return RestoreRefusal::NONE;
+}
+
+bool restoreCopyEnded(const SHpEvaVdisk &secondary)
+{
+    return secondary.sharingrelationship == "none";
 }
 
 }  // namespace hpeva_rules

@@ -1,6 +1,7 @@
 #ifndef HPEVA_RULES_H
 #define HPEVA_RULES_H
 
+#include <cstdint>
 #include <string>
 
 #include "hpeva_cell.h"
@@ -30,6 +31,23 @@ bool cellPasses(const CHpEvaNodeFilter &filter, const SHpEvaCell &cell);
 bool diskPasses(const CHpEvaNodeFilter &filter, int flags, const SHpEvaVdisk &disk);
 // How the host sees an array's host: the last component of its path below "\Hosts\".
 std::wstring hostDisplayName(const std::string &arrayPath);
+
+// Restore. Flags 0, or with bit 0x1 or 0x100, start the pairs; any other flags start none.
+const int32_t RESTORE_FLAG_START = 0x1;
+const int32_t RESTORE_FLAG_START_TOO = 0x100;
+// What a started pair's status element reads.
+const int32_t RESTORE_STATUS_STARTED = 16;
+// Seconds between two reads of a disk whose copy still runs.
+const uint32_t RESTORE_WAIT_SECONDS = 4;
+
+enum class RestoreRefusal { NONE, PRIMARY_NOT_ACTIVE, SECONDARY_NOT_ACTIVE };
+
+bool restoreStarts(int32_t flags);
+// Only an active disk is restored, and only from an active disk (a snapclone); the primary
+// is looked at first.
+RestoreRefusal restoreRefusal(const SHpEvaVdisk &primary, const SHpEvaVdisk &secondary);
+// The copy out of secondary has ended when the array reports no sharing relationship left.
+bool restoreCopyEnded(const SHpEvaVdisk &secondary);
 
 }  // namespace hpeva_rules
 

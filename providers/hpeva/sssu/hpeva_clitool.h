@@ -11,6 +11,7 @@
 #include "hpeva_cell.h"
 #include "hpeva_drgroup.h"
 #include "hpeva_host.h"
+#include "hpeva_restoresettings.h"
 #include "hpeva_vdisk.h"
 #include "sficredential.h"
 
@@ -90,6 +91,16 @@ public:
     void suspendDrGroup(const SHpEvaCell &cell, std::string group) const;
     void resumeDrGroup(const SHpEvaCell &cell, std::string group) const;
     SHpEvaDrGroup getDRGroupDetail(const SHpEvaCell &cell, std::string group) const;
+
+    // Restore (hpeva_clitool_restore.cc): primary, an active disk, gets the content of the
+    // snapclone secondary. Both records as findVirtualDisk gives them; the script runs in the
+    // secondary's login and cell. restore removes the primary's presentations, makes it a
+    // container, starts the copy into it and presents it again on its old LUNs; the copy
+    // goes on after the return. restoreSwapBased trades the two disks' world wide LUN names
+    // and family names instead and presents each side again; nothing is copied.
+    void restore(const SHpEvaVdisk &primary, const SHpEvaVdisk &secondary,
+                 const SHpEvaRestoreSettings &settings = SHpEvaRestoreSettings()) const;
+    void restoreSwapBased(const SHpEvaVdisk &primary, const SHpEvaVdisk &secondary) const;
 
 private:
     ACE_WString m_fileName;

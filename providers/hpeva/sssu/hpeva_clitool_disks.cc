@@ -112,15 +112,7 @@ void CHpEvaCliTool::addLun(const SHpEvaCell &cell, const std::string &disk, cons
 {
     CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::addLun");
-    // The blanks are SSSU's contract as the provider has always sent it: two before VDISK,
-    // one at the end. LUN 0 is written too; the array then chooses the number.
-    ACE_WString command(L"ADD LUN ");
-    command += wide(CFiStringTool::uint2str(static_cast<uint32_t>(lun)));
-    command += L" HOST=\"";
-    command += wide(host);
-    command += L"\"  VDISK=\"";
-    command += wide(disk);
-    command += L"\" ";
+    const ACE_WString command = addLunCommand(disk, host, lun);
     log->trace(2, "executing command [%S]", command.c_str());
     std::vector<std::string> lines;
     runScript(*this, cell, command, cellOf(cell), lines);

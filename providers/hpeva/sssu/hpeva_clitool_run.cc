@@ -64,11 +64,11 @@ void CHpEvaCliTool::massageOutput(std::vector<std::string> &lines)
 namespace hpeva_cli {
 
 void runScript(const CHpEvaCliTool &tool, const SFiCredential &credential, const std::vector<ACE_WString> &commands,
-               const ACE_WString &cell, std::vector<std::string> &lines)
+               const ACE_WString &cell, std::vector<std::string> &lines, int timeout)
 {
     // The file lives exactly as long as the run, and goes on every way out.
     CHpEvaCommandTempFile script(credential, commands, cell);
-    tool.execSSSU(script.getCommandFileOption(), lines, CHpEvaCliTool::DEFAULT_TIMEOUT);
+    tool.execSSSU(script.getCommandFileOption(), lines, timeout);
 }
 
 void runScript(const CHpEvaCliTool &tool, const SFiCredential &credential, const ACE_WString &command,
@@ -86,6 +86,20 @@ void runListing(const CHpEvaCliTool &tool, const SFiCredential &credential, cons
     lines.reserve(1024);
     runScript(tool, credential, command, cell, lines);
     parseXmlOutput(lines, handler, command, file, line);
+}
+
+ACE_WString addLunCommand(const std::string &disk, const std::string &host, unsigned int lun)
+{
+    // The blanks are SSSU's contract as the provider has always sent it. LUN 0 is written
+    // too; the array then chooses the number.
+    ACE_WString command(L"ADD LUN ");
+    command += CFiStringTool::str2tstr(CFiStringTool::uint2str(static_cast<uint32_t>(lun)));
+    command += L" HOST=\"";
+    command += CFiStringTool::str2tstr(host);
+    command += L"\"  VDISK=\"";
+    command += CFiStringTool::str2tstr(disk);
+    command += L"\" ";
+    return command;
 }
 
 bool holds(const std::string &line, const char *text)

@@ -16,7 +16,8 @@ namespace hpeva_cli {
 
 // Writes one script (login of credential, cell selected unless cell is empty) and runs it.
 void runScript(const CHpEvaCliTool &tool, const qorin_pdk_4_4::SFiCredential &credential,
-               const std::vector<ACE_WString> &commands, const ACE_WString &cell, std::vector<std::string> &lines);
+               const std::vector<ACE_WString> &commands, const ACE_WString &cell, std::vector<std::string> &lines,
+               int timeout = CHpEvaCliTool::DEFAULT_TIMEOUT);
 void runScript(const CHpEvaCliTool &tool, const qorin_pdk_4_4::SFiCredential &credential, const ACE_WString &command,
                const ACE_WString &cell, std::vector<std::string> &lines);
 
@@ -24,6 +25,9 @@ void runScript(const CHpEvaCliTool &tool, const qorin_pdk_4_4::SFiCredential &cr
 // output with handler as parseXmlOutput does.
 void runListing(const CHpEvaCliTool &tool, const qorin_pdk_4_4::SFiCredential &credential, const ACE_WString &command,
                 const ACE_WString &cell, qorin_pdk_4_4::CFiSaxParseHandler &handler, const char *file, int line);
+
+// `ADD LUN <lun> HOST="<host>"  VDISK="<disk>" `: two blanks before VDISK, one at the end.
+ACE_WString addLunCommand(const std::string &disk, const std::string &host, unsigned int lun);
 
 // Whether line holds text anywhere.
 bool holds(const std::string &line, const char *text);
