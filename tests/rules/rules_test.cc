@@ -1,5 +1,5 @@
-// The enumerations' rules on records made in the test: which flags are refused, which
-// filters pass the provider, a cell and a disk, and how a host is named.
+// The provider's rules on records made in the test: which flags are refused, which filters pass
+// the provider, a cell and a disk, how a host is named, and the checks of a snapshot group.
 #include <gtest/gtest.h>
 
 #include "hpeva_rules.h"
@@ -67,4 +67,130 @@ TEST(EnumerationRules, AHostByTheLastComponentOfItsPath)
     EXPECT_EQ(hostDisplayName("\\Hosts\\lab\\rack\\db01"), L"db01");
     EXPECT_EQ(hostDisplayName("\\Hosts\\h1"), L"h1");
     EXPECT_EQ(hostDisplayName("plain"), L"plain");
+}
+
+// Selection and DR groups: each rule on records made here.
+namespace {
+
+SHpEvaVdisk active(const char *family, const char *folder = "\\Virtual Disks\\f\\")
+{
+    SHpEvaVdisk d;
+    d.familyname = family;
+    d.objectname = std::string(folder) + family + "\\ACTIVE";
+    d.childvdiskname = "n/a";
+    return d;
+}
+
+std::string keyOf(const SHpEvaRefusal &refused)
+{
+    return refused ? refused.key : "passed";
+}
+
+SHpEvaDrGroup goodGroup()
+{
+    SHpEvaDrGroup group;
+    group.objectname = "\\Data Replication\\DRG1";
+    group.drmmode = "source";
+    group.membercondition = "normal";
+    group.operationalstate = "good";
+    group.parentstoragecellname = "EVA01";
+    group.links.push_back({"EVA02", "id2", "connected", "none"});
+    return group;
+}
+
+SHpEvaCell cellNamed(const wchar_t *name, const char *wwn)
+{
+    SHpEvaCell cell;
+    cell.cellname = name;
+    cell.objectwwn = wwn;
+    return cell;
+}
+
+}  // namespace
+
+TEST(SelectionRules, OnlyActiveDisksAndASnapcloneOnlyOfOneWithoutSnapshots)
+{
+    SHpEvaVdisk disk = active("d2");
+    for (const char *method : {METHOD_VSNAP, METHOD_SNAPSHOT, METHOD_SNAPCLONE, METHOD_DR_SNAPCLONE, "any"}) {
+        EXPECT_FALSE(selectionRefusal(disk, method, "6005", "G")) << method;
+    }
+    disk.childvdiskname = "d2_vsnap000";
+    EXPECT_FALSE(selectionRefusal(disk, METHOD_VSNAP, "6005", "G"));
+    EXPECT_FALSE(selectionRefusal(disk, "any", "6005", "G")) << "any is checked as a vsnap";
+    const SHpEvaRefusal clone = selectionRefusal(disk, METHOD_SNAPCLONE, "6005", "HPEVA_Snapclone_FIM_GROUP");
+    EXPECT_EQ(keyOf(clone), "MSG_ERROR_VERIFY_FAILED_CREATE_CLONE_WITH_VSNAP_PRESENT_NOT_SUPPORTED");
+    EXPECT_EQ(clone.arguments, (std::vector<std::string>{disk.objectname, "6005", "HPEVA_Snapclone_FIM_GROUP"}));
+
+    SHpEvaVdisk snapshot = disk;
+    snapshot.objectname = "\\Virtual Disks\\f\\d2\\d2_vsnap000";
+    for (const char *method : {METHOD_VSNAP, METHOD_SNAPCLONE, "any"}) {
+        const SHpEvaRefusal refused = selectionRefusal(snapshot, method, "6005", "G");
+        EXPECT_EQ(keyOf(refused), "MSG_ERROR_VERIFY_FAILED_OPERATIONS_ON_VSNAP_NOT_SUPPORTED") << method;
+        EXPECT_EQ(refused.arguments, (std::vector<std::string>{snapshot.objectname, "6005", "G"}));
+    }
+    EXPECT_EQ(keyOf(selectionRefusal(SHpEvaVdisk(), METHOD_VSNAP, "6005", "G")),
+              "MSG_ERROR_VERIFY_FAILED_OPERATIONS_ON_VSNAP_NOT_SUPPORTED")
+        << "a disk the array didn't find";
+}
+
+TEST(DrGroupRules, EveryNodeInTheFirstNodesGroup)
+{
+    SHpEvaVdisk disk = active("d2");
+    EXPECT_EQ(drMembershipRefusal(disk, true, SHpEvaDrGroup()).arguments, std::vector<std::string>{disk.objectname});
+    EXPECT_EQ(keyOf(drMembershipRefusal(disk, true, SHpEvaDrGroup())), "MSG_ERROR_NO_DR_GROUP_PRESENT_FOR_VDISK");
+    disk.drmgroupname = "\\Data Replication\\DRG2";
+    EXPECT_FALSE(drMembershipRefusal(disk, true, SHpEvaDrGroup())) << "the first node's group is read after";
+    const SHpEvaRefusal other = drMembershipRefusal(disk, false, goodGroup());
+    EXPECT_EQ(keyOf(other), "MSG_ERROR_DR_GROUP_NAMES_DONT_MATCH");
+    EXPECT_EQ(other.arguments,
+              (std::vector<std::string>{disk.objectname, "\\Data Replication\\DRG2", "\\Data Replication\\DRG1"}));
+    EXPECT_EQ(keyOf(drMembershipRefusal(disk, false, SHpEvaDrGroup())), "MSG_ERROR_DR_GROUP_NAMES_DONT_MATCH")
+        << "no group read: the first node was skipped";
+    disk.drmgroupname = "\\Data Replication\\DRG1";
+    EXPECT_FALSE(drMembershipRefusal(disk, false, goodGroup()));
+}
+
+TEST(DrGroupRules, TheGroupsStateInOrderAndItsRemoteCellByTheFirstLinkExactly)
+{
+    const SHpEvaVdisk disk = active("d2");
+    const std::vector<SHpEvaCell> cells = {cellNamed(L"EVA01", "W1"), cellNamed(L"EVA02", "W2"),
+                                           cellNamed(L"eva02", "W3"), cellNamed(L"EVA02", "W4")};
+    SHpEvaDrGroup group = goodGroup();
+    ASSERT_FALSE(drGroupRefusal(disk, cells, group));
+    EXPECT_EQ(group.remoteCell.objectwwn, "W4") << "the last cell of that exact name";
+
+    struct Case {
+        void (*spoil)(SHpEvaDrGroup &);
+        const char *key;
+        std::vector<std::string> arguments;
+    };
+    const Case cases[] = {
+        {[](SHpEvaDrGroup &g) { g.drmmode = "destination", g.operationalstate = "failed"; },
+         "MSG_ERROR_DR_GROUP_IS_NOT_SOURCED_ON_THIS_CELL_ERROR",
+         {disk.objectname, "\\Data Replication\\DRG1", "destination"}},
+        {[](SHpEvaDrGroup &g) { g.membercondition = "degraded", g.links.clear(); },
+         "MSG_ERROR_DR_GROUP_MEMBER_CONDITION_ERROR",
+         {"\\Data Replication\\DRG1", "degraded"}},
+        {[](SHpEvaDrGroup &g) { g.operationalstate = "failed"; },
+         "MSG_ERROR_DR_GROUP_OPERATIONAL_STATE_ERROR",
+         {"\\Data Replication\\DRG1", "failed"}},
+        {[](SHpEvaDrGroup &g) { g.links.clear(); },
+         "MSG_ERROR_DR_GROUP_NO_REMOTE_CELL_LINKS_DETECTED",
+         {"\\Data Replication\\DRG1", "EVA01"}},
+        {[](SHpEvaDrGroup &g) {
+             g.links.insert(g.links.begin(), {"EVA09", "", "", ""});
+         },
+         "MSG_ERROR_DR_GROUP_NO_REMOTE_CELL_LINKS_FOUND",
+         {"\\Data Replication\\DRG1", "EVA09"}},
+        {[](SHpEvaDrGroup &g) { g.links.front().scellname = "Eva02"; },
+         "MSG_ERROR_DR_GROUP_NO_REMOTE_CELL_LINKS_FOUND",
+         {"\\Data Replication\\DRG1", "Eva02"}},
+    };
+    for (const Case &c : cases) {
+        SHpEvaDrGroup spoiled = goodGroup();
+        c.spoil(spoiled);
+        const SHpEvaRefusal refused = drGroupRefusal(disk, cells, spoiled);
+        EXPECT_EQ(keyOf(refused), c.key);
+        EXPECT_EQ(refused.arguments, c.arguments) << c.key;
+    }
 }

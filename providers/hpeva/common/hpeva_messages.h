@@ -23,6 +23,7 @@
     X(MSG_ERROR_DR_GROUP_IS_NOT_SOURCED_ON_THIS_CELL_ERROR, 3)              \
     X(MSG_ERROR_DR_GROUP_MEMBER_CONDITION_ERROR, 2)                         \
     X(MSG_ERROR_DR_GROUP_NAMES_DONT_MATCH, 3)                               \
+    X(MSG_ERROR_DR_GROUP_NOT_SELECTED, 1)                                   \
     X(MSG_ERROR_DR_GROUP_NO_REMOTE_CELL_LINKS_DETECTED, 2)                  \
     X(MSG_ERROR_DR_GROUP_NO_REMOTE_CELL_LINKS_FOUND, 2)                     \
     X(MSG_ERROR_DR_GROUP_OPERATIONAL_STATE_ERROR, 2)                        \
@@ -78,6 +79,9 @@ namespace hpeva_msg {
 // The untyped push behind pushMessage; raise sites use pushMessage.
 void push(const qorin_pdk_4_4::CFiErrorManagerPtr &errors, const char *key,
           std::initializer_list<icu::Formattable> args, qrn_eseverity severity, const char *file, int line);
+// The same with count arguments at args, for a message whose key and arguments a rule chose.
+void push(const qorin_pdk_4_4::CFiErrorManagerPtr &errors, const char *key, const icu::Formattable *args, int count,
+          qrn_eseverity severity, const char *file, int line);
 }  // namespace hpeva_msg
 
 // Pushes one catalog message into the calling thread's slot and so to the host's callback:

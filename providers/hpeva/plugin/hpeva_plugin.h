@@ -45,6 +45,12 @@ public:
     int restore(qorin_objid **primaries, qorin_objid **secondaries, int32_t count, wchar_t *, wchar_t *, int32_t flags,
                 int32_t *status) override;
 
+    // Selection: reads each disk of the list anew, keeps it (and for a DR group snapclone the
+    // group) in the node's private data for make, and checks it against its method. A failed
+    // check pushes its message and gives QRN_ERR_NOT_PROVIDED, on which the entry still records
+    // the list in the session: the message is what tells the host.
+    int select(char *sessionId, qrn_splitnode **nodes, int count) override;
+
 protected:
     // The catch ladder for one operation of this class; line is the guard's call site.
     CHpEvaGuard guard(const char *operation, int line, bool initialisation = false) const;

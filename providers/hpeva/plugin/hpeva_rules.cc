@@ -70,4 +70,75 @@ bool restoreCopyEnded(const SHpEvaVdisk &secondary)
     return secondary.sharingrelationship == "none";
 }
 
+void pushRefusal(const CFiErrorManagerPtr &errors, const SHpEvaRefusal &refused, qrn_eseverity severity,
+                 const char *file, int line)
+{
+    std::vector<icu::Formattable> arguments;
+    for (const std::string &argument : refused.arguments) {
+        arguments.emplace_back(CFiStringTool::str2ustr(argument));
+    }
+    hpeva_msg::push(errors, refused.key, arguments.data(), static_cast<int>(arguments.size()), severity, file, line);
+}
+
+const char *const METHOD_VSNAP = "HPEVA_VSnap";
+const char *const METHOD_SNAPSHOT = "HPEVA_Snapshot";
+const char *const METHOD_SNAPCLONE = "HPEVA_Snapclone";
+const char *const METHOD_DR_SNAPCLONE = "HPEVA_DRGroup_Snapclone";
+
+SHpEvaRefusal selectionRefusal(const SHpEvaVdisk &disk, const std::string &method, const std::string &udidDisk,
+                               const std::string &groupNode)
+{
+    if (disk.objectname.find(kActiveMarker) == std::string::npos) {
+        return refusal(hpeva_msg::MSG_ERROR_VERIFY_FAILED_OPERATIONS_ON_VSNAP_NOT_SUPPORTED, disk.objectname, udidDisk,
+                       groupNode);
+    }
+    if (method == METHOD_SNAPCLONE && disk.childvdiskname != "n/a") {
+        return refusal(hpeva_msg::MSG_ERROR_VERIFY_FAILED_CREATE_CLONE_WITH_VSNAP_PRESENT_NOT_SUPPORTED,
+                       disk.objectname, udidDisk, groupNode);
+    }
+    return SHpEvaRefusal();
+}
+
+SHpEvaRefusal drMembershipRefusal(const SHpEvaVdisk &disk, bool first, const SHpEvaDrGroup &group)
+{
+    if (disk.drmgroupname.empty()) {
+        return refusal(hpeva_msg::MSG_ERROR_NO_DR_GROUP_PRESENT_FOR_VDISK, disk.objectname);
+    }
+    if (!first && disk.drmgroupname != group.objectname) {
+        return refusal(hpeva_msg::MSG_ERROR_DR_GROUP_NAMES_DONT_MATCH, disk.objectname, disk.drmgroupname,
+                       group.objectname);
+    }
+    return SHpEvaRefusal();
+}
+
+SHpEvaRefusal drGroupRefusal(const SHpEvaVdisk &disk, const std::vector<SHpEvaCell> &cells, SHpEvaDrGroup &group)
+{
+    if (group.drmmode != "source") {
+        return refusal(hpeva_msg::MSG_ERROR_DR_GROUP_IS_NOT_SOURCED_ON_THIS_CELL_ERROR, disk.objectname,
+                       group.objectname, group.drmmode);
+    }
+    if (group.membercondition != "normal") {
+        return refusal(hpeva_msg::MSG_ERROR_DR_GROUP_MEMBER_CONDITION_ERROR, group.objectname, group.membercondition);
+    }
+    if (group.operationalstate != "good") {
+        return refusal(hpeva_msg::MSG_ERROR_DR_GROUP_OPERATIONAL_STATE_ERROR, group.objectname, group.operationalstate);
+    }
+    if (group.links.empty()) {
+        return refusal(hpeva_msg::MSG_ERROR_DR_GROUP_NO_REMOTE_CELL_LINKS_DETECTED, group.objectname,
+                       group.parentstoragecellname);
+    }
+    const std::wstring remote = CFiStringTool::str2wstr(group.links.front().scellname);
+    group.remoteCell = SHpEvaCell();
+    for (const SHpEvaCell &cell : cells) {
+        if (cell.cellname == remote) {
+            group.remoteCell = cell;
+        }
+    }
+    if (group.remoteCell.cellname.empty()) {
+        return refusal(hpeva_msg::MSG_ERROR_DR_GROUP_NO_REMOTE_CELL_LINKS_FOUND, group.objectname,
+                       group.links.front().scellname);
+    }
+    return SHpEvaRefusal();
+}
+
 }  // namespace hpeva_rules

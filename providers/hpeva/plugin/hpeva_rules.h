@@ -3,8 +3,11 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "hpeva_cell.h"
+#include "hpeva_drgroup.h"
+#include "hpeva_messages.h"
 #include "hpeva_nodefilter.h"
 #include "hpeva_vdisk.h"
 
@@ -48,6 +51,46 @@ bool restoreStarts(int32_t flags);
 RestoreRefusal restoreRefusal(const SHpEvaVdisk &primary, const SHpEvaVdisk &secondary);
 // The copy out of secondary has ended when the array reports no sharing relationship left.
 bool restoreCopyEnded(const SHpEvaVdisk &secondary);
+
+// A check that failed: the catalog key to raise and its arguments, in the order its texts
+// take them. Empty (false) when the check passed.
+struct SHpEvaRefusal {
+    const char *key = nullptr;
+    std::vector<std::string> arguments;
+    explicit operator bool() const { return key != nullptr; }
+};
+
+// Made only through a key's constant, so that the compiler holds it to the key's count.
+template <int N, class... Args>
+SHpEvaRefusal refusal(const SHpEvaMessageKey<N> &key, const Args &...args)
+{
+    static_assert(sizeof...(Args) == N, "the catalog's texts of this key take another number of arguments");
+    return SHpEvaRefusal{key.key, {std::string(args)...}};
+}
+
+// Raises a refusal as its catalog message, with text arguments.
+void pushRefusal(const qorin_pdk_4_4::CFiErrorManagerPtr &errors, const SHpEvaRefusal &refused, qrn_eseverity severity,
+                 const char *file, int line);
+
+// The snapshot methods.
+extern const char *const METHOD_VSNAP;
+extern const char *const METHOD_SNAPSHOT;
+extern const char *const METHOD_SNAPCLONE;
+extern const char *const METHOD_DR_SNAPCLONE;
+
+// Selection: a copy is made of an active disk only, and a snapclone only of a disk without
+// snapshots. Any other method is checked as a vsnap. udidDisk is the disk part of the node's
+// UDID, groupNode the name of the split node's group node.
+SHpEvaRefusal selectionRefusal(const SHpEvaVdisk &disk, const std::string &method, const std::string &udidDisk,
+                               const std::string &groupNode);
+
+// DR groups. Whether disk may join the group snapclone: it belongs to a DR group and, unless it
+// is the list's first node, to the group read for that first node.
+SHpEvaRefusal drMembershipRefusal(const SHpEvaVdisk &disk, bool first, const SHpEvaDrGroup &group);
+// Whether the group read for the first node can be copied from here: this cell is its source,
+// its members are normal, its state is good and its first link names a reachable cell, which
+// becomes its remoteCell (the last of cells with that name, compared exactly).
+SHpEvaRefusal drGroupRefusal(const SHpEvaVdisk &disk, const std::vector<SHpEvaCell> &cells, SHpEvaDrGroup &group);
 
 }  // namespace hpeva_rules
 
