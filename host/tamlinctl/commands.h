@@ -14,6 +14,7 @@ int runHosts(CliOptions &options);
 int runDisks(CliOptions &options);
 int runErrmsg(CliOptions &options);
 int runConfig(CliOptions &options);
+int runRestore(CliOptions &options);
 
 // The provider's disks, as `disks` lists them, for resolving the DISK words of a command.
 DiskResolver::Lister diskLister(ProviderSession &session);

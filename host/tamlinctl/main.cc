@@ -116,6 +116,32 @@ std::map<std::string, Command> commands()
                      "    </ConfigValue>\n"
                      "  </ConfigValueList>\n",
                      runConfig};
+    all["restore"] = {"restore disks from their snapclones, with the copies' progress",
+                      "Usage: tamlinctl [global options] restore PRIMARY SECONDARY [PRIMARY SECONDARY]... [--yes]\n"
+                      "\n"
+                      "Gives each PRIMARY disk the content of its snapclone SECONDARY, as a backup\n"
+                      "framework restores. Disks are named by UDID or by name as `tamlinctl disks`\n"
+                      "shows them. Both sides must be active disks of one array and of one size.\n"
+                      "\n"
+                      "On a terminal tamlinctl asks before it starts, unless --yes is given; without\n"
+                      "a terminal --yes is needed. The provider removes each primary's\n"
+                      "presentations, makes it a container, starts the copy of the snapclone into it\n"
+                      "and presents it again on its old LUNs; then tamlinctl shows, per pair, the\n"
+                      "state the array reports and the time since the copy started, until every\n"
+                      "copy has ended (in place on a terminal, a line per change otherwise).\n"
+                      "\n"
+                      "Ctrl-C stops the waiting only: the copies go on on the array, and tamlinctl\n"
+                      "says how to follow them. The provider's trace log must be on (TRACELEVEL 1 or\n"
+                      "more) for the array's state to be shown.\n"
+                      "\n"
+                      "Options:\n"
+                      "  --yes      don't ask\n"
+                      "\n"
+                      "With --json the outcome per pair: primary, secondary (names and UDIDs),\n"
+                      "outcome (done, failed, not started, unawaited), array_state, elapsed_seconds.\n"
+                      "Exit status: 0 every copy ended, 1 a restore failed or was not confirmed,\n"
+                      "2 bad usage or disks that can't be restored, 130 the waiting was stopped.\n",
+                      runRestore};
     all["errmsg"] = {"show the text of result codes",
                      "Usage: tamlinctl [global options] errmsg CODE...\n"
                      "\n"

@@ -48,15 +48,20 @@ void ProviderSession::finish()
 void ProviderSession::onMessage(const std::wstring &hostText, const std::wstring &defaultText, int severity)
 {
     if (hostText.empty()) {
+        if (m_traceWatcher) {
+            m_traceWatcher(defaultText);
+        }
         // A trace line of the provider: -v shows errors and warnings, -vv the course of
         // operations too, -vvv everything.
         int needed = severity == 3 || severity == 2 ? 1 : severity == 1 ? 2 : 3;
         if (m_options.verbosity >= needed) {
             fprintf(stderr, "trace: %s\n", oneLine(toUtf8(defaultText)).c_str());
+            ++m_printed;
         }
         return;
     }
     fprintf(stderr, "tamlin %s: %s\n", severityName(severity), oneLine(toUtf8(hostText)).c_str());
+    ++m_printed;
     if (severity >= 2) {
         m_reasonShown = true;
     }

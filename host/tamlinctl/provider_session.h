@@ -1,6 +1,8 @@
 #ifndef PROVIDER_SESSION_H
 #define PROVIDER_SESSION_H
 
+#include <atomic>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -34,6 +36,12 @@ public:
     int failure(const std::string &entry, int32_t result);
     // Call before an entry so that failure() knows what was shown during it.
     void beginCall() { m_reasonShown = false; }
+    // Sees every trace line of the provider, shown or not, as it arrives, on the thread that
+    // traced it; an empty watcher ends the watch.
+    void watchTraces(std::function<void(const std::wstring &)> watcher) { m_traceWatcher = std::move(watcher); }
+    // Lines printed on standard error for the provider so far, so that a command that draws
+    // in place knows when something came between.
+    unsigned long printedLines() const { return m_printed.load(); }
     std::wstring errmsgText(int32_t code);
     std::wstring lastErrorText();
 
@@ -50,6 +58,8 @@ private:
     int32_t m_initResult = -1;
     bool m_initCalled = false;
     bool m_reasonShown = false;
+    std::function<void(const std::wstring &)> m_traceWatcher;
+    std::atomic<unsigned long> m_printed{0};
 };
 
 #endif
