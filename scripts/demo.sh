@@ -14,7 +14,8 @@ BUILD_DIR/demo and shows, with tamlinctl, what a backup framework sees through i
     of two Command View servers and sets trace level 3;
   - an evasim site with two servers, three storage cells, a few dozen disks in folders,
     snapshots, hosts in folders and a DR group (tools/evasim/scenarios/demo-site.scn);
-  - tamlinctl info, enclosures, hosts and disks (with a filter and flags), then errmsg.
+  - tamlinctl info, enclosures, hosts and disks (with a filter and flags), then errmsg;
+  - a restore of one disk from its snapclone, with the copy's progress.
 
 Each run starts from scratch. Afterwards the paths of the install root, the trace log and
 the simulator's state are printed, with the commands to look further yourself.
@@ -108,6 +109,30 @@ run disks --udid "$udid"
 step "What a result code means, in English and in German"
 run errmsg 29
 run --lang de errmsg 29
+
+step "Restore a disk from its snapclone, with the copy's progress"
+# The array makes the snapclone here; the restore goes through the provider as a backup
+# framework's would.
+cat >"$demo/snapclone.sssu" <<'SSSU'
+select manager cv-west.example.com user=administrator password=two words
+select cell "EVA-WEST"
+ADD COPY "share01_clone000" VDISK="\Virtual Disks\Files\share01\ACTIVE"
+exit
+SSSU
+"$evasim" "FILE $demo/snapclone.sssu" >/dev/null
+"$evasim" change disk EVA-WEST '\Virtual Disks\Files\share01_clone000\ACTIVE' copy=done >/dev/null
+run disks --enclosure-name EVA-WEST --prefix '\Files\share01'
+run restore 'EVA-WEST##Files\share01' 'EVA-WEST##Files\share01_clone000' --yes
+echo "share01 is presented again as before:"
+"$evasim" show presentations --cell EVA-WEST | grep -E 'share01|^cell|^---|^Presentations' || true
+cat >"$demo/dispose.sssu" <<'SSSU'
+select manager cv-west.example.com user=administrator password=two words
+select cell "EVA-WEST"
+DELETE VDISK "\Virtual Disks\Files\share01_clone000\ACTIVE"
+exit
+SSSU
+"$evasim" "FILE $demo/dispose.sssu" >/dev/null
+echo "The snapclone is deleted again, so the site is as it was."
 
 log=$(ls "$root"Logs/tamlin.log.* 2>/dev/null | head -n 1 || true)
 step "Where things are"
