@@ -213,7 +213,23 @@ int runDisks(CliOptions &options)
     auto entry = [&](qrn_node_list **out, int32_t *n, wchar_t *f) {
         return session.lib()->enumerate_nodes(out, n, flags, f);
     };
+    // A disk asked for by its UDID comes with its sharing relationship, which the provider
+    // tells in a trace line only: how a copy into or out of it is followed.
+    const bool oneDisk = filter.find(L"udid=") != std::wstring::npos;
+    std::string sharing;
+    if (oneDisk) {
+        session.watchTraces([&sharing](const std::wstring &line) {
+            const std::string text = toUtf8(line);
+            const std::string mark = "] sharing relationship [";
+            const size_t at = text.find(mark);
+            const size_t end = at == std::string::npos ? at : text.find(']', at + mark.size());
+            if (end != std::string::npos) {
+                sharing = text.substr(at + mark.size(), end - at - mark.size());
+            }
+        });
+    }
     status = listEntry(session, "enumerate_nodes", entry, filter, list, count);
+    session.watchTraces(nullptr);
     if (status != 0) {
         return status;
     }
@@ -223,14 +239,22 @@ int runDisks(CliOptions &options)
         for (auto *n : result_lists::elements(list)) {
             json.beginObject().key("name").value(text(n->displayName));
             json.key("udid").value(n->id != nullptr ? text(n->id->text) : std::string());
+            if (oneDisk && !sharing.empty()) {
+                json.key("sharing_relationship").value(sharing);
+            }
             json.key("size_bytes").value(n->size).endObject();
         }
         fprintf(options.out, "%s\n", json.endArray().text().c_str());
     } else {
-        cliutil::Table table({"DISK", "SIZE", "UDID"});
+        std::vector<std::string> headers = {"DISK", "SIZE", "UDID"};
+        if (oneDisk) {
+            headers.push_back("SHARING");
+        }
+        cliutil::Table table(headers);
         table.alignRight(1);
         for (auto *n : result_lists::elements(list)) {
-            table.addRow({text(n->displayName), humanSize(n->size), n->id != nullptr ? text(n->id->text) : ""});
+            table.addRow({text(n->displayName), humanSize(n->size), n->id != nullptr ? text(n->id->text) : "",
+                          sharing.empty() ? "-" : sharing});
         }
         fputs(table.aligned().c_str(), options.out);
         fprintf(options.out, "%zu disk%s\n", table.rows(), table.rows() == 1 ? "" : "s");

@@ -403,7 +403,8 @@ int runRestore(CliOptions &options)
     const double now = secondsSince(shared.start);
     if (leave) {
         // The provider's thread stays parked, or parks at its next line, until the process ends.
-        fprintf(stderr, "tamlinctl restore: stopped waiting. The copies go on on the array; follow them with\n");
+        fprintf(stderr, "tamlinctl restore: stopped waiting. The copies go on on the array; to follow them (SHARING "
+                        "reads none once a copy has ended):\n");
         for (const Pair &pair : pairs) {
             fprintf(stderr, "  tamlinctl disks --udid '%s'    # %s\n", pair.primary.udid.c_str(),
                     shortName(pair.primary.name).c_str());

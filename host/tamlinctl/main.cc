@@ -75,7 +75,10 @@ std::map<std::string, Command> commands()
                                 "\n"
                                 "Filter options:\n") +
                         kFilterHelp +
-                        "  --udid UDID            only the disk of this identity\n"
+                        "  --udid UDID            only the disk of this identity, with its sharing\n"
+                        "                         relationship as the array reports it (while a copy\n"
+                        "                         runs: snapclone_in_progress into the disk, parent out\n"
+                        "                         of it; none when no copy runs; needs the trace log on)\n"
                         "  --prefix TEXT          only disks whose array path contains TEXT\n"
                         "\n"
                         "Selection:\n"

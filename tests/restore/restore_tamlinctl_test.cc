@@ -251,6 +251,10 @@ TEST_F(CtlRestore, CtrlCStopsTheWaitingWhileTheCopiesGoOn)
     EXPECT_EQ(shown(kData, 5), "snapclone_in_progress");
     EXPECT_EQ(shown(kData, 7), "\\Hosts\\h1:7,\\Hosts\\h2:4") << "presented again before the wait began";
     EXPECT_EQ(leftScripts(), 0u) << "no SSSU run was cut short";
+
+    Ctl follow({"disks", "--udid", "UDID##HP##HSV##5000-1FE1-5000-0001##6005-08B4-0001-0000-0000-0000-00AA-0000"});
+    EXPECT_EQ(follow.finish(), 0) << follow.err;
+    EXPECT_NE(follow.out.find("  snapclone_in_progress\n"), std::string::npos) << follow.out;
 }
 
 TEST_F(CtlRestore, CtrlCWhileThePairsAreStartedLetsEveryPairStartFirst)

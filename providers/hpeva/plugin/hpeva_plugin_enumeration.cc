@@ -60,6 +60,8 @@ int CHpEvaPlugin::enumerateNodes(qrn_node_list **out, int *count, int flags, wch
             SHpEvaVdisk disk = tool.findVirtualDisk(cells, udid.getEnclosure(), udid.getDisk());
             const std::string name = getDiskDisplayName(disk);
             trace(3, "Returning disk [%s] UDID [%s].", name.c_str(), udid.toString().c_str());
+            // No entry reports a disk's state: a host follows a running copy by this line.
+            trace(6, "Disk [%s] sharing relationship [%s].", name.c_str(), disk.sharingrelationship.c_str());
             CFiNode node(PROVIDER_NAME, name.c_str(), udid.toString().c_str(), disk.capacity, 0, 0, 1);
             factory.add(node);
             return QRN_OK;
