@@ -15,6 +15,7 @@ int runDisks(CliOptions &options);
 int runErrmsg(CliOptions &options);
 int runConfig(CliOptions &options);
 int runRestore(CliOptions &options);
+int runSnapshot(CliOptions &options);
 
 // The provider's disks, as `disks` lists them, for resolving the DISK words of a command.
 DiskResolver::Lister diskLister(ProviderSession &session);

@@ -111,7 +111,16 @@ bool DiskResolver::match(const std::string &word, const std::vector<KnownDisk> &
             return false;
         }
     }
-    error = "no disk is named '" + word + "' on the arrays the provider reaches (see tamlinctl disks)";
+    error = "no disk is named '" + word + "' on the arrays the provider reaches";
+    // A word that is only the last part of a path is a likely slip.
+    std::vector<const KnownDisk *> near;
+    for (const KnownDisk &known : listing) {
+        const std::string path = partsOf(known.name).path;
+        if (wanted.cell.empty() && endsWith(path, "\\" + wanted.path)) {
+            near.push_back(&known);
+        }
+    }
+    error += near.empty() || near.size() > 3 ? " (see tamlinctl disks)" : "; did you mean " + candidates(near) + "?";
     return false;
 }
 

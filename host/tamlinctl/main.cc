@@ -145,6 +145,34 @@ std::map<std::string, Command> commands()
                       "Exit status: 0 every copy ended, 1 a restore failed or was not confirmed,\n"
                       "2 bad usage or disks that can't be restored, 130 the waiting was stopped.\n",
                       runRestore};
+    all["snapshot"] = {"make point-in-time copies of disks, as a backup job does",
+                       "Usage: tamlinctl [global options] snapshot --method METHOD DISK...\n"
+                       "\n"
+                       "Makes one copy of each DISK by METHOD, as a backup framework does: the disks\n"
+                       "are checked together (select), then the copies are made (make) on one session,\n"
+                       "and each source is shown with its new copy and the copy's UDID.\n"
+                       "\n"
+                       "METHOD is one of:\n"
+                       "  HPEVA_VSnap              a snapshot allocated on demand, beside the disk\n"
+                       "  HPEVA_Snapshot           a fully allocated snapshot, beside the disk\n"
+                       "  HPEVA_Snapclone          a full copy on the same array (the disk must have no\n"
+                       "                           snapshots); waits up to 8 seconds for it to start\n"
+                       "  HPEVA_DRGroup_Snapclone  a full copy of each disk's remote partner on the\n"
+                       "                           other array of their DR group, which is suspended\n"
+                       "                           for the copies and resumed after\n"
+                       "\n"
+                       "A DISK is a UDID or a name as `tamlinctl disks` shows it: whole\n"
+                       "(HP##HSV##EVA01##Oracle\\ora_data), without the HP##HSV## head\n"
+                       "(EVA01##Oracle\\ora_data), or the path alone (Oracle\\ora_data) when one array\n"
+                       "alone has it. Quote names for the shell: they hold backslashes.\n"
+                       "\n"
+                       "When the provider refuses the disks, its reason is shown and nothing is made.\n"
+                       "When making fails halfway, the copies already made stay on the arrays: they\n"
+                       "are listed, with the command that makes the missing ones.\n"
+                       "\n"
+                       "Exit status: 0 all copies made; 1 refused or failed; 2 bad usage or a DISK\n"
+                       "that names no disk or several.\n",
+                       runSnapshot};
     all["errmsg"] = {"show the text of result codes",
                      "Usage: tamlinctl [global options] errmsg CODE...\n"
                      "\n"

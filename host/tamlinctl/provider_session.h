@@ -42,6 +42,9 @@ public:
     // Lines printed on standard error for the provider so far, so that a command that draws
     // in place knows when something came between.
     unsigned long printedLines() const { return m_printed.load(); }
+    // Whether the provider pushed a warning or an error since beginCall: how a host learns of
+    // a refusal that comes with result 0.
+    bool reasonShown() const { return m_reasonShown; }
     std::wstring errmsgText(int32_t code);
     std::wstring lastErrorText();
 

@@ -58,6 +58,8 @@ TEST(DiskResolver, WordsThatNameNoDiskAreRefusedWithTheReason)
 {
     EXPECT_EQ(resolved("f\\d9"),
               "refused: no disk is named 'f\\d9' on the arrays the provider reaches (see tamlinctl disks)");
+    EXPECT_EQ(resolved("d3"), "refused: no disk is named 'd3' on the arrays the provider reaches; did you mean "
+                              "HP##HSV##EVA01##f\\d3 (UDID##HP##HSV##5000-1FE1-5000-0001##6005-08B4-0003)?");
     EXPECT_EQ(resolved("EVA02##f\\d3").rfind("refused: no disk is named", 0), 0u) << "the cell is part of the name";
     EXPECT_EQ(resolved("UDID##HP##HSV##5000-1FE1-5000-0001##FFFF"),
               "refused: no disk of the arrays the provider reaches has the UDID "

@@ -27,6 +27,7 @@
     X(MSG_ERROR_DR_GROUP_NO_REMOTE_CELL_LINKS_DETECTED, 2)                  \
     X(MSG_ERROR_DR_GROUP_NO_REMOTE_CELL_LINKS_FOUND, 2)                     \
     X(MSG_ERROR_DR_GROUP_OPERATIONAL_STATE_ERROR, 2)                        \
+    X(MSG_ERROR_DR_GROUP_RESUME_FAILED, 2)                                  \
     X(MSG_ERROR_DR_GROUP_SNAPCLONE_CREATION_FAILED, 1)                      \
     X(MSG_ERROR_IMPORT_HOST_INVALID, 3)                                     \
     X(MSG_ERROR_IMPORT_LOCAL_HOST_INVALID, 3)                               \
@@ -39,6 +40,7 @@
     X(MSG_ERROR_RESTORE_TO_VSNAP_NOT_SUPPORTED, 2)                          \
     X(MSG_ERROR_SNAPCLONE_CREATION_FAILED, 1)                               \
     X(MSG_ERROR_SNAPCLONE_OF_VSNAP_NOT_SUPPORTED, 1)                        \
+    X(MSG_ERROR_SNAPSHOTS_LEFT_AFTER_FAILURE, 3)                            \
     X(MSG_ERROR_UDID_PARSING_EXCEPTION, 2)                                  \
     X(MSG_ERROR_UNHANDLED_EXEC_PIPE_EXCEPTION, 4)                           \
     X(MSG_ERROR_UNHANDLED_FIERROR_EXCEPTION, 4)                             \

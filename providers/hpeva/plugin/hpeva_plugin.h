@@ -50,6 +50,10 @@ public:
     // check pushes its message and gives QRN_ERR_NOT_PROVIDED, on which the entry still records
     // the list in the session: the message is what tells the host.
     int select(char *sessionId, qrn_splitnode **nodes, int count) override;
+    // Creation: one copy per pending node of the session by its method, each target's UDID
+    // written into the session; a DR group suspended once for its copies; then a short wait for
+    // new snapclones to start. Nothing made is taken back on failure.
+    int makeSnapshots(qorin_pdk_4_4::CFiSessionPtr &session) override;
 
 protected:
     // The catch ladder for one operation of this class; line is the guard's call site.

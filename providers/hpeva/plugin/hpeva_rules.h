@@ -9,6 +9,7 @@
 #include "hpeva_drgroup.h"
 #include "hpeva_messages.h"
 #include "hpeva_nodefilter.h"
+#include "hpeva_snapshotnames.h"
 #include "hpeva_vdisk.h"
 
 // The provider's rules: pure functions over the records SSSU gave and the host's arguments,
@@ -16,7 +17,8 @@
 // on its own (tests/rules/). An operation reads the arrays, asks these, and acts. The checks
 // of the coming operations belong here too, one group per family: selection, DR groups, the
 // free snapshot name, the presentation walk of an import. Rules over names alone are in
-// hpeva_disknames.h; the cell of a WWN is CHpEvaCliTool::findCell.
+// hpeva_disknames.h; the cell of a WWN is CHpEvaCliTool::findCell; the free snapshot name,
+// which the SSSU layer asks, is in hpeva_snapshotnames.h and included here.
 namespace hpeva_rules {
 
 // Bits of the enumerate_nodes flags.

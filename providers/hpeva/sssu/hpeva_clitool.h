@@ -102,6 +102,21 @@ public:
                  const SHpEvaRestoreSettings &settings = SHpEvaRestoreSettings()) const;
     void restoreSwapBased(const SHpEvaVdisk &primary, const SHpEvaVdisk &secondary) const;
 
+    // Snapshots and snapclones (hpeva_clitool_snapshots.cc), made from an active disk on a
+    // name free on its cell; target is the new disk as read back. Results: QRN_OK;
+    // QRN_ERR_INVALID_ARGUMENT (a snapshot or vsnap of a source that isn't active, or an
+    // unknown allocation or redundancy) or QRN_ERR_FAILED (a snapclone of such a source), both
+    // with nothing sent to the array.
+    enum Allocation { ALLOCATION_DEMAND = 0, ALLOCATION_FULLY = 1 };
+    enum Redundancy { REDUNDANCY_VRAID0 = 0, REDUNDANCY_VRAID1 = 1, REDUNDANCY_VRAID5 = 2 };
+    // name is the copy's short name for SSSU, path its expected full path: inside the source's
+    // family when inFamily isn't 0, else beside it.
+    int getNextSnapshotName(const SHpEvaVdisk &source, int inFamily, const std::string &suffix, std::string &name,
+                            std::string &path) const;
+    int createVSnap(const SHpEvaVdisk &source, SHpEvaVdisk &target, const std::string &suffix, int allocation,
+                    int redundancy) const;
+    int createSnapClone(const SHpEvaVdisk &source, SHpEvaVdisk &target, const std::string &suffix) const;
+
 private:
     ACE_WString m_fileName;
     ACE_WString m_directory;
