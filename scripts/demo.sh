@@ -15,6 +15,8 @@ BUILD_DIR/demo and shows, with tamlinctl, what a backup framework sees through i
   - an evasim site with two servers, three storage cells, a few dozen disks in folders,
     snapshots, hosts in folders and a DR group (tools/evasim/scenarios/demo-site.scn);
   - tamlinctl info, enclosures, hosts and disks (with a filter and flags), then errmsg;
+  - a backup moment: vsnaps of two Oracle disks and a snapclone of a third with tamlinctl
+    snapshot, the Oracle disks listed before and after;
   - a restore of one disk from its snapclone, with the copy's progress.
 
 Each run starts from scratch. Afterwards the paths of the install root, the trace log and
@@ -72,7 +74,12 @@ unset QORIN_CREDENTIAL_BLOB QORIN_CONSUMER
 
 step() { printf '\n== %s\n' "$*"; }
 run() {
-  printf '$ tamlinctl %s\n' "$*"
+  # Shown as it would be typed: words with backslashes, blanks or hashes in single quotes.
+  local shown="" word
+  for word in "$@"; do
+    if [[ "$word" =~ ^[A-Za-z0-9_./:=,+-]+$ ]]; then shown+=" $word"; else shown+=" '${word//\'/\'\\\'\'}'"; fi
+  done
+  printf '$ tamlinctl%s\n' "$shown"
   "$ctl" --provider "$lib" "$@"
 }
 
@@ -109,6 +116,17 @@ run disks --udid "$udid"
 step "What a result code means, in English and in German"
 run errmsg 29
 run --lang de errmsg 29
+
+step "A backup moment: copies of the Oracle disks, made as a backup job makes them"
+run disks --enclosure-name EVA-EAST --prefix '\Oracle\'
+run snapshot --method HPEVA_VSnap 'EVA-EAST##Oracle\ora_data' 'EVA-EAST##Oracle\ora_logs'
+# The array takes a moment to start this copy, so the provider's short wait shows.
+"$evasim" set snapclone_reads=2 >/dev/null
+run snapshot --method HPEVA_Snapclone 'EVA-EAST##Oracle\ora_arch'
+"$evasim" set snapclone_reads=1 >/dev/null
+echo "A snapclone of a disk that has snapshots is refused before anything is made:"
+run snapshot --method HPEVA_Snapclone 'EVA-EAST##Oracle\ora_data' || true
+run disks --enclosure-name EVA-EAST --prefix '\Oracle\'
 
 step "Restore a disk from its snapclone, with the copy's progress"
 # The array makes the snapclone here; the restore goes through the provider as a backup
