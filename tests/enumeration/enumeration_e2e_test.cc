@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "host_context.h"
+#include "lock_directory.h"
 #include "provider_fixture.h"
 #include "provider_install.h"
 #include "qrn_results.h"
@@ -40,43 +41,9 @@ ProviderInstall::Outcome evasim(const std::string &arguments)
     return ProviderInstall::evasim(arguments);
 }
 
-// Rows of one table of `evasim show ... --format tsv`, by header name.
 std::vector<std::map<std::string, std::string>> table(const std::string &name)
 {
-    ProviderInstall::Outcome shown = evasim("show " + name + " --format tsv");
-    std::vector<std::map<std::string, std::string>> rows;
-    std::istringstream in(shown.output);
-    std::string line;
-    std::vector<std::string> header;
-    auto split = [](const std::string &text) {
-        std::vector<std::string> cells;
-        std::string cell;
-        std::istringstream fields(text);
-        while (std::getline(fields, cell, '\t')) {
-            cells.push_back(cell);
-        }
-        if (!text.empty() && text.back() == '\t') {
-            cells.push_back("");
-        }
-        return cells;
-    };
-    while (std::getline(in, line)) {
-        if (line.empty() || line[0] == '#') {
-            header.clear();
-            continue;
-        }
-        if (header.empty()) {
-            header = split(line);
-            continue;
-        }
-        std::vector<std::string> cells = split(line);
-        std::map<std::string, std::string> row;
-        for (size_t i = 0; i < header.size(); ++i) {
-            row[header[i]] = i < cells.size() ? cells[i] : "";
-        }
-        rows.push_back(row);
-    }
-    return rows;
+    return ProviderInstall::table(name);
 }
 
 std::string upper(std::string text)
@@ -104,26 +71,7 @@ public:
     }
 };
 
-// The SSSU lock's file is placed once per process, so its directory outlives every test.
-class LockDirectory : public ::testing::Environment {
-public:
-    void SetUp() override
-    {
-        char pattern[] = "/tmp/tamlin-locks-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        m_dir = pattern;
-        setenv("QORIN_LOCK_DIR", m_dir.c_str(), 1);
-    }
-    void TearDown() override
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_dir, ignored);
-    }
-
-private:
-    std::string m_dir;
-};
-const ::testing::Environment *const kLocks = ::testing::AddGlobalTestEnvironment(new LockDirectory);
+const ::testing::Environment *const kLocks = ::testing::AddGlobalTestEnvironment(new tamlin_test::LockDirectory);
 
 const Login kCv1{"cv1", "admin", "secret"};
 const Login kCv2{"cv2", "admin", "other"};

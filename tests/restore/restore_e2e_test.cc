@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <map>
 #include <regex>
 #include <sstream>
@@ -12,6 +11,7 @@
 #include <vector>
 
 #include "host_context.h"
+#include "lock_directory.h"
 #include "provider_fixture.h"
 #include "provider_install.h"
 #include "qrn_results.h"
@@ -38,26 +38,7 @@ std::vector<std::string> split(const std::string &text, char separator)
     return fields;
 }
 
-// The SSSU lock's file is placed once per process, so its directory outlives every test.
-class LockDirectory : public ::testing::Environment {
-public:
-    void SetUp() override
-    {
-        char pattern[] = "/tmp/tamlin-locks-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        m_dir = pattern;
-        setenv("QORIN_LOCK_DIR", m_dir.c_str(), 1);
-    }
-    void TearDown() override
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_dir, ignored);
-    }
-
-private:
-    std::string m_dir;
-};
-const ::testing::Environment *const kLocks = ::testing::AddGlobalTestEnvironment(new LockDirectory);
+const ::testing::Environment *const kLocks = ::testing::AddGlobalTestEnvironment(new tamlin_test::LockDirectory);
 
 // One provider install against tests/restore/restore.scn, started for the test.
 class Restore : public ::testing::Test {
@@ -86,7 +67,7 @@ protected:
     // The UDID the provider gives the disk at path.
     std::string udid(const std::string &path)
     {
-        std::string id = "UDID##HP##HSV##5000-1FE1-5000-0001##" + shown(path, 4);
+        std::string id = "UDID##HP##HSV##5000-1FE1-5000-0001##" + shown(path, "wwlunid");
         for (char &c : id) {
             c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
         }
@@ -146,13 +127,12 @@ protected:
         }
         return last;
     }
-    // A disk's column of `evasim show disks`: 4 LUN id, 5 sharing, 7 presentations, 9 write cache.
-    std::string shown(const std::string &path, size_t column)
+    // A column of the disk at path in `evasim show disks`.
+    std::string shown(const std::string &path, const char *column)
     {
-        for (const std::string &line : split(ProviderInstall::evasim("show disks --format tsv").output, '\n')) {
-            std::vector<std::string> row = split(line, '\t');
-            if (row.size() > column && row[1] == path) {
-                return row[column];
+        for (const auto &disk : ProviderInstall::table("disks")) {
+            if (disk.at("path") == path) {
+                return disk.at(column);
             }
         }
         return "<no disk>";
@@ -205,11 +185,12 @@ TEST_F(Restore, TheScriptWithAndWithoutRestoreSettingsAfterTheRunThatRemovesTheP
     };
     const std::vector<std::string> read = {std::string("LS VDISK \"") + kDataClone + "\" XML"};
     std::vector<std::string> deletes = {"DELETE LUN \"\\Hosts\\h1\\7\"", "DELETE LUN \"\\Hosts\\h2\\4\""};
-    EXPECT_EQ(runs(), (std::vector<std::vector<std::string>>{find("6005-08b4-0001-0000-0000-0000-00aa-0000"),
-                                                             find(shown(kDataClone, 4)), deletes, script, read}))
+    EXPECT_EQ(runs(),
+              (std::vector<std::vector<std::string>>{find("6005-08b4-0001-0000-0000-0000-00aa-0000"),
+                                                     find(shown(kDataClone, "wwlunid")), deletes, script, read}))
         << "the copy ended at the first read";
-    EXPECT_EQ(shown(kData, 7), "\\Hosts\\h1:7,\\Hosts\\h2:4");
-    EXPECT_EQ(shown(kDataClone, 9), "writeback");
+    EXPECT_EQ(shown(kData, "presentations"), "\\Hosts\\h1:7,\\Hosts\\h2:4");
+    EXPECT_EQ(shown(kDataClone, "writecache"), "writeback");
 
     site.root().writeFile("ConfigFiles/tamlin.conf",
                           site.root().readFile("ConfigFiles/tamlin.conf") +
@@ -281,8 +262,8 @@ TEST_F(Restore, PairsStartedBeforeAFailingOneStayStartedAndUnawaited)
     EXPECT_EQ(restore({{kData, kDataClone}, {kLogs, kLogsClone}, {kTmp, kVsnap}}, 0, status), QRN_ERR_FAILED);
     EXPECT_EQ(lastErrorKey(), "MSG_ERROR_RESTORE_FROM_VSNAP_NOT_SUPPORTED");
     EXPECT_EQ(status, (std::vector<int32_t>{16, 16, -1}));
-    EXPECT_EQ(shown(kData, 5), "snapclone_in_progress");
-    EXPECT_EQ(shown(kLogs, 5), "snapclone_in_progress");
+    EXPECT_EQ(shown(kData, "sharing"), "snapclone_in_progress");
+    EXPECT_EQ(shown(kLogs, "sharing"), "snapclone_in_progress");
     for (const std::vector<std::string> &run : runs()) {
         EXPECT_NE(run[0].rfind("LS VDISK", 0), 0u) << "no copy was awaited";
     }

@@ -14,6 +14,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -82,6 +84,37 @@ public:
             result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
         }
         return result;
+    }
+
+    // The rows of one table of `evasim show <what> --format tsv`, by header name.
+    static std::vector<std::map<std::string, std::string>> table(const std::string &what)
+    {
+        std::vector<std::map<std::string, std::string>> rows;
+        std::istringstream in(evasim("show " + what + " --format tsv").output);
+        std::string line;
+        std::vector<std::string> header;
+        while (std::getline(in, line)) {
+            if (line.empty() || line[0] == '#') {
+                header.clear();
+                continue;
+            }
+            std::vector<std::string> cells;
+            std::string cell;
+            std::istringstream fields(line);
+            while (std::getline(fields, cell, '\t')) {
+                cells.push_back(cell);
+            }
+            if (header.empty()) {
+                header = cells;
+                continue;
+            }
+            std::map<std::string, std::string> row;
+            for (size_t i = 0; i < header.size(); ++i) {
+                row[header[i]] = i < cells.size() ? cells[i] : "";
+            }
+            rows.push_back(row);
+        }
+        return rows;
     }
 
     // All trace log files, joined.
