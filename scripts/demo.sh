@@ -128,29 +128,17 @@ echo "A snapclone of a disk that has snapshots is refused before anything is mad
 run snapshot --method HPEVA_Snapclone 'EVA-EAST##Oracle\ora_data' || true
 run disks --enclosure-name EVA-EAST --prefix '\Oracle\'
 
-step "Restore a disk from its snapclone, with the copy's progress"
-# The array makes the snapclone here; the restore goes through the provider as a backup
-# framework's would.
-cat >"$demo/snapclone.sssu" <<'SSSU'
-select manager cv-west.example.com user=administrator password=two words
-select cell "EVA-WEST"
-ADD COPY "share01_clone000" VDISK="\Virtual Disks\Files\share01\ACTIVE"
-exit
-SSSU
-"$evasim" "FILE $demo/snapclone.sssu" >/dev/null
-"$evasim" change disk EVA-WEST '\Virtual Disks\Files\share01_clone000\ACTIVE' copy=done >/dev/null
-run disks --enclosure-name EVA-WEST --prefix '\Files\share01'
-run restore 'EVA-WEST##Files\share01' 'EVA-WEST##Files\share01_clone000' --yes
-echo "share01 is presented again as before:"
-"$evasim" show presentations --cell EVA-WEST | grep -E 'share01|^cell|^---|^Presentations' || true
+step "Restore: ora_arch back to the content of its snapclone, with the copy's progress"
+run restore 'EVA-EAST##Oracle\ora_arch' 'EVA-EAST##Oracle\ora_arch_clone000' --yes
+# The snapclone has served; the array deletes it so that the site is as it was.
 cat >"$demo/dispose.sssu" <<'SSSU'
-select manager cv-west.example.com user=administrator password=two words
-select cell "EVA-WEST"
-DELETE VDISK "\Virtual Disks\Files\share01_clone000\ACTIVE"
+select manager cv-east.example.com user=administrator password=Secret1
+select cell "EVA-EAST"
+DELETE VDISK "\Virtual Disks\Oracle\ora_arch_clone000\ACTIVE"
 exit
 SSSU
 "$evasim" "FILE $demo/dispose.sssu" >/dev/null
-echo "The snapclone is deleted again, so the site is as it was."
+run disks --enclosure-name EVA-EAST --prefix '\Oracle\ora_arch'
 
 log=$(ls "$root"Logs/tamlin.log.* 2>/dev/null | head -n 1 || true)
 step "Where things are"
