@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "cfiexecpipebase.h"
 #include "cfiexport.h"
@@ -11,7 +12,7 @@
 namespace qorin_pdk_4_4 {
 
 // What a provider asks of the machine besides its files: the clock, sleeping, running a
-// child process and the machine-wide lock. Code that waits or starts a program goes through
+// child process, the machine-wide lock and the machine's name. Code that waits or starts a program goes through
 // an env and never to the system directly, so that a test can put a recording clock or an
 // in-process runner in its place. CFiEnv::defaultEnv() is the real one and what every
 // object uses unless given another; CFiEnvWrapper forwards each call to another env, so a
@@ -32,6 +33,8 @@ public:
     // The machine-wide lock named by key (CFiSemaphorePosix), made at the first call for
     // that key and kept for the life of the process.
     virtual CFiSemaphorePosix &machineLock(int key) = 0;
+    // This machine's name (CFiNetwork::getComputerName); empty when it has none.
+    virtual std::string computerName() = 0;
 };
 
 // An env that hands every call to target; override what a test replaces.
@@ -45,6 +48,7 @@ public:
     void sleepForSeconds(uint32_t seconds) override { m_target->sleepForSeconds(seconds); }
     std::unique_ptr<CFiExecPipeBase> newExecPipe() override { return m_target->newExecPipe(); }
     CFiSemaphorePosix &machineLock(int key) override { return m_target->machineLock(key); }
+    std::string computerName() override { return m_target->computerName(); }
 
 private:
     CFiEnv *m_target;

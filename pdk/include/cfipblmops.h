@@ -30,6 +30,9 @@ class QORIN_PDK_API CFiPblmOps : public virtual CFiTraceable {
 public:
     // Numbers 0 to 254: one bit each, set when the number is taken.
     static const unsigned MAP_SLOTS = 255;
+    // The machine-wide lock (CFiEnv::machineLock) of everyone who picks and records numbers:
+    // held from reloadEnclMap to the record written, so that no two disks get one number.
+    static const int LOCK_KEY = 1003;
 
     // The install's cache location (CFiConfigurationPathTool), looked up at each use.
     CFiPblmOps();
@@ -54,6 +57,10 @@ public:
     int getKeyValue(const char *key, std::vector<std::string> &values);
     // -1 when there is no record or its number is outside 0 to 255.
     int getKeyValue(const char *key, int &value);
+    // Reads the enclosure's records again into its map, which then holds exactly the numbers
+    // that the record tree holds, whatever other processes stored or removed meanwhile.
+    // 1 when the record directory can't be read (the map is then empty), 3 without an id.
+    int reloadEnclMap(const char *enclosureId);
     // Every free number of the enclosure in ascending order; always true, and an empty list
     // means that none is free. Marks nothing.
     bool getNewValue(const char *enclosureId, std::vector<std::string> &values);

@@ -8,6 +8,7 @@
 #include <mutex>
 
 #include "cfiexecpipeposix.h"
+#include "cfinetwork.h"
 
 namespace qorin_pdk_4_4 {
 
@@ -38,6 +39,8 @@ public:
         }
         return *lock;
     }
+
+    std::string computerName() override { return CFiNetwork::getComputerName(); }
 
 private:
     std::mutex m_locksLock;

@@ -328,6 +328,50 @@ bool CFiPblmOps::getEnclMap(const char *enclosureId, lunNum **out)
     return true;
 }
 
+int CFiPblmOps::reloadEnclMap(const char *enclosureId)
+{
+    CFiTraceLogFunction traceFunction(m_traceLog, "qorin_pdk_4_4::CFiPblmOps::reloadEnclMap");
+    if (enclosureId == nullptr) {
+        return QRN_ERR_INVALID_ARGUMENT;
+    }
+    Guard guard(m_lock);
+    lunNum *element = m_head;
+    while (element != nullptr && !CFiStringTool::CompareNoCase(element->enclosureId, std::string(enclosureId))) {
+        element = element->next;
+    }
+    if (element == nullptr && (element = addEnclMap(enclosureId)) == nullptr) {
+        return QRN_ERR_NO_MEMORY;
+    }
+    element->map.reset();
+    for (unsigned n = 0; n < m_min && n < MAP_SLOTS; ++n) {
+        element->map.set(n);
+    }
+    std::string root = getCacheRoot();
+    std::string directory = root.empty() ? std::string() : root + kLunTree + component(enclosureId, false) + "/";
+    ACE_DIR *dir = directory.empty() ? nullptr : ACE_OS::opendir(directory.c_str());
+    if (dir == nullptr) {
+        trace(1, "CFiPblmOps::reloadEnclMap opendir failure for path=[%s].", directory.c_str());
+        return QRN_ERR_NOT_DONE;
+    }
+    for (ACE_DIRENT *entry = ACE_OS::readdir(dir); entry != nullptr; entry = ACE_OS::readdir(dir)) {
+        std::string name = entry->d_name;
+        if (name.empty() || name[0] == kTempMark) {
+            continue;
+        }
+        std::vector<std::string> values;
+        if (getCacheRecord((directory + name).c_str(), values) != 0) {
+            continue;
+        }
+        int number = atoi(values.front().c_str());
+        if (inRange(number)) {
+            element->map.set(static_cast<size_t>(number));
+            trace(6, "CFiPblmOps::reloadEnclMap has set lun num [%d] in the lun map.", number);
+        }
+    }
+    ACE_OS::closedir(dir);
+    return 0;
+}
+
 bool CFiPblmOps::refreshCache(const char *enclosureId, unsigned *lun)
 {
     std::string root = getCacheRoot();

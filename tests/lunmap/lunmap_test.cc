@@ -248,6 +248,36 @@ TEST_F(LunMap, EnclosuresByCaseShareAMapAndOnlyTheFirstIsReadFromDisk)
     EXPECT_EQ(offered(map, kOtherEnclosure), range(1, 254)) << "a later enclosure starts empty despite its records";
 }
 
+TEST_F(LunMap, AReloadMakesTheMapWhatTheRecordsHoldNow)
+{
+    auto map = providerMap();
+    ASSERT_EQ(map->setKeyValue(lunKey(*map, kEnclosure, 1).c_str(), {"1"}, kEnclosure), 0);
+    ASSERT_EQ(offered(*map)[0], "2");
+    ASSERT_EQ(offered(*map, kOtherEnclosure)[0], "1");
+
+    // Another process takes 2 and 3 and gives 1 back, here and on the later enclosure.
+    CFiPblmOps other(cache);
+    other.setLunNumRange(1, 254);
+    ASSERT_EQ(other.setKeyValue(lunKey(other, kEnclosure, 2).c_str(), {"2"}, kEnclosure), 0);
+    ASSERT_EQ(other.setKeyValue(lunKey(other, kEnclosure, 3).c_str(), {"3"}, kEnclosure), 0);
+    ASSERT_EQ(other.rmCacheRecord(lunKey(other, kEnclosure, 1).c_str()), 0);
+    ASSERT_EQ(other.setKeyValue(lunKey(other, kOtherEnclosure, 1).c_str(), {"1"}, kOtherEnclosure), 0);
+    // An unfinished write of a third is no record.
+    writeFile(fs::path(cache + "luns/" + kEnclosure) / ".UDID##x.77.0", "4");
+
+    EXPECT_EQ(offered(*map)[0], "2") << "this map still holds what it saw";
+    EXPECT_EQ(map->reloadEnclMap(kEnclosure), 0);
+    std::vector<std::string> free = offered(*map);
+    EXPECT_EQ(std::vector<std::string>(free.begin(), free.begin() + 2), (std::vector<std::string>{"1", "4"}));
+    EXPECT_EQ(free.size(), 252u);
+    EXPECT_EQ(map->reloadEnclMap(kOtherEnclosure), 0);
+    EXPECT_EQ(offered(*map, kOtherEnclosure)[0], "2");
+
+    CFiPblmOps noDirectory(m_dir.string() + "/elsewhere/");
+    EXPECT_EQ(noDirectory.reloadEnclMap(kEnclosure), QRN_ERR_NOT_DONE);
+    EXPECT_EQ(noDirectory.reloadEnclMap(nullptr), QRN_ERR_INVALID_ARGUMENT);
+}
+
 TEST_F(LunMap, RemovingANumberTakesEveryRecordThatHoldsItWithTheirDevHandles)
 {
     auto map = providerMap();

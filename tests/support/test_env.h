@@ -58,8 +58,8 @@ private:
 
 // SSSU without a process: each run is answered from the output and exit status laid down for
 // its number (counted from 1), or for every run. A run's command line and the script its
-// "FILE <path>" argument names are kept. The machine-wide lock is one of this process only,
-// so that these tests stay out of other processes' way.
+// "FILE <path>" argument names are kept. The machine-wide locks are of this process only, one
+// per key, so that these tests stay out of other processes' way.
 class CannedSssu : public qorin_pdk_4_4::CFiEnvWrapper {
 public:
     using CFiEnvWrapper::CFiEnvWrapper;
@@ -75,7 +75,15 @@ public:
     {
         return std::unique_ptr<qorin_pdk_4_4::CFiExecPipeBase>(new Pipe(*this));
     }
-    qorin_pdk_4_4::CFiSemaphorePosix &machineLock(int) override { return m_lock; }
+    qorin_pdk_4_4::CFiSemaphorePosix &machineLock(int key) override
+    {
+        std::lock_guard<std::mutex> guard(m_locksLock);
+        std::unique_ptr<qorin_pdk_4_4::CFiSemaphorePosix> &lock = m_locks[key];
+        if (!lock) {
+            lock.reset(new qorin_pdk_4_4::CFiSemaphorePosix);
+        }
+        return *lock;
+    }
 
 private:
     struct Answer {
@@ -149,7 +157,8 @@ private:
     std::map<int, Answer> m_answers;
     Answer m_default;
     std::vector<Run> m_runs;
-    qorin_pdk_4_4::CFiSemaphorePosix m_lock;
+    std::mutex m_locksLock;
+    std::map<int, std::unique_ptr<qorin_pdk_4_4::CFiSemaphorePosix>> m_locks;
 };
 
 }  // namespace tamlin_test
