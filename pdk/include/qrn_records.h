@@ -224,6 +224,9 @@ enum { QRN_CLAIM_NONE = 0, QRN_CLAIM_SECONDARY = 2 };
 
 enum { QRN_NOT_INTERPOSED = 0, QRN_INTERPOSED = 1 };
 
+// The disposition of dispose that deletes the copy; every other one leaves it.
+enum { QRN_DISPOSITION_DELETE = 1 };
+
 enum { QRN_DISPOSITION_REMOVE = 1 };
 
 enum { QRN_PROVIDERSTATE_READ = 1 };

@@ -40,7 +40,9 @@ enum qrn_result {
     QRN_ERR_VERSION_CHECK = 29,
     QRN_ERR_INIT_FAILED = 30,
     // The framework's credential blob is empty.
-    QRN_ERR_EMPTY_CREDENTIALS = 31
+    QRN_ERR_EMPTY_CREDENTIALS = 31,
+    // A shared disk is presented to the host on another LUN than the LUN map holds for it.
+    QRN_ERR_PRESENTED_ON_OTHER_LUN = 1092
 };
 
 // Severity of a message (qrn_eseverity), as the host's callback receives it.

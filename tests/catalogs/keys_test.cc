@@ -25,9 +25,17 @@ using namespace qorin_pdk_4_4;
 namespace {
 
 // The results an entry can give; errmsg turns each into a key.
-const int kResultCodes[] = {
-    QRN_OK,         QRN_ERR_DELAYED_INIT,     QRN_ERR_INVALID_ARGUMENT, QRN_ERR_NOT_PROVIDED,  QRN_ERR_NO_MEMORY,
-    QRN_ERR_FAILED, QRN_ERR_NO_VERSION_BLOCK, QRN_ERR_BAD_UDID,         QRN_ERR_VERSION_CHECK, QRN_ERR_INIT_FAILED};
+const int kResultCodes[] = {QRN_OK,
+                            QRN_ERR_DELAYED_INIT,
+                            QRN_ERR_INVALID_ARGUMENT,
+                            QRN_ERR_NOT_PROVIDED,
+                            QRN_ERR_NO_MEMORY,
+                            QRN_ERR_FAILED,
+                            QRN_ERR_NO_VERSION_BLOCK,
+                            QRN_ERR_BAD_UDID,
+                            QRN_ERR_VERSION_CHECK,
+                            QRN_ERR_INIT_FAILED,
+                            QRN_ERR_PRESENTED_ON_OTHER_LUN};
 
 // Argument number -> how the text formats it ("" for plain text, "number" ...).
 using Arguments = std::map<int, std::set<std::string>>;

@@ -20,6 +20,7 @@
     X(MSG_ERROR_CLI_NOT_INSTALLED, 2)                                       \
     X(MSG_ERROR_CONFIG_DOCUMENT_INVALID, 4)                                 \
     X(MSG_ERROR_DEPORT_HOST_INVALID, 3)                                     \
+    X(MSG_ERROR_DISPOSE_LEFT_UNPRESENTED, 2)                                \
     X(MSG_ERROR_DR_GROUP_IS_NOT_SOURCED_ON_THIS_CELL_ERROR, 3)              \
     X(MSG_ERROR_DR_GROUP_MEMBER_CONDITION_ERROR, 2)                         \
     X(MSG_ERROR_DR_GROUP_NAMES_DONT_MATCH, 3)                               \

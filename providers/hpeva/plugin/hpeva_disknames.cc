@@ -1,5 +1,7 @@
 #include "hpeva_disknames.h"
 
+#include <regex>
+
 #include "cfistringtool.h"
 
 using namespace qorin_pdk_4_4;
@@ -32,4 +34,16 @@ std::string getDiskDisplayName(const SHpEvaVdisk &disk)
         path.erase(path.size() - (sizeof kActive - 1));
     }
     return "HP##HSV##" + CFiStringTool::wstr2str(disk.cellname) + "##" + path;
+}
+
+bool isCopyName(const SHpEvaVdisk &disk)
+{
+    static const std::regex copy("^.+_(vsnap|snap|clone|drclone)[0-9a-f]{3,}$");
+    std::string path = disk.objectname;
+    if (path.size() > sizeof kActive - 1 &&
+        path.compare(path.size() - (sizeof kActive - 1), std::string::npos, kActive) == 0) {
+        path.erase(path.size() - (sizeof kActive - 1));
+    }
+    const size_t slash = path.rfind('\\');
+    return std::regex_match(slash == std::string::npos ? path : path.substr(slash + 1), copy);
 }

@@ -15,5 +15,9 @@ bool isSnapshotDisk(const SHpEvaVdisk &disk);
 // "HP##HSV##<cell>##<path>", the path without "\Virtual Disks\" in front and, for an active
 // disk, without "\ACTIVE" behind.
 std::string getDiskDisplayName(const SHpEvaVdisk &disk);
+// Whether the disk's own name (its family's, for an active disk) is one the provider gives
+// the copies it makes: a name, "_vsnap", "_snap", "_clone" or "_drclone", and a counter of
+// at least three lower-case hexadecimal digits.
+bool isCopyName(const SHpEvaVdisk &disk);
 
 #endif

@@ -31,6 +31,12 @@ CHpEvaCliTool CHpEvaPlugin::newCliTool() const
     return tool;
 }
 
+std::wstring CHpEvaPlugin::nodeName(const qrn_domain *node)
+{
+    return node != nullptr && node->id != nullptr && node->id->text != nullptr ? std::wstring(node->id->text)
+                                                                               : std::wstring();
+}
+
 int CHpEvaPlugin::getProviderInfo(qrn_provider_list **out)
 {
     CFiTraceLogFunction traceFunction(processTraceLog(), "CHpEvaPlugin::getProviderInfo");

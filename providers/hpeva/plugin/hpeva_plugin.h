@@ -9,6 +9,7 @@
 #include "hpeva_cell.h"
 #include "hpeva_clitool.h"
 #include "hpeva_guard.h"
+#include "hpeva_messages.h"
 #include "sficredential.h"
 
 // The EVA provider: what each host operation means on an EVA array.
@@ -55,11 +56,25 @@ public:
     // new snapclones to start. Nothing made is taken back on failure.
     int makeSnapshots(qorin_pdk_4_4::CFiSessionPtr &session) override;
 
+    // Import and deport: presents the node's disk to a host on a LUN, or takes it away; the
+    // interposer's forms and deportTree come here.
+    int importNode(std::wstring node, std::vector<std::wstring> hosts, bool transportable, bool singleHost, bool deport,
+                   int mode) override;
+    int deportTree(qrn_domain *node, qrn_domain *other, qrn_accessnode *access) override;
+    // Disposal: disposition 1 deletes the copy, its presentations first.
+    int dispose(qrn_domain *node, qrn_domain *other, qrn_splitnode *split, qrn_disposition disposition) override;
+    // Object controls for command-line hosts: "disk_info" (input udid) tells a disk's name,
+    // size, creation time and presentations; "leftovers" the same of every disk of the
+    // reachable cells whose name follows the provider's copy naming.
+    int32_t objctl(std::wstring name, qorin_pdk_4_4::CFiObjctlArgs &args) override;
+
 protected:
     // The catch ladder for one operation of this class; line is the guard's call site.
     CHpEvaGuard guard(const char *operation, int line, bool initialisation = false) const;
     // The configured SSSU for one operation, running on this plug-in's env().
     CHpEvaCliTool newCliTool() const;
+    // The text of the node's identifier; empty for a null node, identifier or text.
+    static std::wstring nodeName(const qrn_domain *node);
 
     // The Command View servers to use.
     std::vector<qorin_pdk_4_4::SFiCredential> credentials;
@@ -70,6 +85,13 @@ protected:
     uint32_t postUnmaskWait = 0;
 
 private:
+    // The array's path of the host an import or deport works on: the first of hosts, else
+    // this machine. QRN_ERR_INVALID_ARGUMENT, with unknown pushed (or the key for this
+    // machine when it has no name), when the disk's cell doesn't know the host.
+    int findArrayHost(const CHpEvaCliTool &tool, const SHpEvaVdisk &disk, const std::vector<std::wstring> &hosts,
+                      const SHpEvaMessageKey<3> &unknown, std::string &arrayHost);
+    void waitAfterUnmask();
+
     // Registered with the catalog manager, which doesn't own it.
     std::unique_ptr<qorin_pdk_4_4::CFiMessageCatalogFactory> m_catalogFactory;
 };

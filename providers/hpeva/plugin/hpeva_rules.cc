@@ -1,5 +1,7 @@
 #include "hpeva_rules.h"
 
+#include <cstdlib>
+
 #include "cfistringtool.h"
 #include "hpeva_disknames.h"
 
@@ -139,6 +141,62 @@ SHpEvaRefusal drGroupRefusal(const SHpEvaVdisk &disk, const std::vector<SHpEvaCe
                        group.links.front().scellname);
     }
     return SHpEvaRefusal();
+}
+
+SHpEvaPresentationWalk walkPresentations(const std::map<std::string, int32_t> &presentations,
+                                         const std::string &sssuHost, bool singleHost, bool deport, bool shared,
+                                         int32_t recordedLun)
+{
+    SHpEvaPresentationWalk walk;
+    for (const auto &[host, lun] : presentations) {
+        if (host == sssuHost) {
+            if (deport) {
+                walk.deletions.push_back(host);
+                if (singleHost) {
+                    walk.outcome = SHpEvaPresentationWalk::DEPORTED;
+                    return walk;
+                }
+                continue;
+            }
+            if (!singleHost) {
+                walk.outcome = SHpEvaPresentationWalk::ALREADY_MAPPED;
+                return walk;
+            }
+            if (!shared || (recordedLun != -1 && lun == recordedLun)) {
+                walk.mapped = true;
+                continue;
+            }
+            if (recordedLun != -1) {
+                walk.outcome = SHpEvaPresentationWalk::LUN_MISMATCH;
+                return walk;
+            }
+            // No record: the host's presentation goes like any other, and the map's LUN comes.
+        }
+        // Another host: only an import for this host alone, or a deport from all, removes it.
+        if (deport != singleHost) {
+            walk.deletions.push_back(host);
+        }
+    }
+    return walk;
+}
+
+int32_t lunOfText(const std::string &text)
+{
+    const int32_t number = atoi(text.c_str());
+    return isLunNumber(number) ? number : -1;
+}
+
+std::vector<int32_t> lunCandidates(const std::vector<std::string> &recorded, const std::vector<std::string> &offered)
+{
+    std::vector<int32_t> luns;
+    for (const std::vector<std::string> *values : {&recorded, &offered}) {
+        for (const std::string &value : *values) {
+            if (!value.empty()) {
+                luns.push_back(atoi(value.c_str()));
+            }
+        }
+    }
+    return luns;
 }
 
 }  // namespace hpeva_rules

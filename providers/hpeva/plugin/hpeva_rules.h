@@ -2,6 +2,7 @@
 #define HPEVA_RULES_H
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -93,6 +94,48 @@ SHpEvaRefusal drMembershipRefusal(const SHpEvaVdisk &disk, bool first, const SHp
 // its members are normal, its state is good and its first link names a reachable cell, which
 // becomes its remoteCell (the last of cells with that name, compared exactly).
 SHpEvaRefusal drGroupRefusal(const SHpEvaVdisk &disk, const std::vector<SHpEvaCell> &cells, SHpEvaDrGroup &group);
+
+// --- Import and deport ---
+
+// What an import or deport does with the presentations a disk has, walked in the map's
+// order, for one host (sssuHost, the array's path of it).
+struct SHpEvaPresentationWalk {
+    enum Outcome {
+        // Walked to the end: deport is done, an import presents the disk unless mapped.
+        WALKED,
+        // A single-host deport removed the host's presentation and stops there.
+        DEPORTED,
+        // A plain import found the host presented: nothing changes.
+        ALREADY_MAPPED,
+        // A shared disk is presented to the host on another LUN than its record says.
+        LUN_MISMATCH,
+    };
+    // The hosts whose presentation goes, in this order, before the outcome holds.
+    std::vector<std::string> deletions;
+    Outcome outcome = WALKED;
+    // The host keeps the presentation it has.
+    bool mapped = false;
+};
+
+// shared: the disk takes its LUN from the LUN map; recordedLun is the map's number for it,
+// -1 for none. A shared import whose host has the disk without a record gives up that
+// presentation, so that a LUN from the map replaces it.
+SHpEvaPresentationWalk walkPresentations(const std::map<std::string, int32_t> &presentations,
+                                         const std::string &sssuHost, bool singleHost, bool deport, bool shared,
+                                         int32_t recordedLun);
+
+// A LUN the array takes: 0 (the array chooses) to 255.
+inline bool isLunNumber(int32_t number)
+{
+    return number >= 0 && number <= 255;
+}
+// A LUN as a record gives it: its atoi reading, or -1 when that is no LUN.
+int32_t lunOfText(const std::string &text);
+
+// The LUNs a shared disk tries, in order, as atoi reads them: the number on record for it
+// (once more, when it has just failed), then the map's free numbers as offered, lowest
+// first. Empty texts are left out; a number that is no LUN stays, to be reported and passed.
+std::vector<int32_t> lunCandidates(const std::vector<std::string> &recorded, const std::vector<std::string> &offered);
 
 }  // namespace hpeva_rules
 

@@ -28,7 +28,8 @@ bool isCollected(std::u16string_view name)
                                                 u"drmnode",
                                                 u"remotevirtualdiskname",
                                                 u"sharingrelationship",
-                                                u"requestedcapacityblocks"};
+                                                u"requestedcapacityblocks",
+                                                u"creationdatetime"};
     for (const std::u16string_view &candidate : names) {
         if (candidate == name) {
             return true;
@@ -86,6 +87,8 @@ void CHpEvaLsVdiskHandler::endElement(const XMLCh *const, const XMLCh *const, co
         m_vdisk.remotevirtualdiskname = m_text;
     } else if (name == u"sharingrelationship"sv) {
         m_vdisk.sharingrelationship = m_text;
+    } else if (name == u"creationdatetime"sv) {
+        m_vdisk.creationdatetime = m_text;
     } else if (name == u"hostname"sv) {
         m_hostName = m_text;
     } else if (name == u"lunnumber"sv) {

@@ -21,6 +21,7 @@ struct SHpEvaVdisk : public SHpEvaCell {
     std::string drmnode;
     std::string remotevirtualdiskname;
     std::string sharingrelationship;
+    std::string creationdatetime;                  // as SSSU prints it
     uint64_t capacity = 0;                         // bytes
     std::map<std::string, int32_t> presentations;  // host -> LUN
 

@@ -1,0 +1,364 @@
+// Presenting copies, taking them away and disposing of them, as a host does it: the provider
+// loaded with dlopen, its entries called with node records the test owns, the arrays played
+// by the simulator. Each row of deport x singleHost through the forms that reach it, the LUN
+// map's roads, the host steps, and disposal with what it leaves when the array refuses.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "host_context.h"
+#include "present_support.h"
+#include "provider_fixture.h"
+#include "qrn_results.h"
+#include "text.h"
+
+using namespace present_test;
+
+namespace {
+
+const ::testing::Environment *const kLocks = ::testing::AddGlobalTestEnvironment(new LockDirectory);
+
+const int kImportShared = 0x1;
+const int kImportSharedAlone = 0x2;
+const int kDeportFromHost = 0x10;
+const int kDeportFromAll = 0x20;
+
+std::string presented(int copy, const std::string &host, int lun)
+{
+    return copyPath(copy) + "|\\Hosts\\" + host + "|" + std::to_string(lun);
+}
+
+// The commands among list that begin with head.
+std::vector<std::string> only(const std::vector<std::string> &list, const std::string &head)
+{
+    std::vector<std::string> found;
+    for (const std::string &command : list) {
+        if (command.rfind(head, 0) == 0) {
+            found.push_back(command);
+        }
+    }
+    return found;
+}
+
+class Present : public ::testing::Test {
+protected:
+    void start(Site &site)
+    {
+        m_site = &site;
+        uint16_t version[4] = {0, 0, 0, 0};
+        ASSERT_EQ(provider()->init(host.get(), version), 0);
+        started = true;
+    }
+    void TearDown() override
+    {
+        if (started) {
+            provider()->fini();
+        }
+    }
+
+    std::string lastErrorKey()
+    {
+        qrn_msg_info *info = nullptr;
+        if (provider()->get_last_error(&info) != 0 || info == nullptr) {
+            return "<none>";
+        }
+        std::string text(info->text, info->length);
+        provider()->del_last_error(&info);
+        std::smatch found;
+        return std::regex_search(text, found, std::regex("MSGID=(\\w+)")) ? found[1].str() : text;
+    }
+
+    int importResource(const std::wstring &disk, const wchar_t *hostName, int flags)
+    {
+        std::wstring resource = disk;
+        std::wstring name = hostName != nullptr ? hostName : L"";
+        return provider()->import_resource(nullptr, &resource[0], hostName != nullptr ? &name[0] : nullptr, nullptr,
+                                           flags, nullptr, nullptr);
+    }
+    int deportResource(const std::wstring &disk, const wchar_t *hostName, int flags)
+    {
+        std::wstring resource = disk;
+        std::wstring name = hostName != nullptr ? hostName : L"";
+        return provider()->deport_resource(&resource[0], hostName != nullptr ? &name[0] : nullptr, nullptr, nullptr,
+                                           flags);
+    }
+    // The tree road: the node introduced, its host set as import options, imported, taken away.
+    int importTree(const std::wstring &disk, const wchar_t *hostName)
+    {
+        HostNode node(disk);
+        if (provider()->init_node(&node.domain, nullptr, 0, nullptr) != 0) {
+            return -1;
+        }
+        std::wstring name = hostName;
+        qrn_host_infn hosts{&name[0], nullptr};
+        qrn_splitnode split{nullptr, &node.domain, nullptr};
+        provider()->set_import_options(&split, nullptr, 0, &hosts, 0, nullptr);
+        qorin_objid *out = nullptr;
+        const int result = provider()->import_tree(&node.domain, nullptr, nullptr, 0, &out);
+        EXPECT_EQ(out, node.domain.importId);
+        provider()->deinit_node(&node.domain);
+        return result;
+    }
+    int dispose(const std::wstring &disk, int disposition)
+    {
+        HostNode node(disk);
+        return provider()->dispose(nullptr, &node.domain, nullptr, disposition);
+    }
+    // The text objctl gives back, and its status in status.
+    std::wstring objctl(const wchar_t *name, const std::wstring &args, int32_t &status)
+    {
+        wchar_t *out = nullptr;
+        EXPECT_EQ(provider()->objctl(name, args.c_str(), &out, &status), 0);
+        std::wstring text = out != nullptr ? out : L"";
+        free(out);
+        return text;
+    }
+    bool messaged(const std::wstring &fragment) const
+    {
+        for (const std::wstring &text : messages) {
+            if (text.find(fragment) != std::wstring::npos) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    HostContext host{"en",
+                     [this](const std::wstring &hostText, const std::wstring &, int) { messages.push_back(hostText); }};
+    std::vector<std::wstring> messages;
+    bool started = false;
+    Site *m_site = nullptr;
+};
+
+}  // namespace
+
+// Presenting, other hosts untouched: the tree road and the alternate node (the array picks
+// the LUN, nothing is recorded) and the shared resource road (the LUN map picks it).
+TEST_F(Present, PresentingLeavesTheOtherHostsThroughTreeAltNodeAndResource)
+{
+    Site site(scenario(3, "present EVA01 \"" + copyPath(0) +
+                              "\" \"\\Hosts\\lab\\h1\" lun=1\n"
+                              "present EVA01 \"" +
+                              copyPath(1) +
+                              "\" \"\\Hosts\\backup01\" lun=1\n"
+                              "present EVA01 \"" +
+                              copyPath(2) + "\" \"\\Hosts\\backup01\" lun=2\n"));
+    start(site);
+    EXPECT_EQ(importTree(udid(16), L"backup01"), QRN_OK);
+
+    HostNode source(udid(1));
+    HostNode target(udid(17));
+    ASSERT_EQ(provider()->init_node(&source.domain, nullptr, 0, nullptr), 0);
+    std::wstring h2 = L"h2";
+    qrn_host_infn hosts{&h2[0], nullptr};
+    qrn_splitnode split{nullptr, &source.domain, nullptr};
+    provider()->set_import_options(&split, nullptr, 0, &hosts, 0, nullptr);
+    EXPECT_EQ(provider()->init_altnode(&source.domain, nullptr, &target.domain), QRN_OK);
+    provider()->deinit_node(&target.domain);
+    provider()->deinit_node(&source.domain);
+
+    EXPECT_EQ(importResource(udid(18), L"h1", kImportShared), QRN_OK);
+    EXPECT_EQ(site.presentations(), (std::set<std::string>{presented(0, "lab\\h1", 1), presented(0, "backup01", 3),
+                                                           presented(1, "backup01", 1), presented(1, "lab\\h2", 1),
+                                                           presented(2, "backup01", 2), presented(2, "lab\\h1", 2)}));
+    EXPECT_EQ(site.lunRecord(16), "") << "the array's choice for an unshared disk is not recorded";
+    EXPECT_EQ(site.lunRecord(18), "2") << "1 was taken on h1, so the map's next number";
+}
+
+TEST_F(Present, PresentingToOneHostAloneRemovesTheOthersFirst)
+{
+    Site site(scenario(1, "present EVA01 \"" + copyPath(0) +
+                              "\" \"\\Hosts\\backup01\" lun=2\n"
+                              "present EVA01 \"" +
+                              copyPath(0) +
+                              "\" \"\\Hosts\\lab\\h1\" lun=1\n"
+                              "present EVA01 \"" +
+                              copyPath(0) + "\" \"\\Hosts\\lab\\h2\" lun=7\n"));
+    start(site);
+    const size_t before = site.commands().size();
+    EXPECT_EQ(importResource(udid(16), L"h2", kImportSharedAlone), QRN_OK);
+    EXPECT_EQ(site.presentations(), std::set<std::string>{presented(0, "lab\\h2", 1)});
+    EXPECT_EQ(site.lunRecord(16), "1");
+    // Its own unrecorded presentation went too, and the map's number replaced it.
+    EXPECT_EQ(only(site.commandsSince(before), "DELETE LUN"),
+              (std::vector<std::string>{"DELETE LUN \"\\Hosts\\backup01\\2\"", "DELETE LUN \"\\Hosts\\lab\\h1\\1\"",
+                                        "DELETE LUN \"\\Hosts\\lab\\h2\\7\""}));
+}
+
+TEST_F(Present, TakingAwayFromOneHostByResourceOrTreeAndFromAll)
+{
+    const std::string self = machineName();
+    Site site(scenario(2, "present EVA01 \"" + copyPath(0) +
+                              "\" \"\\Hosts\\backup01\" lun=1\n"
+                              "present EVA01 \"" +
+                              copyPath(0) +
+                              "\" \"\\Hosts\\lab\\h1\" lun=1\n"
+                              "present EVA01 \"" +
+                              copyPath(0) + "\" \"\\Hosts\\" + self +
+                              "\" lun=4\n"
+                              "present EVA01 \"" +
+                              copyPath(1) +
+                              "\" \"\\Hosts\\backup01\" lun=2\n"
+                              "present EVA01 \"" +
+                              copyPath(1) + "\" \"\\Hosts\\lab\\h1\" lun=3\n"));
+    start(site);
+    EXPECT_EQ(deportResource(udid(16), L"backup01", kDeportFromHost), QRN_OK);
+    HostNode node(udid(16));
+    EXPECT_EQ(provider()->deport_tree(nullptr, &node.domain, nullptr), QRN_OK) << "from this machine";
+    // From all, also when the host named has none.
+    EXPECT_EQ(deportResource(udid(17), L"h2", kDeportFromAll), QRN_OK);
+    EXPECT_EQ(site.presentations(), std::set<std::string>{presented(0, "lab\\h1", 1)});
+
+    // Not presented to this machine any more: nothing to do.
+    const size_t before = site.commands().size();
+    EXPECT_EQ(provider()->deport_tree(nullptr, &node.domain, nullptr), QRN_OK);
+    EXPECT_TRUE(only(site.commandsSince(before), "DELETE").empty());
+    EXPECT_NE(site.log().find("is already unmapped to the HP EVA vdisk"), std::string::npos);
+}
+
+TEST_F(Present, ASharedDiskKeepsItsLunAcrossDeportAndImport)
+{
+    Site site(scenario(2));
+    start(site);
+    ASSERT_EQ(importResource(udid(16), L"backup01", kImportShared), QRN_OK);
+    ASSERT_EQ(site.lunRecord(16), "1");
+    ASSERT_EQ(deportResource(udid(16), L"backup01", kDeportFromHost), QRN_OK);
+    EXPECT_EQ(site.lunRecord(16), "1") << "a deport keeps the record";
+
+    // 1 is free on the host now, but the map holds it for the first disk.
+    ASSERT_EQ(importResource(udid(17), L"backup01", kImportShared), QRN_OK);
+    EXPECT_EQ(site.lunRecord(17), "2");
+    const size_t before = site.commands().size();
+    ASSERT_EQ(importResource(udid(16), L"backup01", kImportShared), QRN_OK);
+    EXPECT_EQ(only(site.commandsSince(before), "ADD LUN"),
+              std::vector<std::string>{"ADD LUN 1 HOST=\"\\Hosts\\backup01\"  VDISK=\"" + copyPath(0) + "\" "});
+    EXPECT_EQ(site.presentations(), (std::set<std::string>{presented(0, "backup01", 1), presented(1, "backup01", 2)}));
+}
+
+TEST_F(Present, AStoredLunTheArrayRefusesThenTheCandidatesThenTheArraysChoiceIsRecorded)
+{
+    // LUNs 5 to 7 of backup01 are in use by disks the map doesn't know; the map holds every
+    // other number for disks of its own, so its only candidates are 5 to 7.
+    Site site(scenario(4, "present EVA01 \"" + copyPath(1) +
+                              "\" \"\\Hosts\\backup01\" lun=5\n"
+                              "present EVA01 \"" +
+                              copyPath(2) +
+                              "\" \"\\Hosts\\backup01\" lun=6\n"
+                              "present EVA01 \"" +
+                              copyPath(3) + "\" \"\\Hosts\\backup01\" lun=7\n"));
+    const std::wstring own = udid(16);
+    site.root().writeFile("CacheFiles/luns/" + std::string(kCellWwn) + "/" + std::string(own.begin(), own.end()), "5");
+    for (int n = 1; n <= 254; ++n) {
+        if (n < 5 || n > 7) {
+            site.root().writeFile("CacheFiles/luns/" + std::string(kCellWwn) + "/UDID##HP##HSV##" + kCellWwn +
+                                      "##OTHER" + std::to_string(n),
+                                  std::to_string(n));
+        }
+    }
+    start(site);
+    const size_t before = site.commands().size();
+    ASSERT_EQ(importResource(own, L"backup01", kImportShared), QRN_OK);
+
+    std::vector<std::string> tried;
+    for (const std::string &command : only(site.commandsSince(before), "ADD LUN ")) {
+        tried.push_back(command.substr(8, command.find(' ', 8) - 8));
+    }
+    EXPECT_EQ(tried, (std::vector<std::string>{"5", "5", "6", "7", "0"}))
+        << "the record, again, the map's, the array's";
+    EXPECT_TRUE(site.presentations().count(presented(0, "backup01", 1)));
+    EXPECT_EQ(site.lunRecord(16), "1");
+    EXPECT_FALSE(
+        site.root().exists("CacheFiles/luns/" + std::string(kCellWwn) + "/UDID##HP##HSV##" + kCellWwn + "##OTHER1"))
+        << "the record that held the array's number is gone";
+}
+
+TEST_F(Present, AHostTheArrayDoesNotKnowChangesNothing)
+{
+    Site site(scenario(1, "present EVA01 \"" + copyPath(0) + "\" \"\\Hosts\\lab\\h1\" lun=1\n"));
+    start(site);
+    EXPECT_EQ(importResource(udid(16), L"nohost", kImportSharedAlone), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(lastErrorKey(), "MSG_ERROR_DEPORT_HOST_INVALID");
+    EXPECT_EQ(deportResource(udid(16), L"nohost", kDeportFromAll), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(lastErrorKey(), "MSG_ERROR_DEPORT_HOST_INVALID");
+    EXPECT_TRUE(messaged(L"nohost"));
+    EXPECT_EQ(site.presentations(), std::set<std::string>{presented(0, "lab\\h1", 1)});
+    EXPECT_EQ(site.lunRecord(16), "");
+}
+
+TEST_F(Present, ASharedDiskPresentedFromOutsideOnAnotherLunGives1092)
+{
+    Site site(scenario(1, "present EVA01 \"" + copyPath(0) + "\" \"\\Hosts\\backup01\" lun=8\n"));
+    const std::wstring own = udid(16);
+    site.root().writeFile("CacheFiles/luns/" + std::string(kCellWwn) + "/" + std::string(own.begin(), own.end()), "3");
+    start(site);
+    EXPECT_EQ(importResource(own, L"backup01", kImportSharedAlone), QRN_ERR_PRESENTED_ON_OTHER_LUN);
+    EXPECT_EQ(site.presentations(), std::set<std::string>{presented(0, "backup01", 8)});
+    EXPECT_EQ(site.lunRecord(16), "3");
+    const wchar_t *text = nullptr;
+    ASSERT_EQ(provider()->errmsg(QRN_ERR_PRESENTED_ON_OTHER_LUN, &text), 0);
+    ASSERT_NE(text, nullptr);
+    EXPECT_NE(std::wstring(text).find(L"another LUN"), std::wstring::npos) << toUtf8(text);
+    provider()->del_locale_message(const_cast<wchar_t **>(&text));
+}
+
+TEST_F(Present, DisposeRemovesEveryPresentationThenTheDiskAndOtherDispositionsNothing)
+{
+    Site site(scenario(2, "present EVA01 \"" + copyPath(0) +
+                              "\" \"\\Hosts\\backup01\" lun=1\n"
+                              "present EVA01 \"" +
+                              copyPath(0) + "\" \"\\Hosts\\lab\\h1\" lun=2\n"));
+    start(site);
+    size_t before = site.commands().size();
+    EXPECT_EQ(dispose(udid(16), QRN_DISPOSITION_DELETE), QRN_OK);
+    EXPECT_EQ(only(site.commandsSince(before), "DELETE"),
+              (std::vector<std::string>{"DELETE LUN \"\\Hosts\\backup01\\1\"", "DELETE LUN \"\\Hosts\\lab\\h1\\2\"",
+                                        "DELETE VDISK \"" + copyPath(0) + "\""}));
+    EXPECT_EQ(ProviderInstall::evasim("show disks --format tsv").output.find("data_vsnap000"), std::string::npos);
+
+    before = site.commands().size();
+    EXPECT_EQ(dispose(udid(17), 2), QRN_OK);
+    EXPECT_EQ(dispose(L"no identity", 0), QRN_OK);
+    EXPECT_EQ(site.commands().size(), before) << "no SSSU run for another disposition";
+    EXPECT_EQ(dispose(L"no identity", QRN_DISPOSITION_DELETE), QRN_ERR_FAILED);
+    EXPECT_EQ(lastErrorKey(), "MSG_ERROR_UDID_PARSING_EXCEPTION");
+}
+
+// The array deletes the LUNs and then refuses the disk: nothing is put back, the host is told
+// what is left, and the copy shows among the leftovers without presentations.
+TEST_F(Present, ADeleteThatFailsAfterTheLunsWentLeavesALeftover)
+{
+    Site site(scenario(2, "present EVA01 \"" + copyPath(0) +
+                              "\" \"\\Hosts\\lab\\h1\" lun=1\n"
+                              "present EVA01 \"" +
+                              copyPath(1) + "\" \"\\Hosts\\lab\\h1\" lun=2\n"));
+    ASSERT_EQ(ProviderInstall::evasim("fault error --match \"DELETE VDISK\"").status, 0);
+    start(site);
+    EXPECT_EQ(dispose(udid(16), QRN_DISPOSITION_DELETE), QRN_ERR_FAILED);
+    EXPECT_EQ(lastErrorKey(), "MSG_ERROR_CLI_COMMAND_FAILED");
+    EXPECT_TRUE(messaged(L"is no longer presented to any host")) << "what is left, before the failure";
+    EXPECT_EQ(site.presentations(), std::set<std::string>{presented(1, "lab\\h1", 2)});
+
+    int32_t status = -1;
+    const std::wstring leftovers = objctl(L"leftovers", L"", status);
+    EXPECT_EQ(status, QRN_OK);
+    const std::wstring first = L"arg=udid value=" + udid(16);
+    const std::wstring second = L"arg=udid value=" + udid(17);
+    ASSERT_NE(leftovers.find(first), std::wstring::npos) << toUtf8(leftovers);
+    ASSERT_NE(leftovers.find(second), std::wstring::npos);
+    EXPECT_EQ(leftovers.find(L"value=" + udid(1)), std::wstring::npos) << "the source is no copy";
+    const std::wstring ofFirst =
+        leftovers.substr(leftovers.find(first), leftovers.find(second) - leftovers.find(first));
+    EXPECT_NE(ofFirst.find(L"arg=name value=\\Virtual%20Disks\\db\\data\\data_vsnap000 "), std::wstring::npos);
+    EXPECT_EQ(ofFirst.find(L"arg=presentation"), std::wstring::npos) << toUtf8(ofFirst);
+    EXPECT_NE(leftovers.find(L"arg=presentation value=2:\\Hosts\\lab\\h1 "), std::wstring::npos);
+
+    const std::wstring one = objctl(
+        L"disk_info",
+        L"<OBJCTL_ARG_LIST> <OBJCTL_INPUT arg=udid value=" + udid(17) + L" type=string /> </OBJCTL_ARG_LIST>", status);
+    EXPECT_EQ(status, QRN_OK);
+    EXPECT_NE(one.find(L"arg=size value=10737418240 "), std::wstring::npos) << toUtf8(one);
+    EXPECT_NE(one.find(L"arg=copy value=yes "), std::wstring::npos);
+}

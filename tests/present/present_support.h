@@ -1,0 +1,219 @@
+// What the suites of presenting, deporting and disposing share: a simulated site whose hosts
+// include this machine (the host of every road without a host name), node records as a host
+// keeps them, and the array's presentations and command history as the simulator tells them.
+#ifndef PRESENT_SUPPORT_H
+#define PRESENT_SUPPORT_H
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "provider_install.h"
+#include "qorinutil.h"
+#include "qrn_records.h"
+
+namespace present_test {
+
+const char kCellWwn[] = "5000-1FE1-5000-0001";
+
+// This machine's name as the arrays know hosts: without its domain.
+inline std::string machineName()
+{
+    char name[256] = {0};
+    gethostname(name, sizeof name - 1);
+    std::string text = name;
+    return text.substr(0, text.find('.'));
+}
+
+// The world identifier of disk n: 6005-08b4-0001-0000-0000-0000-0000-<n in 4 hex digits>.
+inline std::string wwlunid(int n)
+{
+    char text[64];
+    snprintf(text, sizeof text, "6005-08b4-0001-0000-0000-0000-0000-%04x", n);
+    return text;
+}
+
+inline std::wstring udid(int n)
+{
+    std::string text = std::string("UDID##HP##HSV##") + kCellWwn + "##" + wwlunid(n);
+    for (char &c : text) {
+        c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
+    }
+    return std::wstring(text.begin(), text.end());
+}
+
+// One cell EVA01 with the hosts backup01, lab\h1, lab\h2 and this machine, the source disk
+// "\Virtual Disks\db\data" (disk 1) and copies of it: vsnaps data_vsnap000.. (disks 16..),
+// which copies(n) adds, and whatever lines extra holds.
+inline std::string scenario(int copies, const std::string &extra = "")
+{
+    std::string text = "server cv1 user=admin password=secret\n"
+                       "cell EVA01 wwn=" +
+                       std::string(kCellWwn) +
+                       " total=4TB servers=cv1\n"
+                       "set copies_per_source=0\n"
+                       "host EVA01 \"\\Hosts\\backup01\"\n"
+                       "host EVA01 \"\\Hosts\\lab\\h1\"\n"
+                       "host EVA01 \"\\Hosts\\lab\\h2\"\n"
+                       "host EVA01 \"\\Hosts\\" +
+                       machineName() +
+                       "\"\n"
+                       "vdisk EVA01 \"\\Virtual Disks\\db\\data\" size=10GB wwlunid=" +
+                       wwlunid(1) + "\n";
+    for (int i = 0; i < copies; ++i) {
+        char name[32];
+        snprintf(name, sizeof name, "data_vsnap%03x", i);
+        text +=
+            "snapshot EVA01 \"\\Virtual Disks\\db\\data\" " + std::string(name) + " wwlunid=" + wwlunid(16 + i) + "\n";
+    }
+    return text + extra;
+}
+
+// The array path of copy i.
+inline std::string copyPath(int i)
+{
+    char name[64];
+    snprintf(name, sizeof name, "\\Virtual Disks\\db\\data\\data_vsnap%03x", i);
+    return name;
+}
+
+// A provider install whose simulated world is written by the test.
+class Site : public ProviderInstall {
+public:
+    static std::string writeScenario(const std::string &text)
+    {
+        char pattern[] = "/tmp/tamlin-scenario-XXXXXX";
+        const int fd = mkstemp(pattern);
+        if (fd >= 0) {
+            ::close(fd);
+        }
+        std::ofstream(pattern) << text;
+        return pattern;
+    }
+    explicit Site(const std::string &world) : Site(world, writeScenario(world)) {}
+    ~Site() { std::remove(m_scenario.c_str()); }
+
+    // "<disk>|<host>|<lun>" of every presentation of the cell.
+    std::set<std::string> presentations() const
+    {
+        std::set<std::string> found;
+        for (const std::vector<std::string> &row : rows("show presentations --format tsv")) {
+            if (row.size() == 4 && row[0] != "cell") {
+                found.insert(row[3] + "|" + row[1] + "|" + row[2]);
+            }
+        }
+        return found;
+    }
+    // The commands the provider's SSSU runs sent, in order, logins left out.
+    std::vector<std::string> commands() const
+    {
+        std::vector<std::string> found;
+        for (const std::vector<std::string> &row : rows("history --last 0 --format tsv")) {
+            if (row.size() >= 5 && row[0] != "run" && row[4].rfind("select ", 0) != 0) {
+                found.push_back(row[4]);
+            }
+        }
+        return found;
+    }
+    // The commands since the count given.
+    std::vector<std::string> commandsSince(size_t count) const
+    {
+        std::vector<std::string> all = commands();
+        return std::vector<std::string>(all.begin() + static_cast<long>(std::min(count, all.size())), all.end());
+    }
+    // The LUN map's record of disk n, or "" when there is none.
+    std::string lunRecord(int n)
+    {
+        const std::wstring identity = udid(n);
+        std::ifstream in(lunRecordPath(std::string(identity.begin(), identity.end())));
+        std::ostringstream text;
+        text << in.rdbuf();
+        return text.str();
+    }
+    std::string lunRecordPath(const std::string &name)
+    {
+        return root().path("CacheFiles/luns/") + kCellWwn + "/" + name;
+    }
+
+private:
+    Site(const std::string &, const std::string &file) :
+        ProviderInstall({{"cv1", "admin", "secret"}}, file),
+        m_scenario(file)
+    {
+        EXPECT_TRUE(ok()) << loadReport();
+    }
+
+    static std::vector<std::vector<std::string>> rows(const std::string &arguments)
+    {
+        std::vector<std::vector<std::string>> table;
+        std::istringstream in(evasim(arguments).output);
+        std::string line;
+        while (std::getline(in, line)) {
+            if (line.empty() || line[0] == '#') {
+                continue;
+            }
+            std::vector<std::string> cells;
+            std::istringstream fields(line);
+            std::string cell;
+            while (std::getline(fields, cell, '\t')) {
+                cells.push_back(cell);
+            }
+            table.push_back(cells);
+        }
+        return table;
+    }
+
+    std::string m_scenario;
+};
+
+// A node record as the host keeps it, named by a disk's identity; importTreeNode reads the
+// same identity as the one to import.
+struct HostNode {
+    explicit HostNode(const std::wstring &name)
+    {
+        memset(&domain, 0, sizeof domain);
+        domain.id = qorin_get_objid(name.c_str(), static_cast<uint32_t>((name.size() + 1) * sizeof(wchar_t)), 3);
+        domain.importId = domain.id;
+        domain.capability = &capability;
+    }
+    ~HostNode() { free(domain.id); }
+    HostNode(const HostNode &) = delete;
+    HostNode &operator=(const HostNode &) = delete;
+    qrn_domain domain;
+    uint32_t capability = 0;
+};
+
+// The SSSU lock's file is placed once per process, so its directory outlives every test; the
+// LUN map's lock lies beside it.
+class LockDirectory : public ::testing::Environment {
+public:
+    void SetUp() override
+    {
+        char pattern[] = "/tmp/tamlin-locks-XXXXXX";
+        ASSERT_NE(mkdtemp(pattern), nullptr);
+        m_dir = pattern;
+        setenv("QORIN_LOCK_DIR", m_dir.c_str(), 1);
+    }
+    void TearDown() override
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_dir, ignored);
+    }
+
+private:
+    std::string m_dir;
+};
+
+}  // namespace present_test
+
+#endif
