@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const ::testing::Environment *const kLocks = ::testing::AddGlobalTestEnvironment(new LockDirectory);
+const ::testing::Environment *const kLocks = ::testing::AddGlobalTestEnvironment(new tamlin_test::LockDirectory);
 
 const int kDisksPerProcess = 6;
 const int kRounds = 3;

@@ -19,7 +19,7 @@ using namespace present_test;
 
 namespace {
 
-const ::testing::Environment *const kLocks = ::testing::AddGlobalTestEnvironment(new LockDirectory);
+const ::testing::Environment *const kLocks = ::testing::AddGlobalTestEnvironment(new tamlin_test::LockDirectory);
 
 const int kImportShared = 0x1;
 const int kImportSharedAlone = 0x2;

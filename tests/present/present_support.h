@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -18,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include "lock_directory.h"
 #include "provider_install.h"
 #include "qorinutil.h"
 #include "qrn_records.h"
@@ -107,10 +107,8 @@ public:
     std::set<std::string> presentations() const
     {
         std::set<std::string> found;
-        for (const std::vector<std::string> &row : rows("show presentations --format tsv")) {
-            if (row.size() == 4 && row[0] != "cell") {
-                found.insert(row[3] + "|" + row[1] + "|" + row[2]);
-            }
+        for (const auto &row : table("presentations")) {
+            found.insert(row.at("disk") + "|" + row.at("host") + "|" + row.at("lun"));
         }
         return found;
     }
@@ -118,9 +116,17 @@ public:
     std::vector<std::string> commands() const
     {
         std::vector<std::string> found;
-        for (const std::vector<std::string> &row : rows("history --last 0 --format tsv")) {
-            if (row.size() >= 5 && row[0] != "run" && row[4].rfind("select ", 0) != 0) {
-                found.push_back(row[4]);
+        std::istringstream in(evasim("history --last 0 --format tsv").output);
+        std::string line;
+        while (std::getline(in, line)) {
+            std::vector<std::string> cells;
+            std::istringstream fields(line);
+            std::string cell;
+            while (std::getline(fields, cell, '\t')) {
+                cells.push_back(cell);
+            }
+            if (cells.size() >= 5 && cells[0] != "run" && cells[4].rfind("select ", 0) != 0) {
+                found.push_back(cells[4]);
             }
         }
         return found;
@@ -153,26 +159,6 @@ private:
         EXPECT_TRUE(ok()) << loadReport();
     }
 
-    static std::vector<std::vector<std::string>> rows(const std::string &arguments)
-    {
-        std::vector<std::vector<std::string>> table;
-        std::istringstream in(evasim(arguments).output);
-        std::string line;
-        while (std::getline(in, line)) {
-            if (line.empty() || line[0] == '#') {
-                continue;
-            }
-            std::vector<std::string> cells;
-            std::istringstream fields(line);
-            std::string cell;
-            while (std::getline(fields, cell, '\t')) {
-                cells.push_back(cell);
-            }
-            table.push_back(cells);
-        }
-        return table;
-    }
-
     std::string m_scenario;
 };
 
@@ -191,27 +177,6 @@ struct HostNode {
     HostNode &operator=(const HostNode &) = delete;
     qrn_domain domain;
     uint32_t capability = 0;
-};
-
-// The SSSU lock's file is placed once per process, so its directory outlives every test; the
-// LUN map's lock lies beside it.
-class LockDirectory : public ::testing::Environment {
-public:
-    void SetUp() override
-    {
-        char pattern[] = "/tmp/tamlin-locks-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        m_dir = pattern;
-        setenv("QORIN_LOCK_DIR", m_dir.c_str(), 1);
-    }
-    void TearDown() override
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_dir, ignored);
-    }
-
-private:
-    std::string m_dir;
 };
 
 }  // namespace present_test
