@@ -365,7 +365,9 @@ int runRestore(CliOptions &options)
     });
 
     ProgressView view(session, isatty(STDERR_FILENO) && options.verbosity == 0);
-    bool leave = false;
+    // Taken for good when leaving: the provider's thread then stops at its next trace line,
+    // before any further SSSU run, and the progress stays as it is printed.
+    std::unique_lock<std::mutex> leaving;
     for (;;) {
         {
             std::unique_lock<std::mutex> hold(shared.lock);
@@ -373,9 +375,9 @@ int runRestore(CliOptions &options)
                 break;
             }
             if (shared.stopRequested && (shared.parked || shared.sleeping)) {
-                leave = true;
                 view.draw(shared.progress, secondsSince(shared.start));
                 shared.progress.abandon(secondsSince(shared.start));
+                leaving = std::move(hold);
                 break;
             }
             view.draw(shared.progress, secondsSince(shared.start));
@@ -401,8 +403,7 @@ int runRestore(CliOptions &options)
     }
 
     const double now = secondsSince(shared.start);
-    if (leave) {
-        // The provider's thread stays parked, or parks at its next line, until the process ends.
+    if (leaving.owns_lock()) {
         fprintf(stderr, "tamlinctl restore: stopped waiting. The copies go on on the array; to follow them (SHARING "
                         "reads none once a copy has ended):\n");
         for (const Pair &pair : pairs) {
