@@ -17,7 +17,12 @@ BUILD_DIR/demo and shows, with tamlinctl, what a backup framework sees through i
   - tamlinctl info, enclosures, hosts and disks (with a filter and flags), then errmsg;
   - a backup moment: vsnaps of two Oracle disks and a snapclone of a third with tamlinctl
     snapshot, the Oracle disks listed before and after;
-  - a restore of one disk from its snapclone, with the copy's progress.
+  - the backup host reading a copy: a vsnap presented to it (its LUN shown) and taken away
+    again, then the vsnaps disposed of;
+  - a restore of one disk from its snapclone, with the copy's progress, and the snapclone
+    disposed of;
+  - the copies earlier jobs left on the arrays (tamlinctl leftovers), disposed of, so that
+    none is left.
 
 Each run starts from scratch. Afterwards the paths of the install root, the trace log and
 the simulator's state are printed, with the commands to look further yourself.
@@ -128,17 +133,24 @@ echo "A snapclone of a disk that has snapshots is refused before anything is mad
 run snapshot --method HPEVA_Snapclone 'EVA-EAST##Oracle\ora_data' || true
 run disks --enclosure-name EVA-EAST --prefix '\Oracle\'
 
+step "The backup host reads the copy of ora_data: presented to backup01 on a LUN, then taken away"
+run present 'EVA-EAST##Oracle\ora_data\ora_data_vsnap000' --host backup01 --shared
+run unpresent 'EVA-EAST##Oracle\ora_data\ora_data_vsnap000' --host backup01
+
+step "The backup has been read: its vsnaps are disposed of"
+run dispose --yes 'EVA-EAST##Oracle\ora_data\ora_data_vsnap000' 'EVA-EAST##Oracle\ora_logs\ora_logs_vsnap000'
+
 step "Restore: ora_arch back to the content of its snapclone, with the copy's progress"
 run restore 'EVA-EAST##Oracle\ora_arch' 'EVA-EAST##Oracle\ora_arch_clone000' --yes
-# The snapclone has served; the array deletes it so that the site is as it was.
-cat >"$demo/dispose.sssu" <<'SSSU'
-select manager cv-east.example.com user=administrator password=Secret1
-select cell "EVA-EAST"
-DELETE VDISK "\Virtual Disks\Oracle\ora_arch_clone000\ACTIVE"
-exit
-SSSU
-"$evasim" "FILE $demo/dispose.sssu" >/dev/null
-run disks --enclosure-name EVA-EAST --prefix '\Oracle\ora_arch'
+echo "The snapclone has served:"
+run dispose --yes 'EVA-EAST##Oracle\ora_arch_clone000'
+run disks --enclosure-name EVA-EAST --prefix '\Oracle\'
+
+step "Copies that earlier jobs left on the arrays, disposed of until none is left"
+run leftovers
+mapfile -t old < <("$ctl" --provider "$lib" --json leftovers | grep -o '"copy":"[^"]*"' | cut -d'"' -f4 | sed 's/\\\\/\\/g')
+run dispose --yes "${old[@]}"
+run leftovers
 
 log=$(ls "$root"Logs/tamlin.log.* 2>/dev/null | head -n 1 || true)
 step "Where things are"

@@ -16,6 +16,10 @@ int runErrmsg(CliOptions &options);
 int runConfig(CliOptions &options);
 int runRestore(CliOptions &options);
 int runSnapshot(CliOptions &options);
+int runPresent(CliOptions &options);
+int runUnpresent(CliOptions &options);
+int runDispose(CliOptions &options);
+int runLeftovers(CliOptions &options);
 
 // The provider's disks, as `disks` lists them, for resolving the DISK words of a command.
 DiskResolver::Lister diskLister(ProviderSession &session);

@@ -173,6 +173,60 @@ std::map<std::string, Command> commands()
                        "Exit status: 0 all copies made; 1 refused or failed; 2 bad usage or a DISK\n"
                        "that names no disk or several.\n",
                        runSnapshot};
+    all["present"] = {"present a copy to a host on a LUN",
+                      "Usage: tamlinctl [global options] present COPY --host HOST [--shared [--only]]\n"
+                      "\n"
+                      "Presents COPY to HOST, as a backup framework imports a disk, and shows what\n"
+                      "changed on the array: each presentation added or removed, with host and LUN.\n"
+                      "A host that has the copy already keeps it, and nothing changes.\n"
+                      "\n"
+                      "  --host HOST  the host as the array knows it (its name without domain)\n"
+                      "  --shared     take the LUN from the provider's LUN map, so that the copy keeps\n"
+                      "               one LUN across unpresent and present and on every host\n"
+                      "  --only       present to HOST alone: the copy's other presentations are\n"
+                      "               removed first (with --shared)\n"
+                      "\n"
+                      "Without --shared the array picks the host's lowest free LUN. COPY is a UDID or a\n"
+                      "name as `tamlinctl disks` shows it. Exit status: 0 done; 1 the provider refused\n"
+                      "or failed (its reason is shown, and what had changed already); 2 bad usage.\n",
+                      runPresent};
+    all["unpresent"] = {"take a copy away from a host, or from all",
+                        "Usage: tamlinctl [global options] unpresent COPY [--host HOST | --all]\n"
+                        "\n"
+                        "Removes the presentation of COPY from this machine (as a framework deports a\n"
+                        "disk tree), from HOST, or from every host, and shows what changed on the array.\n"
+                        "A shared copy keeps its LUN in the LUN map for the next present --shared.\n"
+                        "\n"
+                        "Exit status: 0 done (also when there was nothing to remove); 1 the provider\n"
+                        "refused or failed; 2 bad usage.\n",
+                        runUnpresent};
+    all["dispose"] = {"delete copies, their presentations first",
+                      "Usage: tamlinctl [global options] dispose COPY... [--yes]\n"
+                      "\n"
+                      "Deletes each COPY from its array as a backup framework disposes of a snapshot:\n"
+                      "its presentations are removed, then the disk. Only copies the provider made are\n"
+                      "taken (names ending in _vsnap, _snap, _clone or _drclone and a counter). On a\n"
+                      "terminal tamlinctl asks first; --yes confirms beforehand, and is needed when\n"
+                      "standard input is no terminal.\n"
+                      "\n"
+                      "Nothing is undone when the array refuses a delete: the copy stays, without the\n"
+                      "presentations already removed, and `tamlinctl leftovers` lists it.\n"
+                      "Exit status: 0 all deleted; 1 not confirmed or a delete failed; 2 bad usage,\n"
+                      "or a COPY that is no copy.\n",
+                      runDispose};
+    all["leftovers"] = {"list the copies left on the arrays",
+                        "Usage: tamlinctl [global options] leftovers\n"
+                        "\n"
+                        "Lists the disks of every reachable array whose names follow the provider's\n"
+                        "copy naming (_vsnap, _snap, _clone or _drclone and a counter of three or more\n"
+                        "hexadecimal digits), with size, the hosts they are presented to, and when the\n"
+                        "array made them. The provider undoes nothing when a snapshot or a restore\n"
+                        "fails halfway; this is how to find what such a job left behind, to present it\n"
+                        "or dispose of it. With --json, for scripts.\n"
+                        "\n"
+                        "Exit status: 0 listed; 1 an array's disks could not be read (the list may miss\n"
+                        "some) or the provider failed.\n",
+                        runLeftovers};
     all["errmsg"] = {"show the text of result codes",
                      "Usage: tamlinctl [global options] errmsg CODE...\n"
                      "\n"

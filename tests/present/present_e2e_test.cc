@@ -107,15 +107,6 @@ protected:
         HostNode node(disk);
         return provider()->dispose(nullptr, &node.domain, nullptr, disposition);
     }
-    // The text objctl gives back, and its status in status.
-    std::wstring objctl(const wchar_t *name, const std::wstring &args, int32_t &status)
-    {
-        wchar_t *out = nullptr;
-        EXPECT_EQ(provider()->objctl(name, args.c_str(), &out, &status), 0);
-        std::wstring text = out != nullptr ? out : L"";
-        free(out);
-        return text;
-    }
     bool messaged(const std::wstring &fragment) const
     {
         for (const std::wstring &text : messages) {
@@ -326,8 +317,8 @@ TEST_F(Present, DisposeRemovesEveryPresentationThenTheDiskAndOtherDispositionsNo
     EXPECT_EQ(lastErrorKey(), "MSG_ERROR_UDID_PARSING_EXCEPTION");
 }
 
-// The array deletes the LUNs and then refuses the disk: nothing is put back, the host is told
-// what is left, and the copy shows among the leftovers without presentations.
+// The array deletes the LUNs and then refuses the disk: nothing is put back, and the host is
+// told what is left.
 TEST_F(Present, ADeleteThatFailsAfterTheLunsWentLeavesALeftover)
 {
     Site site(scenario(2, "present EVA01 \"" + copyPath(0) +
@@ -341,24 +332,6 @@ TEST_F(Present, ADeleteThatFailsAfterTheLunsWentLeavesALeftover)
     EXPECT_TRUE(messaged(L"is no longer presented to any host")) << "what is left, before the failure";
     EXPECT_EQ(site.presentations(), std::set<std::string>{presented(1, "lab\\h1", 2)});
 
-    int32_t status = -1;
-    const std::wstring leftovers = objctl(L"leftovers", L"", status);
-    EXPECT_EQ(status, QRN_OK);
-    const std::wstring first = L"arg=udid value=" + udid(16);
-    const std::wstring second = L"arg=udid value=" + udid(17);
-    ASSERT_NE(leftovers.find(first), std::wstring::npos) << toUtf8(leftovers);
-    ASSERT_NE(leftovers.find(second), std::wstring::npos);
-    EXPECT_EQ(leftovers.find(L"value=" + udid(1)), std::wstring::npos) << "the source is no copy";
-    const std::wstring ofFirst =
-        leftovers.substr(leftovers.find(first), leftovers.find(second) - leftovers.find(first));
-    EXPECT_NE(ofFirst.find(L"arg=name value=\\Virtual%20Disks\\db\\data\\data_vsnap000 "), std::wstring::npos);
-    EXPECT_EQ(ofFirst.find(L"arg=presentation"), std::wstring::npos) << toUtf8(ofFirst);
-    EXPECT_NE(leftovers.find(L"arg=presentation value=2:\\Hosts\\lab\\h1 "), std::wstring::npos);
-
-    const std::wstring one = objctl(
-        L"disk_info",
-        L"<OBJCTL_ARG_LIST> <OBJCTL_INPUT arg=udid value=" + udid(17) + L" type=string /> </OBJCTL_ARG_LIST>", status);
-    EXPECT_EQ(status, QRN_OK);
-    EXPECT_NE(one.find(L"arg=size value=10737418240 "), std::wstring::npos) << toUtf8(one);
-    EXPECT_NE(one.find(L"arg=copy value=yes "), std::wstring::npos);
+    EXPECT_NE(ProviderInstall::evasim("show disks --format tsv").output.find("data_vsnap000"), std::string::npos)
+        << "the copy stays, for tamlinctl leftovers to show";
 }
