@@ -13,6 +13,7 @@
 #include "cfisession.h"
 #include "hpeva_plugin.h"
 #include "hpeva_process.h"
+#include "lock_directory.h"
 #include "provider_install.h"
 #include "qorinutil.h"
 #include "qrn_results.h"
@@ -24,25 +25,7 @@ namespace {
 
 const wchar_t kConf[] = L"<tamlin>UDID##HP##HSV##5000-1FE1-5000-0001##6005-08B4-0001-0000-0000-0000-0000-0013";
 
-class LockDirectory : public ::testing::Environment {
-public:
-    void SetUp() override
-    {
-        char pattern[] = "/tmp/tamlin-locks-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        m_dir = pattern;
-        setenv("QORIN_LOCK_DIR", m_dir.c_str(), 1);
-    }
-    void TearDown() override
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_dir, ignored);
-    }
-
-private:
-    std::string m_dir;
-};
-const ::testing::Environment *const kLocks = ::testing::AddGlobalTestEnvironment(new LockDirectory);
+const ::testing::Environment *const kLocks = ::testing::AddGlobalTestEnvironment(new tamlin_test::LockDirectory);
 
 // One snapclone of the scenario's conf disk, made by a plug-in started on the recording clock
 // with the simulator's copies running for the given number of reads.

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "host_context.h"
+#include "lock_directory.h"
 #include "provider_fixture.h"
 #include "provider_install.h"
 #include "qrn_results.h"
@@ -89,77 +90,27 @@ std::vector<std::string> scripts()
     return out;
 }
 
-// path -> wwlunid of every disk, and the type of each.
+// "<cell>:<path>" -> the column of every disk (its wwlunid unless told).
 std::map<std::string, std::string> disks(const char *column = "wwlunid")
 {
-    std::istringstream in(evasim("show disks --format tsv").output);
-    std::string line;
-    std::vector<std::string> header;
     std::map<std::string, std::string> out;
-    while (std::getline(in, line)) {
-        if (line.empty() || line[0] == '#') {
-            continue;
-        }
-        const std::vector<std::string> row = splitTabs(line);
-        if (header.empty()) {
-            header = row;
-            continue;
-        }
-        std::map<std::string, std::string> named;
-        for (size_t i = 0; i < header.size() && i < row.size(); ++i) {
-            named[header[i]] = row[i];
-        }
-        out[named["cell"] + ":" + named["path"]] = named[column];
+    for (auto &row : ProviderInstall::table("disks")) {
+        out[row["cell"] + ":" + row["path"]] = row[column];
     }
     return out;
 }
 
 std::string suspendState(const std::string &group)
 {
-    std::istringstream in(evasim("show drgroups --format tsv").output);
-    std::string line;
-    std::vector<std::string> header;
-    while (std::getline(in, line)) {
-        if (line.empty() || line[0] == '#') {
-            header.clear();
-            continue;
-        }
-        const std::vector<std::string> row = splitTabs(line);
-        if (header.empty()) {
-            header = row;
-            continue;
-        }
-        std::map<std::string, std::string> named;
-        for (size_t i = 0; i < header.size() && i < row.size(); ++i) {
-            named[header[i]] = row[i];
-        }
-        if (named["name"] == group) {
-            return named["suspended"];
+    for (auto &row : ProviderInstall::table("drgroups")) {
+        if (row["name"] == group) {
+            return row["suspended"];
         }
     }
     return "<no group " + group + ">";
 }
 
-// The SSSU lock's file is placed once per process, so its directory outlives every test.
-class LockDirectory : public ::testing::Environment {
-public:
-    void SetUp() override
-    {
-        char pattern[] = "/tmp/tamlin-locks-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        m_dir = pattern;
-        setenv("QORIN_LOCK_DIR", m_dir.c_str(), 1);
-    }
-    void TearDown() override
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_dir, ignored);
-    }
-
-private:
-    std::string m_dir;
-};
-const ::testing::Environment *const kLocks = ::testing::AddGlobalTestEnvironment(new LockDirectory);
+const ::testing::Environment *const kLocks = ::testing::AddGlobalTestEnvironment(new tamlin_test::LockDirectory);
 
 // The last error of the calling thread: its key and its arguments.
 struct Pushed {
@@ -176,11 +127,9 @@ protected:
         s_site = new ProviderInstall({{"cv1", "admin", "secret"}},
                                      ProviderInstall::sourceDir() + "/tests/snapshots/snapshots.scn");
         ASSERT_TRUE(s_site->ok()) << s_site->loadReport();
-        s_host = new HostContext("", [](const std::wstring &host, const std::wstring &, int severity) {
+        s_host = new HostContext("", [](const std::wstring &host, const std::wstring &, int) {
             if (!host.empty()) {
                 s_said.push_back(toUtf8(host));
-            } else if (severity != 0) {
-                s_traces.push_back(severity);
             }
         });
         uint16_t version[4] = {0, 0, 0, 0};
@@ -255,14 +204,12 @@ protected:
     static ProviderInstall *s_site;
     static HostContext *s_host;
     static std::vector<std::string> s_said;
-    static std::vector<int> s_traces;
     static int s_sessions;
 };
 
 ProviderInstall *Snapshots::s_site = nullptr;
 HostContext *Snapshots::s_host = nullptr;
 std::vector<std::string> Snapshots::s_said;
-std::vector<int> Snapshots::s_traces;
 int Snapshots::s_sessions = 0;
 
 const char kAddData[] = "EVA01> ADD SNAPSHOT \"data_vsnap000\" VDISK=\"\\Virtual Disks\\db\\data\\ACTIVE\" "
