@@ -47,39 +47,20 @@ std::string narrow(const std::wstring &text)
     return std::string(text.begin(), text.end());
 }
 
-// One importer process, its output read line by line.
+// One importer process, its output read line by line; it tells its process id first.
 class Importer {
 public:
     Importer(const std::string &host, int firstDisk)
     {
-        std::vector<std::string> args = {tamlin_test::buildDir() + "/bin/lunmap_importer", builtProviderPath(), host};
+        std::string command =
+            "exec " + tamlin_test::buildDir() + "/bin/lunmap_importer " + builtProviderPath() + " " + host;
         for (int i = 0; i < kDisksPerProcess; ++i) {
-            args.push_back(narrow(udid(kFirstShared + firstDisk + i)));
+            command += " '" + narrow(udid(kFirstShared + firstDisk + i)) + "'";
         }
-        int ends[2];
-        if (pipe(ends) != 0) {
-            return;
-        }
-        m_pid = fork();
-        if (m_pid == 0) {
-            dup2(ends[1], STDOUT_FILENO);
-            close(ends[0]);
-            close(ends[1]);
-            std::vector<char *> argv;
-            for (std::string &arg : args) {
-                argv.push_back(&arg[0]);
-            }
-            argv.push_back(nullptr);
-            execv(argv[0], argv.data());
-            _exit(127);
-        }
-        close(ends[1]);
-        m_out = fdopen(ends[0], "r");
-    }
-    ~Importer()
-    {
-        if (m_out != nullptr) {
-            fclose(m_out);
+        m_out = popen(command.c_str(), "r");
+        char line[64];
+        if (m_out != nullptr && fgets(line, sizeof line, m_out) != nullptr) {
+            m_pid = atoi(line + 4);
         }
     }
     // Reads up to the n-th "done" line; false when the process ended before.
@@ -95,11 +76,11 @@ public:
     // The exit status, or -1 for a process that a signal ended.
     int wait()
     {
-        int status = 0;
-        waitpid(m_pid, &status, 0);
+        const int status = m_out != nullptr ? pclose(m_out) : -1;
+        m_out = nullptr;
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
-    bool started() const { return m_pid > 0 && m_out != nullptr; }
+    bool started() const { return m_pid > 0; }
 
 private:
     pid_t m_pid = -1;
@@ -114,7 +95,7 @@ protected:
     std::map<std::string, int> records(Site &site)
     {
         std::map<std::string, int> found;
-        const fs::path directory = site.lunRecordPath("");
+        const fs::path directory = site.root().path("CacheFiles/luns/") + kCellWwn;
         for (const auto &entry : fs::directory_iterator(directory)) {
             const std::string name = entry.path().filename().string();
             if (name[0] == '.') {

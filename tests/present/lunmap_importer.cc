@@ -1,10 +1,12 @@
-// A host process for the LUN map's concurrency test: loads the provider, presents each disk
-// given to one host as a shared disk (import_resource, flag 0x1) and prints "done <i> <result>"
-// after each, so that the test knows how far it got before it kills it.
+// A host process for the LUN map's concurrency test: prints "pid <id>", loads the provider,
+// presents each disk given to one host as a shared disk (import_resource, flag 0x1) and prints
+// "done <i> <result>" after each, so that the test knows how far it got before it kills it.
 //
 //     lunmap_importer PROVIDER HOST UDID...
 #include <cstdio>
 #include <string>
+
+#include <unistd.h>
 
 #include "provider_library.h"
 #include "text.h"
@@ -15,6 +17,8 @@ int main(int argc, char **argv)
         fprintf(stderr, "usage: lunmap_importer PROVIDER HOST UDID...\n");
         return 2;
     }
+    printf("pid %d\n", static_cast<int>(getpid()));
+    fflush(stdout);
     ProviderLibrary provider;
     if (!provider.open(argv[1])) {
         fprintf(stderr, "lunmap_importer: %s\n", provider.error().c_str());

@@ -45,9 +45,8 @@ std::vector<std::string> only(const std::vector<std::string> &list, const std::s
 
 class Present : public ::testing::Test {
 protected:
-    void start(Site &site)
+    void start()
     {
-        m_site = &site;
         uint16_t version[4] = {0, 0, 0, 0};
         ASSERT_EQ(provider()->init(host.get(), version), 0);
         started = true;
@@ -85,23 +84,6 @@ protected:
         return provider()->deport_resource(&resource[0], hostName != nullptr ? &name[0] : nullptr, nullptr, nullptr,
                                            flags);
     }
-    // The tree road: the node introduced, its host set as import options, imported, taken away.
-    int importTree(const std::wstring &disk, const wchar_t *hostName)
-    {
-        HostNode node(disk);
-        if (provider()->init_node(&node.domain, nullptr, 0, nullptr) != 0) {
-            return -1;
-        }
-        std::wstring name = hostName;
-        qrn_host_infn hosts{&name[0], nullptr};
-        qrn_splitnode split{nullptr, &node.domain, nullptr};
-        provider()->set_import_options(&split, nullptr, 0, &hosts, 0, nullptr);
-        qorin_objid *out = nullptr;
-        const int result = provider()->import_tree(&node.domain, nullptr, nullptr, 0, &out);
-        EXPECT_EQ(out, node.domain.importId);
-        provider()->deinit_node(&node.domain);
-        return result;
-    }
     int dispose(const std::wstring &disk, int disposition)
     {
         HostNode node(disk);
@@ -121,27 +103,21 @@ protected:
                      [this](const std::wstring &hostText, const std::wstring &, int) { messages.push_back(hostText); }};
     std::vector<std::wstring> messages;
     bool started = false;
-    Site *m_site = nullptr;
 };
 
 }  // namespace
 
-// Presenting, other hosts untouched: the tree road and the alternate node (the array picks
-// the LUN, nothing is recorded) and the shared resource road (the LUN map picks it).
-TEST_F(Present, PresentingLeavesTheOtherHostsThroughTreeAltNodeAndResource)
+// Presenting, other hosts untouched: the alternate node (the array picks the LUN, nothing is
+// recorded) and the shared resource road (the LUN map picks it). Presenting to one host alone
+// removes the others first, and the host's own unrecorded presentation too, for the map's
+// number. (The tree road and taking from all: tests/present/present_tamlinctl_test.cc.)
+TEST_F(Present, PresentingLeavesTheOtherHostsOrToOneHostAloneRemovesThem)
 {
-    Site site(scenario(3, "present EVA01 \"" + copyPath(0) +
-                              "\" \"\\Hosts\\lab\\h1\" lun=1\n"
-                              "present EVA01 \"" +
-                              copyPath(1) +
-                              "\" \"\\Hosts\\backup01\" lun=1\n"
-                              "present EVA01 \"" +
-                              copyPath(2) + "\" \"\\Hosts\\backup01\" lun=2\n"));
-    start(site);
-    EXPECT_EQ(importTree(udid(16), L"backup01"), QRN_OK);
-
+    Site site(scenario(3, presentLine(0, "backup01", 1) + presentLine(1, "lab\\h1", 1) + presentLine(2, "backup01", 2) +
+                              presentLine(2, "lab\\h1", 3) + presentLine(2, "lab\\h2", 7)));
+    start();
     HostNode source(udid(1));
-    HostNode target(udid(17));
+    HostNode target(udid(16));
     ASSERT_EQ(provider()->init_node(&source.domain, nullptr, 0, nullptr), 0);
     std::wstring h2 = L"h2";
     qrn_host_infn hosts{&h2[0], nullptr};
@@ -150,52 +126,34 @@ TEST_F(Present, PresentingLeavesTheOtherHostsThroughTreeAltNodeAndResource)
     EXPECT_EQ(provider()->init_altnode(&source.domain, nullptr, &target.domain), QRN_OK);
     provider()->deinit_node(&target.domain);
     provider()->deinit_node(&source.domain);
-
-    EXPECT_EQ(importResource(udid(18), L"h1", kImportShared), QRN_OK);
-    EXPECT_EQ(site.presentations(), (std::set<std::string>{presented(0, "lab\\h1", 1), presented(0, "backup01", 3),
-                                                           presented(1, "backup01", 1), presented(1, "lab\\h2", 1),
-                                                           presented(2, "backup01", 2), presented(2, "lab\\h1", 2)}));
+    EXPECT_EQ(importResource(udid(17), L"backup01", kImportShared), QRN_OK);
     EXPECT_EQ(site.lunRecord(16), "") << "the array's choice for an unshared disk is not recorded";
-    EXPECT_EQ(site.lunRecord(18), "2") << "1 was taken on h1, so the map's next number";
-}
+    EXPECT_EQ(site.lunRecord(17), "3") << "1 and 2 are taken on backup01, so the map's next number";
 
-TEST_F(Present, PresentingToOneHostAloneRemovesTheOthersFirst)
-{
-    Site site(scenario(1, "present EVA01 \"" + copyPath(0) +
-                              "\" \"\\Hosts\\backup01\" lun=2\n"
-                              "present EVA01 \"" +
-                              copyPath(0) +
-                              "\" \"\\Hosts\\lab\\h1\" lun=1\n"
-                              "present EVA01 \"" +
-                              copyPath(0) + "\" \"\\Hosts\\lab\\h2\" lun=7\n"));
-    start(site);
     const size_t before = site.commands().size();
-    EXPECT_EQ(importResource(udid(16), L"h2", kImportSharedAlone), QRN_OK);
-    EXPECT_EQ(site.presentations(), std::set<std::string>{presented(0, "lab\\h2", 1)});
-    EXPECT_EQ(site.lunRecord(16), "1");
-    // Its own unrecorded presentation went too, and the map's number replaced it.
+    EXPECT_EQ(importResource(udid(18), L"h2", kImportSharedAlone), QRN_OK);
     EXPECT_EQ(only(site.commandsSince(before), "DELETE LUN"),
-              (std::vector<std::string>{"DELETE LUN \"\\Hosts\\backup01\\2\"", "DELETE LUN \"\\Hosts\\lab\\h1\\1\"",
+              (std::vector<std::string>{"DELETE LUN \"\\Hosts\\backup01\\2\"", "DELETE LUN \"\\Hosts\\lab\\h1\\3\"",
                                         "DELETE LUN \"\\Hosts\\lab\\h2\\7\""}));
+    EXPECT_EQ(site.presentations(), (std::set<std::string>{presented(0, "backup01", 1), presented(0, "lab\\h2", 1),
+                                                           presented(1, "lab\\h1", 1), presented(1, "backup01", 3),
+                                                           presented(2, "lab\\h2", 2)}));
+    EXPECT_EQ(site.lunRecord(18), "2") << "1 is taken on h2 now";
 }
 
-TEST_F(Present, TakingAwayFromOneHostByResourceOrTreeAndFromAll)
+TEST_F(Present, TakingAwayFromOneHostByResourceOrTreeAndFromAllButNotFromAnUnknownHost)
 {
-    const std::string self = machineName();
-    Site site(scenario(2, "present EVA01 \"" + copyPath(0) +
-                              "\" \"\\Hosts\\backup01\" lun=1\n"
-                              "present EVA01 \"" +
-                              copyPath(0) +
-                              "\" \"\\Hosts\\lab\\h1\" lun=1\n"
-                              "present EVA01 \"" +
-                              copyPath(0) + "\" \"\\Hosts\\" + self +
-                              "\" lun=4\n"
-                              "present EVA01 \"" +
-                              copyPath(1) +
-                              "\" \"\\Hosts\\backup01\" lun=2\n"
-                              "present EVA01 \"" +
-                              copyPath(1) + "\" \"\\Hosts\\lab\\h1\" lun=3\n"));
-    start(site);
+    Site site(scenario(2, presentLine(0, "backup01", 1) + presentLine(0, "lab\\h1", 1) +
+                              presentLine(0, machineName(), 4) + presentLine(1, "backup01", 2) +
+                              presentLine(1, "lab\\h1", 3)));
+    start();
+    EXPECT_EQ(importResource(udid(16), L"nohost", kImportSharedAlone), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(lastErrorKey(), "MSG_ERROR_DEPORT_HOST_INVALID");
+    EXPECT_EQ(deportResource(udid(16), L"nohost", kDeportFromAll), QRN_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(lastErrorKey(), "MSG_ERROR_DEPORT_HOST_INVALID");
+    EXPECT_TRUE(messaged(L"nohost"));
+    EXPECT_EQ(site.presentations().size(), 5u) << "an unknown host changes nothing";
+
     EXPECT_EQ(deportResource(udid(16), L"backup01", kDeportFromHost), QRN_OK);
     HostNode node(udid(16));
     EXPECT_EQ(provider()->deport_tree(nullptr, &node.domain, nullptr), QRN_OK) << "from this machine";
@@ -213,7 +171,7 @@ TEST_F(Present, TakingAwayFromOneHostByResourceOrTreeAndFromAll)
 TEST_F(Present, ASharedDiskKeepsItsLunAcrossDeportAndImport)
 {
     Site site(scenario(2));
-    start(site);
+    start();
     ASSERT_EQ(importResource(udid(16), L"backup01", kImportShared), QRN_OK);
     ASSERT_EQ(site.lunRecord(16), "1");
     ASSERT_EQ(deportResource(udid(16), L"backup01", kDeportFromHost), QRN_OK);
@@ -233,15 +191,10 @@ TEST_F(Present, AStoredLunTheArrayRefusesThenTheCandidatesThenTheArraysChoiceIsR
 {
     // LUNs 5 to 7 of backup01 are in use by disks the map doesn't know; the map holds every
     // other number for disks of its own, so its only candidates are 5 to 7.
-    Site site(scenario(4, "present EVA01 \"" + copyPath(1) +
-                              "\" \"\\Hosts\\backup01\" lun=5\n"
-                              "present EVA01 \"" +
-                              copyPath(2) +
-                              "\" \"\\Hosts\\backup01\" lun=6\n"
-                              "present EVA01 \"" +
-                              copyPath(3) + "\" \"\\Hosts\\backup01\" lun=7\n"));
+    Site site(
+        scenario(4, presentLine(1, "backup01", 5) + presentLine(2, "backup01", 6) + presentLine(3, "backup01", 7)));
     const std::wstring own = udid(16);
-    site.root().writeFile("CacheFiles/luns/" + std::string(kCellWwn) + "/" + std::string(own.begin(), own.end()), "5");
+    site.root().writeFile(recordPath(16), "5");
     for (int n = 1; n <= 254; ++n) {
         if (n < 5 || n > 7) {
             site.root().writeFile("CacheFiles/luns/" + std::string(kCellWwn) + "/UDID##HP##HSV##" + kCellWwn +
@@ -249,7 +202,7 @@ TEST_F(Present, AStoredLunTheArrayRefusesThenTheCandidatesThenTheArraysChoiceIsR
                                   std::to_string(n));
         }
     }
-    start(site);
+    start();
     const size_t before = site.commands().size();
     ASSERT_EQ(importResource(own, L"backup01", kImportShared), QRN_OK);
 
@@ -266,42 +219,21 @@ TEST_F(Present, AStoredLunTheArrayRefusesThenTheCandidatesThenTheArraysChoiceIsR
         << "the record that held the array's number is gone";
 }
 
-TEST_F(Present, AHostTheArrayDoesNotKnowChangesNothing)
-{
-    Site site(scenario(1, "present EVA01 \"" + copyPath(0) + "\" \"\\Hosts\\lab\\h1\" lun=1\n"));
-    start(site);
-    EXPECT_EQ(importResource(udid(16), L"nohost", kImportSharedAlone), QRN_ERR_INVALID_ARGUMENT);
-    EXPECT_EQ(lastErrorKey(), "MSG_ERROR_DEPORT_HOST_INVALID");
-    EXPECT_EQ(deportResource(udid(16), L"nohost", kDeportFromAll), QRN_ERR_INVALID_ARGUMENT);
-    EXPECT_EQ(lastErrorKey(), "MSG_ERROR_DEPORT_HOST_INVALID");
-    EXPECT_TRUE(messaged(L"nohost"));
-    EXPECT_EQ(site.presentations(), std::set<std::string>{presented(0, "lab\\h1", 1)});
-    EXPECT_EQ(site.lunRecord(16), "");
-}
-
 TEST_F(Present, ASharedDiskPresentedFromOutsideOnAnotherLunGives1092)
 {
-    Site site(scenario(1, "present EVA01 \"" + copyPath(0) + "\" \"\\Hosts\\backup01\" lun=8\n"));
+    Site site(scenario(1, presentLine(0, "backup01", 8)));
     const std::wstring own = udid(16);
-    site.root().writeFile("CacheFiles/luns/" + std::string(kCellWwn) + "/" + std::string(own.begin(), own.end()), "3");
-    start(site);
+    site.root().writeFile(recordPath(16), "3");
+    start();
     EXPECT_EQ(importResource(own, L"backup01", kImportSharedAlone), QRN_ERR_PRESENTED_ON_OTHER_LUN);
     EXPECT_EQ(site.presentations(), std::set<std::string>{presented(0, "backup01", 8)});
     EXPECT_EQ(site.lunRecord(16), "3");
-    const wchar_t *text = nullptr;
-    ASSERT_EQ(provider()->errmsg(QRN_ERR_PRESENTED_ON_OTHER_LUN, &text), 0);
-    ASSERT_NE(text, nullptr);
-    EXPECT_NE(std::wstring(text).find(L"another LUN"), std::wstring::npos) << toUtf8(text);
-    provider()->del_locale_message(const_cast<wchar_t **>(&text));
 }
 
 TEST_F(Present, DisposeRemovesEveryPresentationThenTheDiskAndOtherDispositionsNothing)
 {
-    Site site(scenario(2, "present EVA01 \"" + copyPath(0) +
-                              "\" \"\\Hosts\\backup01\" lun=1\n"
-                              "present EVA01 \"" +
-                              copyPath(0) + "\" \"\\Hosts\\lab\\h1\" lun=2\n"));
-    start(site);
+    Site site(scenario(2, presentLine(0, "backup01", 1) + presentLine(0, "lab\\h1", 2)));
+    start();
     size_t before = site.commands().size();
     EXPECT_EQ(dispose(udid(16), QRN_DISPOSITION_DELETE), QRN_OK);
     EXPECT_EQ(only(site.commandsSince(before), "DELETE"),
@@ -321,12 +253,9 @@ TEST_F(Present, DisposeRemovesEveryPresentationThenTheDiskAndOtherDispositionsNo
 // told what is left.
 TEST_F(Present, ADeleteThatFailsAfterTheLunsWentLeavesALeftover)
 {
-    Site site(scenario(2, "present EVA01 \"" + copyPath(0) +
-                              "\" \"\\Hosts\\lab\\h1\" lun=1\n"
-                              "present EVA01 \"" +
-                              copyPath(1) + "\" \"\\Hosts\\lab\\h1\" lun=2\n"));
+    Site site(scenario(2, presentLine(0, "lab\\h1", 1) + presentLine(1, "lab\\h1", 2)));
     ASSERT_EQ(ProviderInstall::evasim("fault error --match \"DELETE VDISK\"").status, 0);
-    start(site);
+    start();
     EXPECT_EQ(dispose(udid(16), QRN_DISPOSITION_DELETE), QRN_ERR_FAILED);
     EXPECT_EQ(lastErrorKey(), "MSG_ERROR_CLI_COMMAND_FAILED");
     EXPECT_TRUE(messaged(L"is no longer presented to any host")) << "what is left, before the failure";

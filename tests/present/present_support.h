@@ -87,19 +87,22 @@ inline std::string copyPath(int i)
     return name;
 }
 
+// A scenario line presenting copy i to host ("lab\\h1") on lun.
+inline std::string presentLine(int copy, const std::string &host, int lun)
+{
+    return "present EVA01 \"" + copyPath(copy) + "\" \"\\Hosts\\" + host + "\" lun=" + std::to_string(lun) + "\n";
+}
+
+// The LUN map's record of disk n below the install root, as the test writes it.
+inline std::string recordPath(int n)
+{
+    const std::wstring identity = udid(n);
+    return "CacheFiles/luns/" + std::string(kCellWwn) + "/" + std::string(identity.begin(), identity.end());
+}
+
 // A provider install whose simulated world is written by the test.
 class Site : public ProviderInstall {
 public:
-    static std::string writeScenario(const std::string &text)
-    {
-        char pattern[] = "/tmp/tamlin-scenario-XXXXXX";
-        const int fd = mkstemp(pattern);
-        if (fd >= 0) {
-            ::close(fd);
-        }
-        std::ofstream(pattern) << text;
-        return pattern;
-    }
     explicit Site(const std::string &world) : Site(world, writeScenario(world)) {}
     ~Site() { std::remove(m_scenario.c_str()); }
 
@@ -138,20 +141,19 @@ public:
         return std::vector<std::string>(all.begin() + static_cast<long>(std::min(count, all.size())), all.end());
     }
     // The LUN map's record of disk n, or "" when there is none.
-    std::string lunRecord(int n)
-    {
-        const std::wstring identity = udid(n);
-        std::ifstream in(lunRecordPath(std::string(identity.begin(), identity.end())));
-        std::ostringstream text;
-        text << in.rdbuf();
-        return text.str();
-    }
-    std::string lunRecordPath(const std::string &name)
-    {
-        return root().path("CacheFiles/luns/") + kCellWwn + "/" + name;
-    }
+    std::string lunRecord(int n) { return root().exists(recordPath(n)) ? root().readFile(recordPath(n)) : ""; }
 
 private:
+    static std::string writeScenario(const std::string &text)
+    {
+        char pattern[] = "/tmp/tamlin-scenario-XXXXXX";
+        const int fd = mkstemp(pattern);
+        if (fd >= 0) {
+            ::close(fd);
+        }
+        std::ofstream(pattern) << text;
+        return pattern;
+    }
     Site(const std::string &, const std::string &file) :
         ProviderInstall({{"cv1", "admin", "secret"}}, file),
         m_scenario(file)

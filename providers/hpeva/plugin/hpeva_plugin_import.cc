@@ -100,7 +100,7 @@ int CHpEvaPlugin::importNode(std::wstring node, std::vector<std::wstring> hosts,
 
         // Picking a number and recording it is one step for every process of the machine:
         // without the lock two imports could both take a number that each map shows free,
-        // and the array accepts one number on two hosts. Held to the end of the import.
+        // and the array accepts one number on two hosts. Held until the number is recorded.
         CFiPblmOps &lunMap = getPblmOps();
         std::unique_ptr<CFiSemaphoreGuard> lunMapLock;
         std::string lunKey;
@@ -164,6 +164,7 @@ int CHpEvaPlugin::importNode(std::wstring node, std::vector<std::wstring> hosts,
             trace(3, "LUN returned from getKeyValue is [%d]", lun);
             try {
                 tool.addLun(disk, disk.objectname, arrayHost, static_cast<unsigned>(lun));
+                lunMapLock.reset();
                 waitAfterUnmask();
                 return QRN_OK;
             } catch (const CHpEvaCliException &) {
@@ -195,6 +196,7 @@ int CHpEvaPlugin::importNode(std::wstring node, std::vector<std::wstring> hosts,
             lunMap.getDevKey(CFiStringTool::wstr2str(node), devKey);
             trace(3, " getdevKey returned [%s]", devKey.c_str());
             lunMap.rmCacheRecord(devKey.c_str());
+            lunMapLock.reset();
             waitAfterUnmask();
             return QRN_OK;
         }
@@ -229,6 +231,7 @@ int CHpEvaPlugin::importNode(std::wstring node, std::vector<std::wstring> hosts,
         lunMap.getDevKey(CFiStringTool::wstr2str(node), devKey);
         trace(6, " getdevKey returned [%s]", devKey.c_str());
         lunMap.rmCacheRecord(devKey.c_str());
+        lunMapLock.reset();
         waitAfterUnmask();
         return QRN_OK;
     });
