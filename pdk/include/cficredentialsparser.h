@@ -2,6 +2,7 @@
 #define CFICREDENTIALSPARSER_H
 
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "cfiexport.h"
@@ -21,8 +22,9 @@ namespace qorin_pdk_4_4 {
 //   "DATA"="..."
 //
 // A section counts when its name holds vendor and product (case-sensitive; empty matches
-// all) and, with openArray, "OPENARRAY" (without it, when it doesn't). Malformed lines are
-// skipped with a warning; nothing is thrown.
+// all) and, with openArray, "OPENARRAY" (without it, when it doesn't). A login that is already
+// in the list (host name in any letter case, all else equal) is not added again. Malformed
+// lines are skipped with a warning that never shows a password; nothing is thrown.
 class QORIN_PDK_API CFiCredentialsParser : public virtual CFiTraceable {
 public:
     CFiCredentialsParser();
@@ -42,8 +44,10 @@ protected:
     bool removeQuotes(std::string &text);
 
 private:
+    // Appends the record unless it is invalid or a login already in credentials.
     void closeRecord(SFiCredential &record, const std::string &vendor, const std::string &product,
-                     std::vector<SFiCredential> &credentials, bool openArray);
+                     std::vector<SFiCredential> &credentials, bool openArray, std::unordered_set<std::wstring> &known,
+                     int &duplicates);
 };
 
 }  // namespace qorin_pdk_4_4

@@ -2,14 +2,20 @@
 
 #include <cstdlib>
 #include <cwchar>
+#include <mutex>
 #include <string>
+#include <unordered_map>
+#include <vector>
 
-#include <ace/Configuration.h>
-#include <ace/Configuration_Import_Export.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <ace/OS_NS_stdlib.h>
 #include <ace/OS_NS_sys_stat.h>
 #include <ace/OS_NS_unistd.h>
 
+#include "cficonfigurationtext.h"
 #include "cfistringtool.h"
 #include "qorinutil.h"
 
@@ -23,31 +29,104 @@ const char kInstallValue[] = "InstallDir64";
 const char kWindowsKey[] = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion";
 const wchar_t kProgramFilesFallback[] = L"/opt";
 
+// The registry stand-in's text values by "section\nname" in lower case, read once per version of the
+// file: every location of every operation asks for the install path, and a registry can be
+// large.
+struct RegistryCache {
+    std::mutex lock;
+    bool loaded = false;
+    std::string file;
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = 0;
+    struct timespec modified = {0, 0};
+    std::unordered_map<std::string, std::string> strings;
+};
+
+RegistryCache &registryCache()
+{
+    static RegistryCache cache;
+    return cache;
+}
+
+bool sameFile(const RegistryCache &cache, const std::string &file, const struct stat &info)
+{
+    return cache.loaded && cache.file == file && cache.device == info.st_dev && cache.inode == info.st_ino &&
+           cache.size == info.st_size && cache.modified.tv_sec == info.st_mtim.tv_sec &&
+           cache.modified.tv_nsec == info.st_mtim.tv_nsec;
+}
+
+// Reads the file into the cache; a file that can't be read or parsed leaves no values.
+void loadRegistry(RegistryCache &cache, const std::string &file)
+{
+    cache.loaded = false;
+    cache.strings.clear();
+    int fd = ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) {
+        return;
+    }
+    struct stat info;
+    std::string text;
+    bool good = ::fstat(fd, &info) == 0 && S_ISREG(info.st_mode) &&
+                static_cast<uint64_t>(info.st_size) <= CFiConfigurationText::MAX_BYTES;
+    if (good) {
+        char buffer[65536];
+        ssize_t got;
+        while ((got = ::read(fd, buffer, sizeof buffer)) > 0 && text.size() <= CFiConfigurationText::MAX_BYTES) {
+            text.append(buffer, static_cast<size_t>(got));
+        }
+        good = got == 0;
+    }
+    ::close(fd);
+    if (!good) {
+        return;
+    }
+    cache.loaded = true;
+    cache.file = file;
+    cache.device = info.st_dev;
+    cache.inode = info.st_ino;
+    cache.size = info.st_size;
+    cache.modified = info.st_mtim;
+    CFiConfigurationText parsed;
+    if (!parsed.parse(text)) {
+        return;
+    }
+    for (const CFiConfigurationText::SLine &line : parsed.lines()) {
+        if (line.kind == CFiConfigurationText::VALUE && line.value.type == CFiConfigurationText::TEXT) {
+            cache.strings[CFiStringTool::tostrlower(line.section + '\n' + line.name)] = line.value.text;
+        }
+    }
+}
+
 // Reads one string of the registry stand-in, never creating anything. 0 on success; -1 when
-// the file, the key or the value is missing.
+// the file, the key or the value is missing, or the file is not in the format.
 int readRegistryString(const std::string &keyPath, const char *valueName, ACE_WString &value)
 {
-    std::string file = CFiStringTool::tstr2str(CFiConfigurationPathTool::registryFile());
-    if (ACE_OS::access(file.c_str(), R_OK) != 0) {
+    const std::string file = CFiStringTool::tstr2str(CFiConfigurationPathTool::registryFile());
+    std::vector<std::string> levels;
+    std::string reason;
+    if (!CFiConfigurationText::splitSection(keyPath, levels, reason)) {
         return -1;
     }
-    ACE_Configuration_Heap heap;
-    if (heap.open() != 0) {
+    std::string section;
+    for (const std::string &level : levels) {
+        section += (section.empty() ? "" : "\\") + level;
+    }
+    struct stat info;
+    if (::stat(file.c_str(), &info) != 0 || ACE_OS::access(file.c_str(), R_OK) != 0) {
         return -1;
     }
-    ACE_Registry_ImpExp reader(heap);
-    if (reader.import_config(file.c_str()) != 0) {
+    RegistryCache &cache = registryCache();
+    std::lock_guard<std::mutex> guard(cache.lock);
+    if (!sameFile(cache, file, info)) {
+        loadRegistry(cache, file);
+    }
+    // Registry names are one name in any letter case.
+    auto found = cache.strings.find(CFiStringTool::tostrlower(section + '\n' + valueName));
+    if (found == cache.strings.end()) {
         return -1;
     }
-    ACE_Configuration_Section_Key key;
-    if (heap.open_section(heap.root_section(), keyPath.c_str(), 0, key) != 0) {
-        return -1;
-    }
-    ACE_TString text;
-    if (heap.get_string_value(key, valueName, text) != 0) {
-        return -1;
-    }
-    value = CFiStringTool::str2tstr(std::string(text.c_str(), text.length()));
+    value = CFiStringTool::str2tstr(found->second);
     return 0;
 }
 

@@ -1,6 +1,7 @@
 #include "cficredentialsparser.h"
 
 #include <cwchar>
+#include <string>
 
 #include "cfistringtool.h"
 #include "cfitracelogfunction.h"
@@ -18,6 +19,26 @@ const char kDword[] = "dword:";
 bool holds(const std::string &text, const std::string &part)
 {
     return text.find(part) != std::string::npos;
+}
+
+const char kHidden[] = "********";
+
+// A line of the blob as a trace may show it: whatever follows the "=" of a line that names a
+// password, in any letter case, is hidden.
+std::string traceable(const std::string &line)
+{
+    if (!holds(CFiStringTool::tostrupper(line), "PASSWORD")) {
+        return line;
+    }
+    const size_t equals = line.find('=');
+    return equals == std::string::npos ? std::string(kHidden) : line.substr(0, equals + 1) + kHidden;
+}
+
+// Two records are the same login when all fields agree, the host name in any letter case.
+std::wstring identity(const SFiCredential &record)
+{
+    return CFiStringTool::tostrlower(record.hostname) + L'\n' + record.username + L'\n' + record.password + L'\n' +
+           std::to_wstring(record.port) + L'\n' + record.data;
 }
 
 }  // namespace
@@ -67,9 +88,15 @@ int CFiCredentialsParser::parse(std::string vendor, std::string product, std::ve
 }
 
 void CFiCredentialsParser::closeRecord(SFiCredential &record, const std::string &vendor, const std::string &product,
-                                       std::vector<SFiCredential> &credentials, bool openArray)
+                                       std::vector<SFiCredential> &credentials, bool openArray,
+                                       std::unordered_set<std::wstring> &known, int &duplicates)
 {
     if (!openArray && !record.isValid()) {
+        return;
+    }
+    // A blob may hold the same login many times over; each copy would cost SSSU runs.
+    if (!known.insert(identity(record)).second) {
+        ++duplicates;
         return;
     }
     trace(3, "INFO: adding array credentials for: vendor %s, product %s, server %ls, username %ls", vendor.c_str(),
@@ -83,6 +110,11 @@ int CFiCredentialsParser::parse(std::string blob, std::string vendor, std::strin
     CFiTraceLogFunction fn(m_traceLog, "qorin_pdk_4_4::CFiCredentialsParser::parse");
     SFiCredential record;
     bool wanted = false;
+    std::unordered_set<std::wstring> known;
+    for (const SFiCredential &existing : credentials) {
+        known.insert(identity(existing));
+    }
+    int duplicates = 0;
 
     for (std::string line : CFiStringTool::tokenize(blob, "\n")) {
         // A blob written on the other platform ends its lines in CR LF.
@@ -92,7 +124,7 @@ int CFiCredentialsParser::parse(std::string blob, std::string vendor, std::strin
         if (holds(line, "[") && holds(line, "]")) {
             if (wanted) {
                 wanted = false;
-                closeRecord(record, vendor, product, credentials, openArray);
+                closeRecord(record, vendor, product, credentials, openArray, known, duplicates);
             }
             record = SFiCredential();
             std::vector<std::string> tokens = CFiStringTool::tokenize(line, "\t\r[]\\ \n");
@@ -123,7 +155,7 @@ int CFiCredentialsParser::parse(std::string blob, std::string vendor, std::strin
         }
         std::string key = line.substr(0, equals);
         if (!removeQuotes(key)) {
-            trace(2, "WARNING: Invalid credentials section '%s'", line.c_str());
+            trace(2, "WARNING: Invalid credentials section '%s'", traceable(line).c_str());
             continue;
         }
         std::string value = line.substr(equals + 1);
@@ -131,7 +163,8 @@ int CFiCredentialsParser::parse(std::string blob, std::string vendor, std::strin
         if (dword != std::string::npos) {
             value = value.substr(dword + sizeof kDword - 1);
         } else if (!removeQuotes(value)) {
-            trace(2, "WARNING: Invalid value '%s' for key section '%s'", value.c_str(), key.c_str());
+            trace(2, "WARNING: Invalid value '%s' for key section '%s'",
+                  holds(CFiStringTool::tostrupper(key), "PASSWORD") ? kHidden : value.c_str(), key.c_str());
             continue;
         }
 
@@ -156,8 +189,12 @@ int CFiCredentialsParser::parse(std::string blob, std::string vendor, std::strin
         if (!openArray && !record.isValid()) {
             trace(2, "WARNING: skipping invalid credentials for vendor %s", vendor.c_str());
         } else {
-            closeRecord(record, vendor, product, credentials, openArray);
+            closeRecord(record, vendor, product, credentials, openArray, known, duplicates);
         }
+    }
+    if (duplicates > 0) {
+        trace(3, "INFO: %d repeated credentials for vendor %s, product %s are left out", duplicates, vendor.c_str(),
+              product.c_str());
     }
     return 0;
 }

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <filesystem>
 #include <set>
 #include <string>
 #include <vector>
@@ -106,32 +107,155 @@ TEST(Configuration, ValuesSurviveExportAndImport)
     EXPECT_EQ(names(copy.enumerateSections()), std::vector<std::string>{"CV1"});
 }
 
-TEST(Configuration, ImportFailuresAreResultsWithTheirTexts)
+TEST(Configuration, AFileThatDoesNotImportIsNeverRewrittenAndItsBadLineIsNamed)
 {
     TempInstallRoot root;
-    const std::wstring dir = wide(root.path("ConfigFiles/"));
-    CFiConfiguration config;
-
-    EXPECT_NE(config.importConfig(wide(root.path("nowhere/")).c_str(), L"tamlin.conf"), 0);
-    EXPECT_EQ(lastErrorText(config), "Configuration path verification failed");
-
-    root.writeFile("ConfigFiles/other.conf", "");
-    EXPECT_NE(config.importConfig(dir.c_str(), L"tamlin.conf"), 0);
-    EXPECT_EQ(lastErrorText(config), "Configuration path succeeded but no configuration file exists.");
-
-    root.writeFile("ConfigFiles/good.conf", "[A]\n\"k\"=\"v\"\n");
-    ASSERT_EQ(config.importConfig(dir.c_str(), L"good.conf"), 0);
-    // A header without its bracket, and a value before any section.
-    for (const char *bad : {"[B]\n\"k\"=\"v\"\n[C\n\"k\"=\"v\"\n", "\"k\"=\"v\"\n[B]\n"}) {
-        root.writeFile("ConfigFiles/bad.conf", bad);
-        EXPECT_NE(config.importConfig(dir.c_str(), L"bad.conf"), 0) << bad;
+    const std::string good = "; the administrator's file\n"
+                             "[CLI_TOOL_INFO]\n"
+                             "\"FILEPATH\"=\"/opt/HP/SSSU/\"\n"
+                             "\n"
+                             "[MANAGEMENT_APPLIANCE_INFO\\cv1]\n"
+                             "\"PASSWORD\"=\"s3cret\"\n";
+    struct Row {
+        std::string text;
+        size_t line;
+        const char *problem;
+    } rows[] = {
+        {"[BROKEN_SECTION\n" + good, 1, "a section header has no closing ]"},
+        {good + "[" + std::string(5000, 'X') + "]\n", 7, "a section name is longer than 255 characters"},
+        {"\"k\"=\"v\"\n" + good, 1, "a value before the first section header"},
+        {good + "TRACELEVEL=6\n", 7, "a line that is neither a section header, a value nor a comment"},
+        {good + "\"PASSWORD\"=\"unclosed\n", 7, "a text value has no closing double quote"},
+        {good + "\"TRACELEVEL\"=dword:6x\n", 7, "text after a value that is not a comment"},
+        {good + "[A\\\\B]\n", 7, "a section path with an empty level"},
+        {good + "\"k\"=\"\xff\"\n", 7, "text that is not UTF-8"},
+        // ACE's importer copied 2 GiB into a one-byte buffer for twenty of these.
+        {good +
+             [] {
+                 std::string lines;
+                 for (int i = 0; i < 20; ++i) {
+                     lines += std::string("\"k\"=\"\0\"\n", 8);
+                 }
+                 return lines;
+             }(),
+         7, "a NUL character"},
+    };
+    for (const Row &row : rows) {
+        root.writeFile("ConfigFiles/tamlin.conf", row.text);
+        CFiConfiguration config(ACE_WString(L"tamlin"));
+        EXPECT_EQ(config.importState(), CFiConfiguration::MALFORMED) << row.problem;
         EXPECT_EQ(lastErrorText(config), "Import of configuration file failed.");
+        EXPECT_EQ(config.importLine(), row.line) << row.problem;
+        EXPECT_EQ(config.importProblem().rfind(row.problem, 0), 0u) << config.importProblem();
+        EXPECT_EQ(config.importProblem().find("s3cret"), std::string::npos) << "the file's text is never quoted";
+        EXPECT_NE(config.exportConfig(), 0) << "a file that wasn't read whole is not replaced";
+        EXPECT_EQ(root.readFile("ConfigFiles/tamlin.conf"), row.text) << "left byte for byte: " << row.problem;
     }
-    // The store still holds what the good file gave, and nothing of the bad one.
+
+    // A directory in the file's place can't be read; the constructor doesn't touch it.
+    std::filesystem::remove(root.path("ConfigFiles/tamlin.conf"));
+    std::filesystem::create_directories(root.path("ConfigFiles/tamlin.conf"));
+    CFiConfiguration config(ACE_WString(L"tamlin"));
+    EXPECT_EQ(config.importState(), CFiConfiguration::UNREADABLE);
+    EXPECT_EQ(config.importProblem(), "it is a directory");
+    EXPECT_TRUE(std::filesystem::is_directory(root.path("ConfigFiles/tamlin.conf")));
+
+    // An import that fails leaves the store as the good one gave it.
+    const std::wstring dir = wide(root.path("ConfigFiles/"));
+    root.writeFile("ConfigFiles/good.conf", good);
+    ASSERT_EQ(config.importConfig(dir.c_str(), L"good.conf"), 0);
+    root.writeFile("ConfigFiles/bad.conf", "[B]\n[C\n");
+    EXPECT_NE(config.importConfig(dir.c_str(), L"bad.conf"), 0);
     ACE_WString value;
-    EXPECT_EQ(config.getStringValue(L"A", L"k", value), 0);
-    EXPECT_EQ(narrow(value), "v");
-    EXPECT_EQ(names(config.enumerateSections(config.configHeap().root_section())), std::vector<std::string>{"A"});
+    EXPECT_EQ(config.getStringValue(L"CLI_TOOL_INFO", L"FILEPATH", value), 0);
+    EXPECT_EQ(names(config.enumerateSections(config.configHeap().root_section())),
+              (std::vector<std::string>{"CLI_TOOL_INFO", "MANAGEMENT_APPLIANCE_INFO"}));
+}
+
+// What the provider adds at its first start lands in the administrator's own file: through
+// its symbolic link, with every comment, blank line and value where it was.
+TEST(Configuration, AddedSettingsKeepTheFileItsCommentsAndItsLink)
+{
+    TempInstallRoot root;
+    const std::string original = "; Tamlin on backup01 -- ask the storage team before changing\r\n"
+                                 "[DEBUG_TRACE_INFO]\r\n"
+                                 "\"TRACELEVEL\"=dword:00000003   ; 6 for everything\r\n"
+                                 "\r\n"
+                                 "# the primary server first\r\n"
+                                 "[MANAGEMENT_APPLIANCE_INFO\\zeta]\r\n"
+                                 "\"HOSTNAME\"=\"cv-z\"\r\n"
+                                 "[MANAGEMENT_APPLIANCE_INFO\\alpha]\r\n"
+                                 "\"HOSTNAME\"=\"cv-a\"\r\n";
+    root.writeFile("elsewhere/tamlin.conf", original);
+    std::filesystem::create_directories(root.path("ConfigFiles"));
+    std::filesystem::create_symlink(root.path("elsewhere/tamlin.conf"), root.path("ConfigFiles/tamlin.conf"));
+    {
+        CFiConfiguration config(ACE_WString(L"tamlin"));
+        ASSERT_EQ(config.importState(), CFiConfiguration::READ);
+        ASSERT_EQ(config.exportConfig(), 0);
+        EXPECT_EQ(root.readFile("elsewhere/tamlin.conf"), original) << "an unchanged store changes nothing";
+
+        ACE_Configuration_Section_Key key;
+        ASSERT_EQ(config.openSection(L"DEBUG_TRACE_INFO", key, 0), 0);
+        config.setIntegerValue(L"TRACELEVEL", 6);
+        config.setStringValue(L"TRACEFILE", ACE_WString(L"tamlin.log"));
+        config.setStringValue(L"TRACEDIR", ACE_WString(L"/var/log/"));
+        ASSERT_EQ(config.openSection(L"TUNING_PARAMS", key, 1), 0);
+        config.setIntegerValue(L"POST_UNMASK_WAIT_IN_SEC", 5);
+        ASSERT_EQ(config.exportConfig(), 0);
+    }
+    EXPECT_TRUE(std::filesystem::is_symlink(root.path("ConfigFiles/tamlin.conf")));
+    EXPECT_EQ(root.readFile("elsewhere/tamlin.conf"), "; Tamlin on backup01 -- ask the storage team before changing\r\n"
+                                                      "[DEBUG_TRACE_INFO]\r\n"
+                                                      "\"TRACELEVEL\"=dword:00000006   ; 6 for everything\r\n"
+                                                      "\"TRACEFILE\"=\"tamlin.log\"\r\n"
+                                                      "\"TRACEDIR\"=\"/var/log/\"\r\n"
+                                                      "\r\n"
+                                                      "# the primary server first\r\n"
+                                                      "[MANAGEMENT_APPLIANCE_INFO\\zeta]\r\n"
+                                                      "\"HOSTNAME\"=\"cv-z\"\r\n"
+                                                      "[MANAGEMENT_APPLIANCE_INFO\\alpha]\r\n"
+                                                      "\"HOSTNAME\"=\"cv-a\"\r\n"
+                                                      "\r\n"
+                                                      "[TUNING_PARAMS]\r\n"
+                                                      "\"POST_UNMASK_WAIT_IN_SEC\"=dword:00000005\r\n");
+    EXPECT_EQ(root.list("elsewhere"), std::vector<std::string>{"tamlin.conf"}) << "no temporary file is left";
+}
+
+// Administrators list the primary server first: sections come back in the file's order,
+// whatever their names, and new ones after them in the order they were made.
+TEST(Configuration, SectionsEnumerateInTheFilesOrder)
+{
+    TempInstallRoot root;
+    const std::vector<std::string> servers = {"primary", "zz9", "backup", "cv10", "a", "cv2", "M", "x-1", "cv1"};
+    std::string text;
+    for (const std::string &server : servers) {
+        text += "[MANAGEMENT_APPLIANCE_INFO\\" + server + "]\n\"HOSTNAME\"=\"" + server +
+                ".example.com\"\n\"USERNAME\"=\"u\"\n\"PASSWORD\"=\"p\"\n";
+    }
+    // Names in another letter case are the same names, as in ACE's tree and the registry.
+    text += "[Management_Appliance_Info\\PRIMARY]\n\"hostname\"=\"first.example.com\"\n";
+    root.writeFile("ConfigFiles/tamlin.conf", text + "[AFTER]\n");
+    CFiConfiguration config(ACE_WString(L"tamlin"));
+    ACE_Configuration_Section_Key key;
+    ASSERT_EQ(config.openSection(L"MANAGEMENT_APPLIANCE_INFO", key, 0), 0);
+    EXPECT_EQ(names(config.enumerateSections()), servers);
+    ASSERT_EQ(config.openSection(L"MANAGEMENT_APPLIANCE_INFO\\new", key, 1), 0);
+    ASSERT_EQ(config.openSection(L"MANAGEMENT_APPLIANCE_INFO", key, 0), 0);
+    EXPECT_EQ(names(config.enumerateSections()).back(), "new");
+    EXPECT_EQ(names(config.enumerateSections(config.configHeap().root_section())),
+              (std::vector<std::string>{"MANAGEMENT_APPLIANCE_INFO", "AFTER"}));
+
+    std::vector<std::string> hosts;
+    for (const SFiCredential &c :
+         config.importCredentials("HP", "HSV", ACE_WString(L"MANAGEMENT_APPLIANCE_INFO"), false)) {
+        hosts.push_back(narrow(ACE_WString(c.hostname.c_str())));
+    }
+    ASSERT_EQ(hosts.size(), servers.size());
+    EXPECT_EQ(hosts[0], "first.example.com");
+    for (size_t i = 1; i < servers.size(); ++i) {
+        EXPECT_EQ(hosts[i], servers[i] + ".example.com");
+    }
 }
 
 TEST(Configuration, ExportNeedsAPathAndKeepsTheFileMode)
@@ -172,14 +296,16 @@ TEST(Configuration, ConcurrentExportsNeverLeaveATornFile)
         pid_t pid = fork();
         ASSERT_GE(pid, 0);
         if (pid == 0) {
-            CFiConfiguration config(dir.c_str(), L"shared.conf", false);
+            CFiConfiguration config(dir.c_str(), L"shared.conf", true);
             ACE_Configuration_Section_Key key;
             config.openSection(L"LOAD", key, 1);
             for (int i = 0; i < kValues; ++i) {
                 config.setStringValue(wide("K" + std::to_string(i)).c_str(),
                                       CFiStringTool::str2tstr(std::string(20, who)));
             }
-            for (;;) {
+            // A value that changes each time, since an export that changes nothing writes nothing.
+            for (unsigned n = 0;; ++n) {
+                config.setIntegerValue(L"ROUND", n);
                 config.exportConfig();
             }
         }

@@ -34,6 +34,7 @@ public:
     }
     int handleText(char *text, qrn_eseverity severity) override
     {
+        m_everything.push_back(text);
         if (severity == 2) {
             std::string line = text;
             m_lines.push_back(line.substr(line.find("> ") + 2));
@@ -53,11 +54,20 @@ public:
         return false;
     }
     size_t count() const { return m_lines.size(); }
+    std::string all() const
+    {
+        std::string text;
+        for (const std::string &line : m_everything) {
+            text += line + "\n";
+        }
+        return text;
+    }
 
 private:
     CFiTraceLogPtr m_log;
     CFiErrorManagerPtr m_errors;
     std::vector<std::string> m_lines;
+    std::vector<std::string> m_everything;
 };
 
 std::vector<SFiCredential> parse(const std::string &blob, bool openArray = false, const std::string &vendor = "HP",
@@ -91,11 +101,12 @@ TEST(CredentialsParser, SectionsOfTheVendorAndProductBecomeRecords)
     EXPECT_EQ(list[0].port, 2372) << "decimal digits, whatever the word says";
     EXPECT_EQ(narrow(list[0].data), "x");
 
-    // Empty vendor and product take every section; records are appended.
+    // Empty vendor and product take every section; records are appended, but a login the
+    // list already holds is not added again.
     std::vector<SFiCredential> all = list;
     EXPECT_EQ(CFiCredentialsParser().parse(kBlob, "", "", all, false), 0);
-    ASSERT_EQ(all.size(), 3u);
-    EXPECT_EQ(narrow(all[2].hostname), "emc.example.com");
+    ASSERT_EQ(all.size(), 2u);
+    EXPECT_EQ(narrow(all[1].hostname), "emc.example.com");
 
     EXPECT_TRUE(parse(kBlob, false, "HP", "MSA").empty()) << "product tested on the section name too";
     EXPECT_TRUE(parse(kBlob, false, "hp", "HSV").empty()) << "case-sensitive";
@@ -172,6 +183,46 @@ TEST(CredentialsParser, MalformedLinesAreSkippedWithTheirWarnings)
     EXPECT_TRUE(warnings.saw("WARNING: skipping invalid credentials for vendor HP"));
 }
 
+// Whatever shape a password line has, its value never reaches a trace line.
+TEST(CredentialsParser, AMalformedPasswordLineIsWarnedAboutWithoutItsValue)
+{
+    TempInstallRoot root;
+    Warnings warnings(root);
+    CFiCredentialsParser parser;
+    parser.setTraceLog(warnings.log());
+    std::vector<SFiCredential> list;
+    parser.parse("[STORAGE_MANAGEMENT_SERVICE\\HP_HSV\\1]\n"
+                 "\"HOSTNAME\"=\"h\"\n\"USERNAME\"=\"u\"\n"
+                 "PASSWORD=\"Sesame-1\"\n"
+                 "\"PASSWORD\"=Sesame-2\n"
+                 "\"Password\"=Sesame-3\n"
+                 "password\"=\"Sesame-4\n"
+                 "\"PASSWORD\"=\"Sesame-5\n",
+                 "HP", "HSV", list, false);
+    EXPECT_TRUE(list.empty());
+    EXPECT_TRUE(warnings.saw("WARNING: Invalid credentials section 'PASSWORD=********'"));
+    EXPECT_TRUE(warnings.saw("WARNING: Invalid value '********' for key section 'PASSWORD'"));
+    EXPECT_EQ(warnings.count(), 6u);
+    EXPECT_EQ(warnings.all().find("Sesame"), std::string::npos) << warnings.all();
+}
+
+// 200,000 copies of one login in a blob once made thousands of SSSU runs.
+TEST(CredentialsParser, RepeatedLoginsCountOnce)
+{
+    std::string blob;
+    for (int i = 0; i < 1000; ++i) {
+        blob += "[STORAGE_MANAGEMENT_SERVICE\\HP_HSV\\" + std::to_string(i) + "]\n\"HOSTNAME\"=\"" +
+                (i % 2 == 0 ? "cv1" : "CV1") + "\"\n\"USERNAME\"=\"u\"\n\"PASSWORD\"=\"p\"\n";
+    }
+    blob +=
+        "[STORAGE_MANAGEMENT_SERVICE\\HP_HSV\\x]\n\"HOSTNAME\"=\"cv1\"\n\"USERNAME\"=\"u\"\n\"PASSWORD\"=\"other\"\n";
+    std::vector<SFiCredential> list = parse(blob);
+    ASSERT_EQ(list.size(), 2u) << "a login that differs stays";
+    EXPECT_EQ(narrow(list[0].hostname), "cv1");
+    EXPECT_EQ(narrow(list[1].password), "other");
+    EXPECT_EQ(parse(blob + blob).size(), 2u);
+}
+
 TEST(CredentialsParser, FrameworkBlobMissingOrEmpty)
 {
     TempInstallRoot root;
@@ -209,8 +260,9 @@ TEST(ImportCredentials, BlobAndFileAreMergedWithTheBlobFirst)
     ASSERT_EQ(list.size(), 2u);
     EXPECT_EQ(narrow(list[0].password), "from-\"blob\"") << "the blob wins for the same host";
     EXPECT_EQ(list[0].port, 2372);
-    // Of two sections for one host only one counts (the first in the tree's order).
+    // Of two sections for one host the first in the file counts.
     EXPECT_EQ(narrow(list[1].hostname), "cv2.example.com");
+    EXPECT_EQ(narrow(list[1].username), "admin");
     EXPECT_EQ(list[1].port, -1) << "the file gives no port";
 
     std::vector<SFiCredential> open = config.importCredentials("HP", "HSV", L"MANAGEMENT_APPLIANCE_INFO", true);

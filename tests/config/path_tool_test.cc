@@ -88,6 +88,28 @@ TEST(PathTool, RegistryStandInComesBeforeTheFramework)
     path = ACE_WString();
     EXPECT_NE(CFiConfigurationPathTool::getInstallPath(path), 0);
     EXPECT_EQ(narrow(path), root.dir());
+
+    // The registry is read once, and again when it changes.
+    root.setEnv("QORIN_CONSUMER", std::nullopt);
+    root.writeFile("registry.conf", "; moved\n[software\\orvanta\\QORIN]  ; ours\n\"installdir64\"=\"/srv/new\"\n");
+    path = ACE_WString();
+    EXPECT_EQ(CFiConfigurationPathTool::getInstallPath(path), 0);
+    EXPECT_EQ(narrow(path), "/srv/new/");
+}
+
+// Twenty lines that each hold a NUL byte made ACE's importer copy 2 GiB into a one-byte
+// buffer. Such a registry now holds no install path, and the framework's root is used.
+TEST(PathTool, AMalformedRegistryIsNoRegistry)
+{
+    TempInstallRoot root;
+    std::string registry = kRegistry;
+    for (int i = 0; i < 20; ++i) {
+        registry += std::string("\"k\"=\"\0\"\n", 8);
+    }
+    root.writeFile("registry.conf", registry);
+    ACE_WString path;
+    EXPECT_NE(CFiConfigurationPathTool::getInstallPath(path), 0);
+    EXPECT_EQ(narrow(path), root.dir());
 }
 
 TEST(PathTool, InstallKeyWithoutTheValueFallsBackToTheFramework)
