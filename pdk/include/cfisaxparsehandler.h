@@ -51,9 +51,11 @@ public:
     CFiSaxParseHandler &operator=(const CFiSaxParseHandler &) = delete;
 
 protected:
-    // The buffer becomes the characters as UTF-8; its storage is reused, which matters in a
-    // listing of hundreds of thousands of values.
-    void assignText(const XMLCh *chars, XMLSize_t length);
+    // Adds the characters to the buffer as UTF-8. The parser hands one value over in several
+    // pieces where an entity such as &amp; stands, so a handler gathers them all between its
+    // startElement and endElement; the storage is reused, which matters in a listing of
+    // hundreds of thousands of values.
+    void appendText(const XMLCh *chars, XMLSize_t length);
 
     // Element names compare as UTF-16 text, without transcoding each one: take the view once
     // per callback and compare it with literals.

@@ -15,7 +15,8 @@ public:
         NOTHING_AFTER_PRODUCT = 1,  // nothing follows the second component's separator
         NO_HEAD = 2,                // "UDID##" doesn't occur
         NO_VENDOR_END = 3,          // no "##" behind the first component
-        NO_PRODUCT_END = 4          // no "##" behind the second component
+        NO_PRODUCT_END = 4,         // no "##" behind the second component
+        NOT_A_LUN_NAME = 5          // the disk part is no world wide LUN name (a provider's check)
     };
 
     CFiUdidException(const std::string &text, int32_t number) : m_text(text), m_number(number) {}

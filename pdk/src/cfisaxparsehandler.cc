@@ -36,23 +36,23 @@ void CFiSaxParseHandler::characters(const XMLCh *const chars, const XMLSize_t le
     m_text += toString(chars, length);
 }
 
-void CFiSaxParseHandler::assignText(const XMLCh *chars, XMLSize_t length)
+void CFiSaxParseHandler::appendText(const XMLCh *chars, XMLSize_t length)
 {
     if (chars == nullptr || length == 0) {
-        m_text.clear();
         return;
     }
+    const size_t before = m_text.size();
     // A UTF-16 unit never needs more than three bytes of UTF-8.
-    m_text.resize(static_cast<size_t>(length) * 3);
+    m_text.resize(before + static_cast<size_t>(length) * 3);
     UErrorCode status = U_ZERO_ERROR;
     int32_t written = 0;
-    u_strToUTF8(&m_text[0], static_cast<int32_t>(m_text.size()), &written, chars, static_cast<int32_t>(length),
-                &status);
+    u_strToUTF8(&m_text[before], static_cast<int32_t>(m_text.size() - before), &written, chars,
+                static_cast<int32_t>(length), &status);
     if (U_FAILURE(status)) {
         // As CFiStringTool does for ill-formed text.
         written = 0;
     }
-    m_text.resize(static_cast<size_t>(written));
+    m_text.resize(before + static_cast<size_t>(written));
 }
 
 void CFiSaxParseHandler::startElement(const XMLCh *const, const XMLCh *const, const XMLCh *const, const Attributes &) {}

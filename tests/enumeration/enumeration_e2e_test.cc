@@ -3,6 +3,7 @@
 // and lists the disks, enclosures and hosts of the simulated arrays.
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 #include <cstdio>
@@ -135,6 +136,18 @@ protected:
             names.push_back(d.name);
         }
         return names;
+    }
+
+    // Every message the provider pushed, one a line (trace lines come without a host text).
+    std::string said() const
+    {
+        std::string all;
+        for (const Message &m : messages) {
+            if (!m.text.empty()) {
+                all += narrow(m.text.c_str()) + "\n";
+            }
+        }
+        return all;
     }
 
     HostContext host{"en", [this](const std::wstring &hostText, const std::wstring &, int severity) {
@@ -384,19 +397,51 @@ TEST_F(Provider, NoServerThatAnswersFailsTheFirstEntryAndTheNextGoesOn)
     EXPECT_EQ(count, 0);
 }
 
-TEST_F(Provider, AnUnknownSssuVersionFailsTheFirstEntryOnly)
+TEST_F(Provider, AnUnknownSssuVersionFailsTheFirstEntryOnlyAndCanBeAccepted)
+{
+    {
+        Site site({kCv1});
+        ASSERT_EQ(evasim("set version=9.2.0").status, 0);
+        ASSERT_EQ(start(), 0);
+        std::vector<Disk> none;
+        EXPECT_EQ(disks(none), QRN_ERR_DELAYED_INIT);
+        EXPECT_EQ(lastErrorKey(), "MSG_ERROR_VERSION_CHECK");
+        EXPECT_NE(said().find("reports \"Version: 9.2.0\""), std::string::npos) << said();
+        EXPECT_NE(said().find("ACCEPTED_VERSIONS in the section CLI_TOOL_INFO of " +
+                              site.root().path("ConfigFiles/tamlin.conf")),
+                  std::string::npos)
+            << said();
+        qrn_enclosure_node_list *list = nullptr;
+        int32_t count = 0;
+        EXPECT_EQ(provider()->enumerate_enclosures(&list, &count, nullptr), 0) << "the next entry goes on";
+        EXPECT_EQ(count, 0);
+        EXPECT_EQ(disks(none), QRN_ERR_INVALID_ARGUMENT) << "with no cell found, no enclosure passes";
+        provider()->fini();
+        started = false;
+    }
+    // The administrator accepts releases 9 and 10; the built-in table still holds.
+    Site site({kCv1});
+    ASSERT_EQ(evasim("set version=9.2.0").status, 0);
+    site.writeConfig("[CLI_TOOL_INFO]\n\"FILEPATH\"=\"" + site.sssuDir() +
+                     "\"\n\"FILENAME\"=\"sssu_linux_x64\"\n\"ACCEPTED_VERSIONS\"=\"Version: 10.; Version: 9.\"\n");
+    ASSERT_EQ(start(), 0);
+    EXPECT_EQ(diskNames(0, L"enclosure_name=EVA01").size(), 4u);
+}
+
+// A run that fails tells why: here a program that can't be started.
+TEST_F(Provider, ASssuThatCannotRunIsNamed)
 {
     Site site({kCv1});
-    ASSERT_EQ(evasim("set version=1.0.0").status, 0);
+    site.root().writeFile("sssu/plain", "#!/bin/sh\necho hi\n");
+    ASSERT_EQ(chmod(site.root().path("sssu/plain").c_str(), 0644), 0);
+    site.writeConfig("[CLI_TOOL_INFO]\n\"FILEPATH\"=\"" + site.sssuDir() + "\"\n\"FILENAME\"=\"plain\"\n");
     ASSERT_EQ(start(), 0);
     std::vector<Disk> none;
     EXPECT_EQ(disks(none), QRN_ERR_DELAYED_INIT);
-    EXPECT_EQ(lastErrorKey(), "MSG_ERROR_VERSION_CHECK");
-    qrn_enclosure_node_list *list = nullptr;
-    int32_t count = 0;
-    EXPECT_EQ(provider()->enumerate_enclosures(&list, &count, nullptr), 0) << "the next entry goes on";
-    EXPECT_EQ(count, 0);
-    EXPECT_EQ(disks(none), QRN_ERR_INVALID_ARGUMENT) << "with no cell found, no enclosure passes";
+    EXPECT_NE(said().find("SSSU could not be started (Permission denied): check that " + site.sssuDir() +
+                          "plain is an executable program"),
+              std::string::npos)
+        << said();
 }
 
 TEST_F(Provider, StartFailsWhenSssuOrCredentialsAreMissing)
@@ -426,4 +471,103 @@ TEST_F(Provider, StartFailsWhenSssuOrCredentialsAreMissing)
         }
         EXPECT_TRUE(named) << "the message names the file to fix: " << narrow(messages.back().text.c_str());
     }
+}
+
+// One typo must not cost the administrator his file: the provider refuses to start, names the
+// file and the line, and leaves the file byte for byte; a file it can't read is not taken for
+// a missing SSSU.
+TEST_F(Provider, ABrokenConfigurationIsNamedAndLeftAsItWas)
+{
+    Site site({kCv1});
+    const std::string conf = "[BROKEN_SECTION\n" + site.root().readFile("ConfigFiles/tamlin.conf");
+    site.root().writeFile("ConfigFiles/tamlin.conf", conf);
+    EXPECT_EQ(start(), QRN_ERR_INIT_FAILED);
+    EXPECT_EQ(lastErrorKey(), "MSG_ERROR_CONFIG_FILE_INVALID");
+    EXPECT_NE(said().find(site.root().path("ConfigFiles/tamlin.conf") + " was not used because of its line 1: a "
+                                                                        "section header has no closing ]"),
+              std::string::npos)
+        << said();
+    EXPECT_EQ(site.root().readFile("ConfigFiles/tamlin.conf"), conf);
+    provider()->fini();
+    started = false;
+
+    messages.clear();
+    std::filesystem::remove(site.root().path("ConfigFiles/tamlin.conf"));
+    std::filesystem::create_directory(site.root().path("ConfigFiles/tamlin.conf"));
+    EXPECT_EQ(start(), QRN_ERR_INIT_FAILED);
+    EXPECT_EQ(lastErrorKey(), "MSG_ERROR_CONFIG_FILE_UNREADABLE");
+    EXPECT_NE(said().find("cannot be read: it is a directory"), std::string::npos) << said();
+    EXPECT_EQ(said().find("SSSU is not installed"), std::string::npos) << said();
+    EXPECT_TRUE(std::filesystem::is_directory(site.root().path("ConfigFiles/tamlin.conf")));
+}
+
+// Names that XML escapes reach the host whole, and a cell without disks or hosts is an empty
+// list: the other cells are listed and the call succeeds.
+TEST_F(Provider, NamesWithMarkupCharactersAndAnEmptyCell)
+{
+    ProviderInstall site({kCv1}, ProviderInstall::sourceDir() + "/tests/enumeration/names.scn");
+    ASSERT_TRUE(site.ok()) << site.loadReport();
+    ASSERT_EQ(start(), 0);
+
+    qrn_enclosure_node_list *enclosures = nullptr;
+    int32_t count = 0;
+    ASSERT_EQ(provider()->enumerate_enclosures(&enclosures, &count, nullptr), 0);
+    std::set<std::string> cells;
+    for (const qrn_enclosure_node_list *e = enclosures; e != nullptr; e = e->next) {
+        cells.insert(narrow(e->name));
+    }
+    freeList(enclosures);
+    EXPECT_EQ(cells, (std::set<std::string>{"R&D <1>", "Empty", "EVA01"}));
+
+    const std::vector<std::string> names = diskNames();
+    EXPECT_EQ(std::set<std::string>(names.begin(), names.end()),
+              (std::set<std::string>{"HP##HSV##R&D <1>##test&db", "HP##HSV##R&D <1>##x<y>z", "HP##HSV##R&D <1>##it's q",
+                                     "HP##HSV##EVA01##plain"}));
+    EXPECT_NE(site.log().find("No disks are found for current enclosure."), std::string::npos);
+    EXPECT_EQ(diskNames(0, L"enclosure_name=Empty").size(), 0u);
+
+    qrn_host_node_list *hosts = nullptr;
+    count = 0;
+    ASSERT_EQ(provider()->enumerate_host_nodes(&hosts, &count, nullptr), 0);
+    std::set<std::string> hostNames;
+    for (const qrn_host_node_list *h = hosts; h != nullptr; h = h->next) {
+        hostNames.insert(narrow(h->hostName) + " " + (h->portCount > 0 ? narrow(h->ports[0]) : "-"));
+    }
+    freeList(hosts);
+    EXPECT_EQ(hostNames, (std::set<std::string>{"R&D 10000000C9000001", "say'hi' 10000000C9000002", "a<b>c -"}));
+}
+
+// A listing that SSSU stops after some complete objects, exiting 0, is a failed command: the
+// cell's disks are read again, and never reported short.
+TEST_F(Provider, AListingCutShortIsNeverAShortList)
+{
+    Site site({kCv1});
+    ASSERT_EQ(start(), 0);
+    ASSERT_EQ(diskNames(0, L"enclosure_name=EVA01").size(), 4u);
+
+    // Where the listing's objects end, in the lines of a run of the provider's own script.
+    const std::string script = site.root().path("listing.sssu");
+    site.root().writeFile("listing.sssu", "set option NOCOMMAND_DELAY\nset option DISPLAY_WIDTH=200\n"
+                                          "set option ON_ERROR=EXIT_ON_ERROR\n"
+                                          "select manager cv1 user=admin password=secret\n"
+                                          "select cell \"EVA01\"\nLS VDISK FULL XML\nexit\n");
+    const std::string output = evasim("'FILE " + script + "'").output;
+    std::vector<int> ends;
+    std::istringstream lines(output);
+    std::string line;
+    for (int number = 1; std::getline(lines, line); ++number) {
+        if (line.find("</object>") != std::string::npos) {
+            ends.push_back(number);
+        }
+    }
+    ASSERT_EQ(ends.size(), 4u) << output;
+    for (int cut : ends) {
+        ASSERT_EQ(evasim("fault exit-after --lines " + std::to_string(cut) + " --status 0 --count 4").status, 0);
+        std::vector<Disk> partial;
+        EXPECT_EQ(disks(partial, 0, L"enclosure_name=EVA01"), QRN_ERR_FAILED) << cut;
+        EXPECT_TRUE(partial.empty()) << "cut after line " << cut << " gave " << partial.size() << " disks";
+        ASSERT_EQ(evasim("fault clear").status, 0);
+    }
+    ASSERT_EQ(evasim("fault exit-after --lines " + std::to_string(ends[1]) + " --status 0 --count 3").status, 0);
+    EXPECT_EQ(diskNames(0, L"enclosure_name=EVA01").size(), 4u) << "the fourth attempt reads them all";
 }

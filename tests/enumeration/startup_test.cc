@@ -47,7 +47,7 @@ TEST_F(Startup, DelayedInitRunsSssuAndItsRetriesOnThePluginsEnv)
     sssu.answer(2, "Error opening https connection\n");
     sssu.answer(3, "Systems available on this Manager:\nEVA01\nNoSystemSelected> exit\n");
     sssu.answer(4, "EVA01 information:\n<object>\n<objectname>EVA01</objectname>\n"
-                   "<objectwwn>5000-1FE1-5000-0001</objectwwn>\n</object>\n");
+                   "<objectwwn>5000-1FE1-5000-0001</objectwwn>\n</object>\nNoSystemSelected> exit\n");
     Plugin plugin(login);
     plugin.setEnv(&sssu);
     EXPECT_EQ(plugin.delayedInit(), QRN_OK);

@@ -300,7 +300,7 @@ TEST(VdiskHandler, DisksInOrderContainersDroppedNothingCarriedOver)
     EXPECT_EQ(handler.getVdisk().objectname, a.objectname);
 }
 
-TEST(VdiskHandler, NoObjectGivesTheEmptyRecordAndEntitiesKeepTheirLastPiece)
+TEST(VdiskHandler, NoObjectGivesTheEmptyRecordAndEntitiesKeepTheWholeValue)
 {
     // Only a container: a well-formed document without disks.
     CHpEvaLsVdiskHandler none(someCell());
@@ -313,13 +313,16 @@ TEST(VdiskHandler, NoObjectGivesTheEmptyRecordAndEntitiesKeepTheirLastPiece)
     EXPECT_EQ(empty.cellname, L"");
     EXPECT_EQ(empty.hostname, L"");
 
-    // Xerces reports "R", then "&D\ACTIVE": each call replaces the text before it.
+    // Xerces hands a value over in pieces where an entity stands; all of them count.
     CHpEvaLsVdiskHandler split(someCell());
-    parseMassaged({"<object>", "<objectname>\\Virtual Disks\\R&amp;D\\ACTIVE</objectname>",
-                   "<familyname>plain</familyname>", "</object>"},
+    parseMassaged({"<object>", "<objectname>\\Virtual Disks\\R&amp;D &lt;&quot;x&quot;&gt;\\ACTIVE</objectname>",
+                   "<familyname>plain</familyname>",
+                   "<presentation><hostname>\\Hosts\\R&amp;D</hostname><lunnumber>4</lunnumber></presentation>",
+                   "</object>"},
                   split);
-    EXPECT_EQ(split.getVdisk().objectname, "&D\\ACTIVE");
+    EXPECT_EQ(split.getVdisk().objectname, "\\Virtual Disks\\R&D <\"x\">\\ACTIVE");
     EXPECT_EQ(split.getVdisk().familyname, "plain");
+    EXPECT_EQ(split.getVdisk().presentations, (std::map<std::string, int32_t>{{"\\Hosts\\R&D", 4}}));
 }
 
 TEST(CellHandler, ReadsSpaceInBytesAndTheCellsOwnName)

@@ -35,7 +35,7 @@ std::string diskXml(const std::string &presentations = "")
                "</lunnumber>\n</presentation>\n";
         at = comma == std::string::npos ? presentations.size() : comma + 1;
     }
-    return xml + "</presentations>\n</object>\n";
+    return xml + "</presentations>\n</object>\nEVA01> exit\n";
 }
 
 // This machine under another name, or none.

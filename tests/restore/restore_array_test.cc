@@ -135,7 +135,12 @@ TEST_F(ArrayRestore, AScriptThatOutlivesItsTimeOutFailsWhileTheArrayMayFinishIt)
     array.evasim("fault silence --match 'ADD COPY' --seconds 2");
     SHpEvaRestoreSettings settings;
     settings.timeout = 1;
-    EXPECT_THROW(tool.restore(primary, secondary, settings), qorin_pdk_4_4::EFiExecPipe);
+    try {
+        tool.restore(primary, secondary, settings);
+        ADD_FAILURE() << "the restore was taken for done";
+    } catch (const CHpEvaCliException &e) {
+        EXPECT_EQ(e.getErrorText(), "SSSU was silent for 1 second and was stopped");
+    }
     const Disk data = disk(kData);
     EXPECT_EQ(data.sharing, "snapclone_in_progress");
     EXPECT_EQ(data.presentations, "\\Hosts\\h1:7,\\Hosts\\h2:4,\\Hosts\\h3:2");

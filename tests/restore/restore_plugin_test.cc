@@ -32,7 +32,7 @@ std::string listing(const std::string &path, const std::string &sharing)
 {
     return "Vdisk information:\n<object>\n  <objectname>" + path +
            "</objectname>\n  <familyname>f</familyname>\n  <sharingrelationship>" + sharing +
-           "</sharingrelationship>\n</object>\n";
+           "</sharingrelationship>\n</object>\nEVA01> exit\n";
 }
 
 // The plug-in as delayedInit would have left it, with one cell, on SSSU answered in process:
@@ -147,7 +147,7 @@ TEST_F(RestoreWait, AReadThatFailsOrShowsNoDiskEndsTheWaitAndTheCopyGoesOnUnawai
         // The listing holds no disk (a container is none): no sharing relationship to wait on.
         Scene scene(tmp);
         scene.sssu.answer(5, "<object>\n  <objectname>" + std::string(kClone) +
-                                 "</objectname>\n  <objecttype>container</objecttype>\n</object>\n");
+                                 "</objectname>\n  <objecttype>container</objecttype>\n</object>\nEVA01> exit\n");
         int32_t status = 0;
         EXPECT_EQ(scene.restorePair(&status), QRN_ERR_FAILED);
         EXPECT_TRUE(scene.clock.sleeps().empty());

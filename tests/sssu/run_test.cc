@@ -6,10 +6,12 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <list>
 #include <string>
 #include <vector>
 
 #include "cfiexecpipeposix.h"
+#include "cfiudidexception.h"
 #include "efiexecpipe.h"
 #include "hpeva_cliexception.h"
 #include "hpeva_commandtempfile.h"
@@ -136,8 +138,8 @@ TEST_F(SssuRun, StatusAndErrorLinesDecideTogether)
         enum { OK, NO_DATA, COMMAND_FAILED, PIPE } outcome;
         const char *errorText;
     } rows[] = {
-        {"", 0, Row::NO_DATA, ""},
-        {"", 3, Row::NO_DATA, ""},
+        {"", 0, Row::NO_DATA, "SSSU printed nothing and ended with exit status 0"},
+        {"", 3, Row::NO_DATA, "SSSU printed nothing and ended with exit status 3"},
         {"fine\n", 0, Row::OK, ""},
         {"x\nError: Deletion completed\n", 1, Row::OK, ""},
         {"Error: Deletion completed\nError: Virtual disk busy\n", 1, Row::COMMAND_FAILED, "Error: Virtual disk busy"},
@@ -204,9 +206,9 @@ TEST_F(SssuRun, ALineBreakInAnOperationsValueNeverStartsTheTool)
 TEST_F(SssuRun, CellNamesEndAtThePromptAndCellsWithoutAWwnAreAllKept)
 {
     // A cell that tells no WWN can't be matched with another.
-    sssu.answer(1, "\nSystems available on this Manager:\nX1\n  X2 \nNoSystemSelected> exit\nX3\n");
-    sssu.answer(2, "X1 information:\n<object>\n<objectname>X1</objectname>\n</object>\n");
-    sssu.answer(3, "X2 information:\n<object>\n<objectname>X2</objectname>\n</object>\n");
+    sssu.answer(1, "\nSystems available on this Manager:\nX1\n  X2 \nNoSystemSelected> exit");
+    sssu.answer(2, "X1 information:\n<object>\n<objectname>X1</objectname>\n</object>\nNoSystemSelected> exit");
+    sssu.answer(3, "X2 information:\n<object>\n<objectname>X2</objectname>\n</object>\nNoSystemSelected> exit");
     SHpEvaCell server;
     server.hostname = L"cvA";
     server.username = L"admin";
@@ -227,7 +229,7 @@ TEST_F(SssuRun, AListingWithoutItsMarkerIsNoDataAndAMarkerOnTheLastLineIsAnEmpty
     eva01.username = L"admin";
     eva01.password = L"secret";
     eva01.cellname = L"EVA01";
-    sssu.answer(1, "\n\nSSSU for HP StorageWorks Command View EVA\nEVA01> LS HOST\n\nnothing\n");
+    sssu.answer(1, "\n\nSSSU for HP StorageWorks Command View EVA\nEVA01> LS HOST\n\nnothing\nEVA01> exit");
     try {
         tool.listHosts(eva01);
         ADD_FAILURE();
@@ -235,6 +237,99 @@ TEST_F(SssuRun, AListingWithoutItsMarkerIsNoDataAndAMarkerOnTheLastLineIsAnEmpty
         EXPECT_EQ(e.getKind(), CHpEvaCliException::CLI_NO_DATA);
         EXPECT_EQ(e.getErrorText(), "available on this Cell:");
     }
-    sssu.answer(2, "EVA01> LS HOST\n\nHosts available on this Cell:\n");
+    sssu.answer(2, "EVA01> LS HOST\n\nHosts available on this Cell:\nEVA01> exit");
     EXPECT_TRUE(tool.listHosts(eva01).empty());
+}
+
+TEST_F(SssuRun, ARunStoppedForSilenceOrWithoutOutputSaysWhy)
+{
+    sssu.answer(1, "\n\nSSSU for HP StorageWorks Command View EVA\n");
+    sssu.silence(1);
+    sssu.answer(2, "");
+    sssu.silence(2);
+    for (CHpEvaCliException::Kind kind : {CHpEvaCliException::CLI_COMMAND_FAILED, CHpEvaCliException::CLI_NO_DATA}) {
+        std::vector<std::string> lines;
+        try {
+            run(lines);
+            ADD_FAILURE() << "succeeded";
+        } catch (const CHpEvaCliException &e) {
+            EXPECT_EQ(e.getKind(), kind);
+            EXPECT_EQ(e.getErrorText(), "SSSU was silent for 30 seconds and was stopped");
+            EXPECT_EQ(e.getOutput(), lines);
+        }
+    }
+}
+
+// A list of names that SSSU doesn't print to the end of its script is no list: a host that is
+// missing from it would be taken for one the array doesn't know.
+TEST_F(SssuRun, ANameListCutShortIsAFailedCommand)
+{
+    SHpEvaCell eva01;
+    eva01.hostname = L"cvA";
+    eva01.username = L"admin";
+    eva01.password = L"secret";
+    eva01.cellname = L"EVA01";
+    const std::string hosts = "EVA01> LS HOST\n\nHosts available on this Cell:\n\\Hosts\\a\n\\Hosts\\b\n";
+    sssu.answer(1, hosts);
+    try {
+        tool.listHosts(eva01);
+        ADD_FAILURE() << "a cut list was taken";
+    } catch (const CHpEvaCliException &e) {
+        EXPECT_EQ(e.getKind(), CHpEvaCliException::CLI_COMMAND_FAILED);
+        EXPECT_NE(e.getErrorText().find("SSSU stopped before the end of its script"), std::string::npos);
+    }
+    sssu.answer(2, hosts + "EVA01> exit");
+    EXPECT_EQ(tool.listHosts(eva01), (std::vector<std::string>{"\\Hosts\\a", "\\Hosts\\b"}));
+
+    // Cells: the server's cut list is reported and none of its cells is taken.
+    sssu.answer(3, "\nSystems available on this Manager:\nX1\n");
+    EXPECT_TRUE(tool.enumerateCells({eva01}).empty());
+    EXPECT_EQ(sssu.runs(), 3);
+    EXPECT_EQ(recorder->keys, std::vector<std::string>{"MSG_ERROR_CLI_COMMAND_FAILED"});
+}
+
+// SSSU may print names in another code page: the report keeps the parser's reason and the
+// output, with the bytes that aren't UTF-8 shown as replacement characters.
+TEST_F(SssuRun, AReportKeepsItsReasonAndOutputWhenTheyAreNotUtf8)
+{
+    SHpEvaCell eva01;
+    eva01.hostname = L"cvA";
+    eva01.username = L"admin";
+    eva01.password = L"secret";
+    eva01.cellname = L"EVA01";
+    sssu.answerAll("EVA01> LS VDISK FULL XML\n<object>\n<objectname>\\Virtual Disks\\caf\xE9</objectname>\n"
+                   "</object>\nEVA01> exit");
+    std::list<SHpEvaVdisk> disks;
+    try {
+        tool.getVirtualDiskList(eva01, disks);
+        ADD_FAILURE() << "read";
+    } catch (const CHpEvaCliException &e) {
+        e.report();
+    }
+    ASSERT_EQ(recorder->messages.size(), 1u);
+    const std::string utf8 =
+        CFiStringTool::wstr2str(recorder->messages[0]->formatMessage(L"failed: {3}. SSSU printed:\n{4}"));
+    EXPECT_NE(utf8.find("failed: invalid byte"), std::string::npos) << utf8;
+    EXPECT_NE(utf8.find("<objectname>\\Virtual Disks\\caf\xEF\xBF\xBD</objectname>"), std::string::npos) << utf8;
+}
+
+// A disk identity comes from the host: only a world wide LUN name goes into the script.
+TEST_F(SssuRun, OnlyAWorldWideLunNameIsLookedFor)
+{
+    SHpEvaCell eva01;
+    eva01.hostname = L"cvA";
+    eva01.username = L"admin";
+    eva01.password = L"secret";
+    eva01.cellname = L"EVA01";
+    sssu.answerAll("EVA01> FIND VDISK\n<object>\n<objectname>\\Virtual Disks\\d\\ACTIVE</objectname>\n</object>\n"
+                   "EVA01> exit");
+    EXPECT_EQ(tool.findVirtualDisk(eva01, "6005-08B4-0001-0000-0000-0000-0001-ABCD").objectname,
+              "\\Virtual Disks\\d\\ACTIVE");
+    EXPECT_NE(sssu.script(1).find("FIND VDISK LUNWWID=6005-08b4-0001-0000-0000-0000-0001-abcd XML\n"),
+              std::string::npos);
+    for (const char *bad : {"6005-08b4\" DELETE VDISK \"x", "6005-08b4-0001-0000-0000-0000-0001-000", "0000",
+                            "6005-08b4-0001-0000-0000-0000-0001-000g", "6005-08b4-0001-0000-0000-0000-0001-0000 "}) {
+        EXPECT_THROW(tool.findVirtualDisk(eva01, bad), CFiUdidException) << bad;
+    }
+    EXPECT_EQ(sssu.runs(), 1) << "no script was run for a bad identity";
 }

@@ -179,14 +179,15 @@ TEST(CliException, ReportCarriesCommandSiteTextAndTrimmedOutput)
     EXPECT_EQ(CFiStringTool::ustr2str(args[4].getString()), "first\nsecond line\n\n");
 }
 
-TEST(ErrorProcessor, CleanPasswordKeepsTheKeyAndDropsTheRestOfTheLine)
+TEST(ErrorProcessor, CleanPasswordKeepsTheKeyInAnyCaseAndDropsTheRestOfTheLine)
 {
     std::vector<std::string> lines{
         "select manager cv user=admin password=se cret x",
         "password=",
         "a password=one password=two",
         "no secret here",
-        "PASSWORD=upper stays",
+        "NoSystemSelected> SELECT MANAGER cv USERNAME=admin PASSWORD=upper too",
+        "Password=mixed",
     };
     CHpEvaCliErrorProcessor::cleanPassword(lines);
     EXPECT_EQ(lines, (std::vector<std::string>{
@@ -194,7 +195,8 @@ TEST(ErrorProcessor, CleanPasswordKeepsTheKeyAndDropsTheRestOfTheLine)
                          "password=********",
                          "a password=********",
                          "no secret here",
-                         "PASSWORD=upper stays",
+                         "NoSystemSelected> SELECT MANAGER cv USERNAME=admin PASSWORD=********",
+                         "Password=********",
                      }));
 }
 

@@ -66,6 +66,8 @@ public:
 
     void answer(int run, const std::string &output, int status = 0) { m_answers[run] = Answer{output, status}; }
     void answerAll(const std::string &output, int status = 0) { m_default = Answer{output, status}; }
+    // After its output, run falls silent past any time-out.
+    void silence(int run) { m_answers[run].silent = true; }
 
     int runs() const { return static_cast<int>(m_runs.size()); }
     const std::string &commandLine(int run) const { return m_runs.at(run - 1).commandLine; }
@@ -89,6 +91,7 @@ private:
     struct Answer {
         std::string output;
         int status = 0;
+        bool silent = false;
     };
     struct Run {
         std::string commandLine;
@@ -116,6 +119,7 @@ private:
             auto found = m_owner.m_answers.find(m_owner.runs());
             const Answer &answer = found != m_owner.m_answers.end() ? found->second : m_owner.m_default;
             m_status = answer.status;
+            m_silent = answer.silent;
             std::istringstream lines(answer.output);
             std::string line;
             while (std::getline(lines, line)) {
@@ -127,6 +131,7 @@ private:
         {
             *timedOut = 0;
             if (m_next == m_lines.size()) {
+                *timedOut = m_silent ? 1 : 0;
                 return 0;
             }
             const std::string &text = m_lines[m_next++];
@@ -152,6 +157,7 @@ private:
         std::vector<std::string> m_lines;
         size_t m_next = 0;
         int m_status = 0;
+        bool m_silent = false;
     };
 
     std::map<int, Answer> m_answers;

@@ -19,6 +19,8 @@
     X(MSG_ERROR_CLI_NOT_FOUND, 2)                                           \
     X(MSG_ERROR_CLI_NOT_INSTALLED, 2)                                       \
     X(MSG_ERROR_CONFIG_DOCUMENT_INVALID, 4)                                 \
+    X(MSG_ERROR_CONFIG_FILE_INVALID, 3)                                     \
+    X(MSG_ERROR_CONFIG_FILE_UNREADABLE, 2)                                  \
     X(MSG_ERROR_DEPORT_HOST_INVALID, 3)                                     \
     X(MSG_ERROR_DISPOSE_LEFT_UNPRESENTED, 2)                                \
     X(MSG_ERROR_DR_GROUP_IS_NOT_SOURCED_ON_THIS_CELL_ERROR, 3)              \
@@ -49,7 +51,7 @@
     X(MSG_ERROR_UNHANDLED_RUNTIME_EXCEPTION, 4)                             \
     X(MSG_ERROR_VERIFY_FAILED_CREATE_CLONE_WITH_VSNAP_PRESENT_NOT_SUPPORTED, 3) \
     X(MSG_ERROR_VERIFY_FAILED_OPERATIONS_ON_VSNAP_NOT_SUPPORTED, 3)         \
-    X(MSG_ERROR_VERSION_CHECK, 1)                                           \
+    X(MSG_ERROR_VERSION_CHECK, 3)                                           \
     X(MSG_ERROR_VSNAP_CREATION_FAILED, 1)                                   \
     X(MSG_ERROR_VSNAP_OF_VSNAP_NOT_SUPPORTED, 1)
 // clang-format on
@@ -60,7 +62,7 @@ struct SHpEvaMessageKey {
     const char *key;
 };
 
-// One constant per key, named as the key: hpeva_msg::MSG_ERROR_VERSION_CHECK.
+// One constant per key, named as the key: hpeva_msg::MSG_ERROR_NO_CREDENTIALS.
 namespace hpeva_msg {
 #define HPEVA_MESSAGE_KEY(name, arguments) inline constexpr SHpEvaMessageKey<arguments> name{#name};
 HPEVA_MESSAGE_KEYS(HPEVA_MESSAGE_KEY)
@@ -89,7 +91,7 @@ void push(const qorin_pdk_4_4::CFiErrorManagerPtr &errors, const char *key, cons
 
 // Pushes one catalog message into the calling thread's slot and so to the host's callback:
 //
-//     pushMessage(m_errorManager, hpeva_msg::MSG_ERROR_VERSION_CHECK, QRN_SEVERITY_WARNING,
+//     pushMessage(m_errorManager, hpeva_msg::MSG_ERROR_NO_CREDENTIALS, QRN_SEVERITY_WARNING,
 //                 kSourceFile, __LINE__, text(path));
 //
 // Arguments are icu::Formattable holding a UnicodeString, an int32_t or a double, the types

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "cficonfigurationpathtool.h"
+#include "cfistringtool.h"
 #include "cfitracelogfunction.h"
 #include "hpeva_plugin.h"
 
@@ -58,9 +59,19 @@ CHpEvaCliTool CHpEvaConfiguration::importCliPathInfo()
     bool directoryConfigured = false;
     bool nameConfigured = false;
     ACE_Configuration_Section_Key section;
+    std::vector<std::string> versions;
     if (openSection(L"CLI_TOOL_INFO", section, 0) == 0) {
         directoryConfigured = getStringValue(L"FILEPATH", directory) == 0;
         nameConfigured = getStringValue(L"FILENAME", fileName) == 0;
+        ACE_WString accepted;
+        if (getStringValue(ACCEPTED_VERSIONS, accepted) == 0) {
+            for (const std::string &version : CFiStringTool::tokenize(CFiStringTool::tstr2str(accepted), ";")) {
+                const std::string trimmed = CFiStringTool::trim(version, " \t");
+                if (!trimmed.empty()) {
+                    versions.push_back(trimmed);
+                }
+            }
+        }
         if (directory.length() == 0 || directory[directory.length() - 1] != L'/') {
             directory += L"/";
         }
@@ -76,7 +87,9 @@ CHpEvaCliTool CHpEvaConfiguration::importCliPathInfo()
         }
     }
     trace(3, "SSSU is [%S%S].", directory.c_str(), fileName.c_str());
-    return CHpEvaCliTool(directory, fileName);
+    CHpEvaCliTool tool(directory, fileName);
+    tool.setAcceptedVersions(versions);
+    return tool;
 }
 
 SHpEvaTuningSettings CHpEvaConfiguration::importTuningSettings()

@@ -10,11 +10,16 @@
 #include "hpeva_restoresettings.h"
 #include "hpeva_tuningsettings.h"
 
-// The provider's own settings in <install>/ConfigFiles/tamlin.conf: where SSSU lies
-// (section "CLI_TOOL_INFO": FILEPATH, FILENAME), the tuning values ("TUNING_PARAMS") and
-// the restore settings ("RESTORE_INFO").
+// The provider's own settings in <install>/ConfigFiles/tamlin.conf: where SSSU lies and which
+// further versions of it are accepted (section "CLI_TOOL_INFO": FILEPATH, FILENAME,
+// ACCEPTED_VERSIONS), the tuning values ("TUNING_PARAMS") and the restore settings
+// ("RESTORE_INFO").
 class CHpEvaConfiguration : public qorin_pdk_4_4::CFiConfiguration {
 public:
+    // Beginnings of SSSU version lines, separated by ";", that are accepted beside the
+    // built-in table: "Version: 9.;Version: 10." for releases after 8.
+    static constexpr const wchar_t *ACCEPTED_VERSIONS = L"ACCEPTED_VERSIONS";
+
     CHpEvaConfiguration();
 
     // The configured directory and name; what isn't configured is searched for: the names

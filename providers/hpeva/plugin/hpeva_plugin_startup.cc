@@ -25,6 +25,20 @@ icu::Formattable text(const ACE_WString &value)
     return icu::Formattable(CFiStringTool::tstr2ustr(value));
 }
 
+icu::Formattable text(const std::string &value)
+{
+    return icu::Formattable(CFiStringTool::str2ustr(value));
+}
+
+// The provider's configuration file, for messages that send the administrator there.
+ACE_WString configFilePath()
+{
+    ACE_WString directory;
+    ACE_WString file;
+    CFiConfigurationPathTool::getConfigFileInfo(ACE_WString(CHpEvaPlugin::PROVIDER_NAME), directory, file);
+    return directory + file;
+}
+
 }  // namespace
 
 int CHpEvaPlugin::init()
@@ -46,6 +60,19 @@ int CHpEvaPlugin::init()
 
         CHpEvaConfiguration config;
         config.setTraceLog(m_traceLog);
+        // Defaults in place of the administrator's settings would run without his credentials
+        // or his SSSU, and hide the real fault behind another.
+        if (config.importState() == CFiConfiguration::MALFORMED) {
+            pushMessage(m_errorManager, hpeva_msg::MSG_ERROR_CONFIG_FILE_INVALID, QRN_SEVERITY_ERROR, kSourceFile,
+                        __LINE__, text(config.getFullPath()),
+                        icu::Formattable(static_cast<int32_t>(config.importLine())), text(config.importProblem()));
+            return QRN_ERR_INIT_FAILED;
+        }
+        if (config.importState() == CFiConfiguration::UNREADABLE) {
+            pushMessage(m_errorManager, hpeva_msg::MSG_ERROR_CONFIG_FILE_UNREADABLE, QRN_SEVERITY_ERROR, kSourceFile,
+                        __LINE__, text(config.getFullPath()), text(config.importProblem()));
+            return QRN_ERR_INIT_FAILED;
+        }
         cliTool = config.importCliPathInfo();
         postUnmaskWait = config.importTuningSettings().postUnmaskWait;
 
@@ -69,12 +96,8 @@ int CHpEvaPlugin::init()
             trace(3, "Imported credentials for [%d] array management appliances", static_cast<int>(credentials.size()));
             return QRN_OK;
         }
-        ACE_WString directory;
-        ACE_WString file;
-        CFiConfigurationPathTool::getConfigFileInfo(ACE_WString(PROVIDER_NAME), directory, file);
-        directory += file;
         pushMessage(m_errorManager, hpeva_msg::MSG_ERROR_NO_CREDENTIALS, QRN_SEVERITY_WARNING, kSourceFile, __LINE__,
-                    text(directory));
+                    text(configFilePath()));
         return QRN_ERR_INIT_FAILED;
     });
 }
@@ -84,9 +107,10 @@ int CHpEvaPlugin::delayedInit()
     CFiTraceLogFunction traceFunction(m_traceLog, "CHpEvaPlugin::delayedInit");
     return guard("delayedInit", __LINE__, true).run([&] {
         CHpEvaCliTool tool = newCliTool();
-        if (tool.checkVersion() != QRN_OK) {
+        std::string version;
+        if (tool.checkVersion(&version) != QRN_OK) {
             pushMessage(m_errorManager, hpeva_msg::MSG_ERROR_VERSION_CHECK, QRN_SEVERITY_WARNING, kSourceFile, __LINE__,
-                        text(tool.getPath()));
+                        text(tool.getPath()), text(version), text(configFilePath()));
             return QRN_ERR_VERSION_CHECK;
         }
         cells = tool.enumerateCells(credentials);

@@ -1,5 +1,8 @@
 #include "hpeva_clierrorprocessor.h"
 
+#include <algorithm>
+#include <cctype>
+
 #include "cfistringtool.h"
 #include "cfitracelogfunction.h"
 #include "hpeva_cliexception.h"
@@ -23,9 +26,11 @@ void CHpEvaCliErrorProcessor::cleanPassword(std::vector<std::string> &lines)
 {
     const size_t keyLength = std::char_traits<char>::length(kPasswordKey);
     for (std::string &line : lines) {
-        const size_t at = line.find(kPasswordKey);
-        if (at != std::string::npos) {
-            line.erase(at + keyLength);
+        // SSSU may echo the keyword as it was typed or in its own spelling (PASSWORD=).
+        const auto at = std::search(line.begin(), line.end(), kPasswordKey, kPasswordKey + keyLength,
+                                    [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; });
+        if (at != line.end()) {
+            line.erase(static_cast<size_t>(at - line.begin()) + keyLength);
             line += "********";
         }
     }

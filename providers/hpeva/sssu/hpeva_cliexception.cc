@@ -31,6 +31,18 @@ int CHpEvaCliException::report() const
     return report(processErrorManager());
 }
 
+namespace {
+
+// SSSU's text as the message shows it: a byte that isn't UTF-8 (a name in another code page)
+// becomes U+FFFD instead of emptying the whole argument.
+icu::Formattable shown(const std::string &text)
+{
+    return icu::Formattable(
+        icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<int32_t>(text.size()))));
+}
+
+}  // namespace
+
 int CHpEvaCliException::report(const CFiErrorManagerPtr &errors) const
 {
     std::string output;
@@ -41,7 +53,6 @@ int CHpEvaCliException::report(const CFiErrorManagerPtr &errors) const
     pushMessage(errors, hpeva_msg::MSG_ERROR_CLI_COMMAND_FAILED, QRN_SEVERITY_ERROR, m_sourceFile.c_str(), m_sourceLine,
                 icu::Formattable(CFiStringTool::tstr2ustr(m_command)),
                 icu::Formattable(CFiStringTool::str2ustr(m_sourceFile)), icu::Formattable(m_sourceLine),
-                icu::Formattable(CFiStringTool::str2ustr(m_errorText)),
-                icu::Formattable(CFiStringTool::str2ustr(output)));
+                shown(m_errorText), shown(output));
     return QRN_ERR_FAILED;
 }

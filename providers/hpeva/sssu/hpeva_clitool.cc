@@ -6,6 +6,7 @@
 #include "cfistringtool.h"
 #include "cfitracelogfunction.h"
 #include "hpeva_clierrorprocessor.h"
+#include "hpeva_cliexception.h"
 #include "hpeva_process.h"
 
 using namespace qorin_pdk_4_4;
@@ -13,6 +14,20 @@ using namespace qorin_pdk_4_4;
 namespace {
 
 const char *const kConnectionFailed = "Error opening https connection";
+
+// Why a run gave no output at all, for the administrator.
+std::string whyNothing(int status, const EFiExecPipe &failure, const ACE_WString &path)
+{
+    if (failure.getCode() == QRN_EXEC_PIPE_CREATE_CHILD_PROCESS_FAILED) {
+        return "SSSU could not be started (" + CFiStringTool::wstr2str(failure.getText()) + "): check that " +
+               CFiStringTool::tstr2str(path) + " is an executable program";
+    }
+    if (status == 0 || failure.getCode() == QRN_EXEC_PIPE_CMD_FAILED) {
+        return "SSSU printed nothing and ended with exit status " +
+               std::to_string(status == 0 ? 0 : failure.getStatus());
+    }
+    return std::string("SSSU printed nothing (") + failure.getCodeName() + ")";
+}
 
 }  // namespace
 
@@ -73,6 +88,19 @@ void CHpEvaCliTool::execSSSU(const ACE_WString &arguments, std::vector<std::stri
     } while (repeat && attemptsLeft != 0);
 
     CHpEvaCliErrorProcessor::cleanPassword(lines);
+    if (status == QRN_EXEC_PIPE_READ_TIMEOUT) {
+        const std::string silent = "SSSU was silent for " + std::to_string(timeout) +
+                                   (timeout == 1 ? " second" : " seconds") + " and was stopped";
+        log->trace(1, "execSSSU: %s: [%s]", silent.c_str(), narrow.c_str());
+        throw CHpEvaCliException(lines.empty() ? CHpEvaCliException::CLI_NO_DATA
+                                               : CHpEvaCliException::CLI_COMMAND_FAILED,
+                                 command, silent, lines, __FILE__, __LINE__);
+    }
+    if (lines.empty()) {
+        const std::string nothing = whyNothing(status, pipe->getLastError(), getPath());
+        log->trace(2, "No output was found for command [%S]: %s", command.c_str(), nothing.c_str());
+        throw CHpEvaCliException(CHpEvaCliException::CLI_NO_DATA, command, nothing, lines, __FILE__, __LINE__);
+    }
     const bool tolerated = CHpEvaCliErrorProcessor::processBuffer(lines, command);
     if (status != 0 && !tolerated) {
         EFiExecPipe failure = pipe->getLastError();

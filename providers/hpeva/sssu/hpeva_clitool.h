@@ -47,9 +47,11 @@ public:
 
     // Runs SSSU with arguments (CHpEvaCommandTempFile::getCommandFileOption) under the
     // machine-wide lock; a run that couldn't reach the Command View server is repeated after
-    // a second's sleep, up to three runs in all (and three sleeps). On return lines holds the last run's output with passwords
-    // masked. Throws CHpEvaCliException for no output or an unexpected "Error: " line, and
-    // EFiExecPipe for a failed run whose output shows no error. lines keeps what was read.
+    // a second's sleep, up to three runs in all (and three sleeps). On return lines holds the
+    // last run's output with passwords masked. Throws CHpEvaCliException for no output (with
+    // the reason: not started, exit status), a run stopped after timeout seconds of silence or
+    // an unexpected "Error: " line, and EFiExecPipe for a failed run whose output shows no
+    // error. lines keeps what was read.
     void execSSSU(const ACE_WString &arguments, std::vector<std::string> &lines, int timeout) const;
 
     // Cuts the output of an XML listing down to one document: the objects between the first
@@ -57,10 +59,16 @@ public:
     // removed.
     static void massageOutput(std::vector<std::string> &lines);
 
+    // Beginnings of SSSU version lines accepted beside the built-in table ("Version: 9."), from
+    // the setting ACCEPTED_VERSIONS of CLI_TOOL_INFO.
+    const std::vector<std::string> &getAcceptedVersions() const { return m_acceptedVersions; }
+    void setAcceptedVersions(const std::vector<std::string> &versions) { m_acceptedVersions = versions; }
+
     // Discovery (hpeva_clitool_discovery.cc). Results: QRN_OK; QRN_ERR_FAILED no host entry
     // matches; QRN_ERR_NO_SUCH_CELL no cell has the WWN; QRN_ERR_INIT_FAILED no supported SSSU
-    // version.
-    int checkVersion() const;
+    // version, and found (if given) then holds the line that tells SSSU's version, or else
+    // the first line it printed.
+    int checkVersion(std::string *found = nullptr) const;
     // Each cell once by WWN, with the first server's credential. Throws nothing: a server
     // that fails is reported or traced and skipped.
     std::vector<SHpEvaCell> enumerateCells(const std::vector<qorin_pdk_4_4::SFiCredential> &credentials) const;
@@ -120,6 +128,7 @@ public:
 private:
     ACE_WString m_fileName;
     ACE_WString m_directory;
+    std::vector<std::string> m_acceptedVersions;
     qorin_pdk_4_4::CFiEnv *m_env = qorin_pdk_4_4::CFiEnv::defaultEnv();
 };
 

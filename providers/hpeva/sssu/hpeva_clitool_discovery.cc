@@ -21,8 +21,6 @@ using namespace hpeva_cli;
 namespace {
 
 const char TRIM_CHARS[] = " \n\t\r";
-// SSSU's prompt: a line that holds it ends a list of names.
-const char PROMPT[] = ">";
 const char MANAGER_MARKER[] = "available on this Manager:";
 const char CELL_MARKER[] = "available on this Cell:";
 const char HOSTS_HEAD[] = "\\Hosts\\";
@@ -31,6 +29,7 @@ const char VDISK_LINE[] = " Virtual_disk : ";
 const size_t VDISK_LINE_LENGTH = sizeof(VDISK_LINE) - 1;
 // The SSSU versions the provider works with, in search order.
 const char *const SUPPORTED_VERSIONS[] = {"v4.", "v5.", "Version: 6.", "Version: 7.", "Version: 8."};
+const char VERSION_WORD[] = "Version";
 
 // The last element of a host path: "\Hosts\lab\rack\db01" gives "db01". The head is skipped
 // by position, as SSSU always prints it first.
@@ -46,7 +45,7 @@ std::string hostLeaf(const std::string &entry)
 
 }  // namespace
 
-int CHpEvaCliTool::checkVersion() const
+int CHpEvaCliTool::checkVersion(std::string *found) const
 {
     CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::checkVersion");
@@ -54,14 +53,33 @@ int CHpEvaCliTool::checkVersion() const
     CHpEvaCommandTempFile script;
     std::vector<std::string> lines;
     execSSSU(script.getCommandFileOption(), lines, DEFAULT_TIMEOUT);
-    for (const char *version : SUPPORTED_VERSIONS) {
+    std::vector<std::string> accepted(std::begin(SUPPORTED_VERSIONS), std::end(SUPPORTED_VERSIONS));
+    accepted.insert(accepted.end(), m_acceptedVersions.begin(), m_acceptedVersions.end());
+    for (const std::string &version : accepted) {
         size_t start = 0;
-        if (CFiStringTool::find(lines, version, start, false) != std::string::npos) {
+        if (CFiStringTool::find(lines, version.c_str(), start, false) != std::string::npos) {
             log->trace(3, "checkVersion: supported SSSU version found in line [%s]", lines[start].c_str());
             return QRN_OK;
         }
     }
-    log->trace(1, "checkVersion: no supported SSSU version in the tool's output");
+    // What to tell the administrator: the version line, else the first thing SSSU said.
+    size_t start = 0;
+    std::string line;
+    if (CFiStringTool::find(lines, VERSION_WORD, start, false) != std::string::npos) {
+        line = lines[start];
+    } else {
+        for (const std::string &text : lines) {
+            if (!CFiStringTool::trim(text, TRIM_CHARS).empty()) {
+                line = text;
+                break;
+            }
+        }
+    }
+    line = CFiStringTool::trim(line, TRIM_CHARS);
+    log->trace(1, "checkVersion: no supported SSSU version in the tool's output, which says [%s]", line.c_str());
+    if (found != nullptr) {
+        *found = line;
+    }
     return QRN_ERR_INIT_FAILED;
 }
 
@@ -83,14 +101,23 @@ std::vector<SHpEvaCell> CHpEvaCliTool::enumerateCells(const std::vector<SFiCrede
             const ACE_WString command(L"LS CELL");
             log->trace(2, "executing command [%S]", command.c_str());
             std::vector<std::string> lines;
-            runScript(*this, credential, command, ACE_WString(), lines);
+            try {
+                runListingScript(*this, credential, std::vector<ACE_WString>(1, command), ACE_WString(), lines,
+                                 __FILE__, __LINE__);
+            } catch (const CHpEvaCliException &e) {
+                // A server that can't be reached or stops early is told, and the next one asked.
+                e.report();
+                continue;
+            }
             size_t marker = 0;
             if (CFiStringTool::find(lines, MANAGER_MARKER, marker, false) == std::string::npos) {
                 CHpEvaCliException(CHpEvaCliException::CLI_NO_DATA, command, MANAGER_MARKER, lines, __FILE__, __LINE__)
                     .report();
                 continue;
             }
-            for (size_t i = marker + 1; i < lines.size() && !holds(lines[i], PROMPT); ++i) {
+            // The names end at the echo of the script's last command.
+            const size_t end = lastLineOf(lines);
+            for (size_t i = marker + 1; i < end; ++i) {
                 try {
                     SHpEvaCell cell;
                     static_cast<SFiCredential &>(cell) = credential;
@@ -156,13 +183,16 @@ std::vector<std::string> CHpEvaCliTool::enumerate(const SHpEvaCell &cell, const 
     CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::enumerate");
     std::vector<std::string> lines;
-    runScript(*this, cell, command, CFiStringTool::wstr2tstr(cell.cellname), lines);
+    runListingScript(*this, cell, std::vector<ACE_WString>(1, command), CFiStringTool::wstr2tstr(cell.cellname), lines,
+                     __FILE__, __LINE__);
     size_t start = 0;
     if (CFiStringTool::find(lines, marker, start, false) == std::string::npos) {
         throw CHpEvaCliException(CHpEvaCliException::CLI_NO_DATA, command, marker, lines, __FILE__, __LINE__);
     }
     std::vector<std::string> names;
-    for (size_t i = start + 1; i < lines.size() && !holds(lines[i], PROMPT); ++i) {
+    // The names end at the echo of the script's last command.
+    const size_t end = lastLineOf(lines);
+    for (size_t i = start + 1; i < end; ++i) {
         names.push_back(CFiStringTool::trim(lines[i], TRIM_CHARS));
     }
     return names;
@@ -251,7 +281,8 @@ std::vector<SHpEvaVdisk> CHpEvaCliTool::getLocalVdiskList(const SHpEvaCell &cell
     command += CFiStringTool::str2tstr(path);
     log->trace(2, "executing command [%S]", command.c_str());
     std::vector<std::string> lines;
-    runScript(*this, cell, command, CFiStringTool::wstr2tstr(cell.cellname), lines);
+    runListingScript(*this, cell, std::vector<ACE_WString>(1, command), CFiStringTool::wstr2tstr(cell.cellname), lines,
+                     __FILE__, __LINE__);
     size_t line = 0;
     size_t at;
     while ((at = CFiStringTool::find(lines, VDISK_LINE, line, false)) != std::string::npos) {

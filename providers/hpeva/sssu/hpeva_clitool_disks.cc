@@ -1,11 +1,13 @@
 // Virtual disks, their presentations to hosts (LUNs) and DR groups. Each operation is one
 // script and one SSSU run, logged in and with the cell selected through the record given.
+#include <cctype>
 #include <list>
 #include <string>
 #include <vector>
 
 #include "cfistringtool.h"
 #include "cfitracelogfunction.h"
+#include "cfiudidexception.h"
 #include "hpeva_clitool.h"
 #include "hpeva_clitool_run.h"
 #include "hpeva_lsdrgrouphandler.h"
@@ -20,6 +22,21 @@ namespace {
 ACE_WString wide(const std::string &text)
 {
     return CFiStringTool::str2tstr(text);
+}
+
+// Eight groups of four hexadecimal digits joined by hyphens, as SSSU prints wwlunid.
+bool isWorldWideLunName(const std::string &text)
+{
+    if (text.size() != 39) {
+        return false;
+    }
+    for (size_t i = 0; i < text.size(); ++i) {
+        const bool ok = i % 5 == 4 ? text[i] == '-' : std::isxdigit(static_cast<unsigned char>(text[i])) != 0;
+        if (!ok) {
+            return false;
+        }
+    }
+    return true;
 }
 
 ACE_WString cellOf(const SHpEvaCell &cell)
@@ -64,13 +81,18 @@ SHpEvaVdisk CHpEvaCliTool::findVirtualDisk(const SHpEvaCell &cell, const std::st
 {
     CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::findVirtualDisk");
+    // The identity comes from the host: only a world wide LUN name goes into the script.
+    if (!isWorldWideLunName(wwn)) {
+        log->trace(1, "findVirtualDisk: [%s] is not a world wide LUN name", wwn.c_str());
+        throw CFiUdidException(wwn, CFiUdidException::NOT_A_LUN_NAME);
+    }
     // A refresh first, so that a disk made moments ago through another server is seen.
     ACE_WString find(L"FIND VDISK LUNWWID=");
     find += wide(CFiStringTool::tostrlower(wwn));
     find += L" XML";
     log->trace(2, "executing command [%S]", find.c_str());
     std::vector<std::string> lines;
-    runScript(*this, cell, {ACE_WString(L"REFRESH"), find}, cellOf(cell), lines);
+    runListingScript(*this, cell, {ACE_WString(L"REFRESH"), find}, cellOf(cell), lines, __FILE__, __LINE__);
     CHpEvaLsVdiskHandler handler(cell);
     parseXmlOutput(lines, handler, find, __FILE__, __LINE__);
     return handler.getVdisk();

@@ -1,5 +1,7 @@
 #include "hpeva_clitool_run.h"
 
+#include <algorithm>
+
 #include "cfisaxparser.h"
 #include "cfistringtool.h"
 #include "hpeva_cliexception.h"
@@ -15,6 +17,13 @@ const char OBJECT_START[] = "<object>";
 const char OBJECT_END[] = "</object>";
 const char DOCUMENT_START[] = "<?xml version=\"1.0\" standalone=\"yes\" ?><hpeva_dataset>";
 const char DOCUMENT_END[] = "</hpeva_dataset>";
+const char TRIM[] = " \t\r\n";
+// The last line of every script; SSSU echoes it when it gets there.
+const char LAST_COMMAND[] = "exit";
+const char CONNECTION_FAILED[] = "Error opening https connection";
+const char NO_LOGIN[] = "SSSU could not log in to the Command View server";
+const char CUT_SHORT[] = "SSSU stopped before the end of its script (its last command, exit, was never echoed), so "
+                         "what it listed may be incomplete";
 
 using hpeva_cli::holds;
 
@@ -29,6 +38,25 @@ bool holdsInformation(const std::string &line)
         }
     }
     return false;
+}
+
+// A listing of nothing (a cell without hosts) prints prompts and the echo of its commands,
+// and nothing else after the banner: an empty document. Any other text goes to the parser,
+// which names what is wrong with it.
+bool listsNothing(const std::vector<std::string> &lines)
+{
+    bool prompted = false;
+    for (const std::string &line : lines) {
+        if (line.find('<') != std::string::npos) {
+            return false;
+        }
+        if (line.find('>') != std::string::npos) {
+            prompted = true;
+        } else if (prompted && line.find_first_not_of(TRIM) != std::string::npos) {
+            return false;
+        }
+    }
+    return prompted;
 }
 
 }  // namespace
@@ -77,6 +105,42 @@ void runScript(const CHpEvaCliTool &tool, const SFiCredential &credential, const
     runScript(tool, credential, std::vector<ACE_WString>(1, command), cell, lines);
 }
 
+size_t lastLineOf(const std::vector<std::string> &lines)
+{
+    for (size_t i = lines.size(); i > 0; --i) {
+        if (lines[i - 1].find_first_not_of(TRIM) != std::string::npos) {
+            return i - 1;
+        }
+    }
+    return lines.size();
+}
+
+bool ranToTheEnd(const std::vector<std::string> &lines)
+{
+    const size_t last = lastLineOf(lines);
+    if (last == lines.size()) {
+        return false;
+    }
+    const std::string text = CFiStringTool::trim(lines[last], TRIM);
+    const size_t prompt = text.rfind('>');
+    return prompt != std::string::npos &&
+           CFiStringTool::CompareNoCase(CFiStringTool::trim(text.substr(prompt + 1), TRIM), std::string(LAST_COMMAND));
+}
+
+void runListingScript(const CHpEvaCliTool &tool, const SFiCredential &credential,
+                      const std::vector<ACE_WString> &commands, const ACE_WString &cell,
+                      std::vector<std::string> &lines, const char *file, int line)
+{
+    runScript(tool, credential, commands, cell, lines);
+    if (!ranToTheEnd(lines)) {
+        size_t at = 0;
+        const bool login = CFiStringTool::find(lines, CONNECTION_FAILED, at, false) != std::string::npos;
+        processTraceLog()->trace(1, "SSSU stopped before the end of the script of [%S]", commands.back().c_str());
+        throw CHpEvaCliException(CHpEvaCliException::CLI_COMMAND_FAILED, commands.back(), login ? NO_LOGIN : CUT_SHORT,
+                                 lines, file, line);
+    }
+}
+
 void runListing(const CHpEvaCliTool &tool, const SFiCredential &credential, const ACE_WString &command,
                 const ACE_WString &cell, CFiSaxParseHandler &handler, const char *file, int line)
 {
@@ -84,7 +148,7 @@ void runListing(const CHpEvaCliTool &tool, const SFiCredential &credential, cons
     std::vector<std::string> lines;
     // Listings run to thousands of lines; start with room for a fair share of them.
     lines.reserve(1024);
-    runScript(tool, credential, command, cell, lines);
+    runListingScript(tool, credential, std::vector<ACE_WString>(1, command), cell, lines, file, line);
     parseXmlOutput(lines, handler, command, file, line);
 }
 
@@ -110,9 +174,14 @@ bool holds(const std::string &line, const char *text)
 void parseXmlOutput(std::vector<std::string> &lines, CFiSaxParseHandler &handler, const ACE_WString &command,
                     const char *file, int line)
 {
+    const bool nothing = listsNothing(lines);
     CHpEvaCliTool::massageOutput(lines);
     CFiSaxParser parser(&handler, nullptr);
-    parser.parse(lines);
+    if (!nothing) {
+        parser.parse(lines);
+    } else {
+        parser.parse(std::vector<std::string>{DOCUMENT_START, DOCUMENT_END});
+    }
     if (handler.hasLastError()) {
         throw CHpEvaCliException(CHpEvaCliException::CLI_COMMAND_FAILED, command, handler.getLastErrorText(), lines,
                                  file, line);

@@ -21,8 +21,21 @@ void runScript(const CHpEvaCliTool &tool, const qorin_pdk_4_4::SFiCredential &cr
 void runScript(const CHpEvaCliTool &tool, const qorin_pdk_4_4::SFiCredential &credential, const ACE_WString &command,
                const ACE_WString &cell, std::vector<std::string> &lines);
 
-// One XML listing from start to end: traces the command, runs its script and parses the
-// output with handler as parseXmlOutput does.
+// Whether SSSU was seen to the end of a script: its last line echoes the script's last
+// command, "exit", behind a prompt ("EVA01> exit"). SSSU that stops early may still exit 0.
+bool ranToTheEnd(const std::vector<std::string> &lines);
+// The index of that last line (lines.size() when there is none): a list of names printed by
+// the script's last listing ends before it. Names may hold ">" as the prompt does.
+size_t lastLineOf(const std::vector<std::string> &lines);
+
+// runScript for a listing: output that doesn't run to the end of the script is a failed
+// command (CLI_COMMAND_FAILED), since what it lists may be cut short.
+void runListingScript(const CHpEvaCliTool &tool, const qorin_pdk_4_4::SFiCredential &credential,
+                      const std::vector<ACE_WString> &commands, const ACE_WString &cell,
+                      std::vector<std::string> &lines, const char *file, int line);
+
+// One XML listing from start to end: traces the command, runs its script to the end and
+// parses the output with handler as parseXmlOutput does.
 void runListing(const CHpEvaCliTool &tool, const qorin_pdk_4_4::SFiCredential &credential, const ACE_WString &command,
                 const ACE_WString &cell, qorin_pdk_4_4::CFiSaxParseHandler &handler, const char *file, int line);
 
@@ -33,9 +46,9 @@ ACE_WString addLunCommand(const std::string &disk, const std::string &host, unsi
 bool holds(const std::string &line, const char *text);
 
 // The common tail of every XML listing: massages SSSU's lines into one document and parses
-// it with handler. A document that can't be read throws CHpEvaCliException
-// (CLI_COMMAND_FAILED) with the parser's message and the massaged lines; the source
-// position is the caller's.
+// it with handler. Output without any object is an empty listing. A document that can't be
+// read throws CHpEvaCliException (CLI_COMMAND_FAILED) with the parser's message and the
+// massaged lines; the source position is the caller's.
 void parseXmlOutput(std::vector<std::string> &lines, qorin_pdk_4_4::CFiSaxParseHandler &handler,
                     const ACE_WString &command, const char *file, int line);
 

@@ -49,8 +49,7 @@ CHpEvaLsCellHandler::~CHpEvaLsCellHandler() = default;
 
 void CHpEvaLsCellHandler::characters(const XMLCh *const chars, const XMLSize_t length)
 {
-    // Each call replaces the text: of a value split by an entity only the last piece stays.
-    assignText(chars, length);
+    appendText(chars, length);
 }
 
 void CHpEvaLsCellHandler::startElement(const XMLCh *const, const XMLCh *const, const XMLCh *const,

@@ -11,7 +11,7 @@ CHpEvaLsDrGroupHandler::~CHpEvaLsDrGroupHandler() = default;
 
 void CHpEvaLsDrGroupHandler::characters(const XMLCh *const chars, const XMLSize_t length)
 {
-    assignText(chars, length);
+    appendText(chars, length);
 }
 
 void CHpEvaLsDrGroupHandler::startElement(const XMLCh *const, const XMLCh *const, const XMLCh *const qname,

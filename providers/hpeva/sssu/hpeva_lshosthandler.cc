@@ -22,7 +22,7 @@ CHpEvaLsHostHandler::~CHpEvaLsHostHandler() = default;
 void CHpEvaLsHostHandler::characters(const XMLCh *const chars, const XMLSize_t length)
 {
     if (m_collecting) {
-        assignText(chars, length);
+        appendText(chars, length);
     }
 }
 

@@ -48,9 +48,8 @@ CHpEvaLsVdiskHandler::~CHpEvaLsVdiskHandler() = default;
 
 void CHpEvaLsVdiskHandler::characters(const XMLCh *const chars, const XMLSize_t length)
 {
-    // Replaces, as in the other handlers: of a value split by an entity the last piece stays.
     if (m_collecting) {
-        assignText(chars, length);
+        appendText(chars, length);
     }
 }
 
