@@ -28,6 +28,25 @@ const char kDevTree[] = "devHandle/";
 const char kTempMark = '.';
 const size_t kRecordLineBytes = 1024;
 
+// The number a record holds: its first line, decimal digits alone (blanks around them
+// allowed). Anything else is no number: read as 0, a garbage record would take LUN 0.
+bool recordNumber(const std::string &line, int &number)
+{
+    const size_t begin = line.find_first_not_of(" \t");
+    const size_t end = line.find_last_not_of(" \t\r\n");
+    if (begin == std::string::npos || end == std::string::npos || end < begin || end - begin >= 9) {
+        return false;
+    }
+    number = 0;
+    for (size_t i = begin; i <= end; ++i) {
+        if (line[i] < '0' || line[i] > '9') {
+            return false;
+        }
+        number = number * 10 + (line[i] - '0');
+    }
+    return true;
+}
+
 const char *nz(const char *text)
 {
     return text != nullptr ? text : "NULL";
@@ -233,9 +252,11 @@ int CFiPblmOps::getKeyValue(const char *key, int &value)
     value = -1;
     std::vector<std::string> values;
     int result = getKeyValue(key, values);
-    if (result == 0 && !values.empty()) {
-        int number = atoi(values.front().c_str());
-        value = number >= 0 && number <= 255 ? number : -1;
+    int number = -1;
+    if (result == 0 && !values.empty() && recordNumber(values.front(), number)) {
+        value = number <= 255 ? number : -1;
+    } else if (result == 0 && !values.empty()) {
+        trace(2, "CFiPblmOps::getKeyValue record [%s] holds no number; taken as no record", key);
     }
     return result;
 }
@@ -271,8 +292,8 @@ int CFiPblmOps::setKeyValue(const char *key, std::vector<std::string> values, co
     if (!getEnclMap(enclosureId, &element)) {
         trace(6, "CFiPblmOps::setKeyValue : No bit Map for the enclosureId=[%s].\n", enclosureId);
     } else {
-        int number = atoi(values.front().c_str());
-        if (inRange(number)) {
+        int number = -1;
+        if (recordNumber(values.front(), number) && inRange(number)) {
             element->map.set(static_cast<size_t>(number));
             trace(6, "CFiPblmOps::setKeyValue has set lun num [%d] in the lun map.\n", number);
         }
@@ -427,7 +448,11 @@ void CFiPblmOps::fillBitMap(const char *enclosureId, const std::string &path)
         trace(2, "CFiPblmOps::fillBitMap ignore failure in getCacheRecord err=[%d].", result);
         return;
     }
-    int number = atoi(values.front().c_str());
+    int number = -1;
+    if (!recordNumber(values.front(), number)) {
+        trace(2, "CFiPblmOps::fillBitMap record [%s] holds no number; no LUN is taken for it.", path.c_str());
+        return;
+    }
     if (inRange(number)) {
         element->map.set(static_cast<size_t>(number));
         trace(6, "CFiPblmOps::fillBitMap has set lun num [%d] in the lun map.", number);
@@ -483,8 +508,8 @@ int CFiPblmOps::rmCacheRecord(const char *key)
         if (result != 0) {
             trace(2, "CFiPblmOps::rmCacheRecord ignore failure in getCacheRecord err=[%d].", result);
         } else {
-            int number = atoi(values.front().c_str());
-            if (inRange(number)) {
+            int number = -1;
+            if (recordNumber(values.front(), number) && inRange(number)) {
                 Guard guard(m_lock);
                 resetLunNum(key, static_cast<unsigned>(number));
                 trace(6, "CFiPblmOps::rmCacheRecord has reset lun num [%d] in the lun map.", number);
@@ -543,8 +568,8 @@ void CFiPblmOps::rmLunPathRecord(const char *enclosureId, const std::string &nam
               result);
         return;
     }
-    int number = atoi(values.front().c_str());
-    if (number < 0 || static_cast<unsigned>(number) != *lun) {
+    int number = -1;
+    if (!recordNumber(values.front(), number) || static_cast<unsigned>(number) != *lun) {
         return;
     }
     trace(6, "CFiPblmOps::rmLunPathRecord got cache record for lun num [%d].", number);

@@ -214,7 +214,8 @@ TEST_F(LunMap, ReadingANumberBack)
         int value;
     };
     const std::vector<Case> cases = {
-        {"255", 0, 255}, {"256", 0, -1}, {"-3", 0, -1}, {"12\nrest", 0, 12}, {"junk", 0, 0}, {"", 26, -1},
+        {"255", 0, 255}, {"256", 0, -1},   {"-3", 0, -1},   {"12\nrest", 0, 12}, {" 7 \r\n", 0, 7},
+        {"junk", 0, -1}, {"12abc", 0, -1}, {"0x10", 0, -1}, {"", 26, -1},
     };
     for (const Case &c : cases) {
         writeFile(key, c.content);
@@ -226,6 +227,27 @@ TEST_F(LunMap, ReadingANumberBack)
     EXPECT_EQ(map.getKeyValue(nullptr, lines), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(map.getKeyValue(nullptr, value), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(value, -1);
+}
+
+// A record that holds no number is no record: it takes no LUN, not even 0, and removing the
+// records of LUN 0 leaves it alone.
+TEST_F(LunMap, AGarbageRecordTakesNoNumber)
+{
+    {
+        CFiPblmOps writer(cache);
+        writeFile(lunKey(writer, kEnclosure, 1), "junk");
+        writeFile(lunKey(writer, kEnclosure, 2), "3 tail");
+        writeFile(lunKey(writer, kEnclosure, 3), "4");
+    }
+    CFiPblmOps map(cache);
+    map.setLunNumRange(0, 254);
+    std::vector<std::string> free = offered(map);
+    ASSERT_EQ(free.size(), 254u);
+    EXPECT_EQ(free[0], "0");
+    EXPECT_EQ(free[3], "3");
+    EXPECT_EQ(std::count(free.begin(), free.end(), "4"), 0);
+    EXPECT_EQ(map.rmLunCacheRecord(kEnclosure, 0), 0);
+    EXPECT_TRUE(fs::exists(lunKey(map, kEnclosure, 1)));
 }
 
 TEST_F(LunMap, EnclosuresByCaseShareAMapAndOnlyTheFirstIsReadFromDisk)
