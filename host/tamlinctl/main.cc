@@ -39,7 +39,7 @@ std::map<std::string, Command> commands()
                     "interface version the provider announces, and calls fini.\n"
                     "\n"
                     "Exit status: 0 when init succeeded, 1 when it failed, 3 when the library\n"
-                    "could not be loaded or lacks entries.\n",
+                    "could not be loaded or lacks entries, or the provider has no install root.\n",
                     runCheck};
     all["info"] = {"show the provider, its interface version and its snapshot methods",
                    "Usage: tamlinctl [global options] info\n"
@@ -255,9 +255,11 @@ void printMainHelp(const std::map<std::string, Command> &all)
            "  -v, --verbose    also show the provider's trace lines (-vv, -vvv for more)\n"
            "  -h, --help       this text; `tamlinctl <command> --help` describes a command\n"
            "\n"
-           "The provider's messages appear on standard error as it pushes them.\n"
+           "The provider's messages appear on standard error as it pushes them. The\n"
+           "provider's install root is $QORIN_INSTALL_ROOT, or \"InstallDir64\" of\n"
+           "[SOFTWARE\\Orvanta\\Qorin] in $QORIN_REGISTRY (else /etc/qorin/registry.conf).\n"
            "Exit status: 0 success, 1 an entry of the provider failed, 2 bad usage,\n"
-           "3 the provider could not be loaded.\n",
+           "3 the provider could not be loaded or has no install root.\n",
            ProviderLibrary::defaultPath().c_str());
 }
 

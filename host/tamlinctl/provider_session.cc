@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "install_root.h"
 #include "text.h"
 
 namespace {
@@ -74,6 +75,10 @@ int ProviderSession::start()
         for (const std::string &name : m_library.missing()) {
             fprintf(stderr, "tamlinctl: missing entry %s\n", name.c_str());
         }
+        return kExitLoad;
+    }
+    // Without a root the provider could only answer with bare message keys.
+    if (!reportInstallRoot(findInstallRoot(), m_options.provider)) {
         return kExitLoad;
     }
     m_host.reset(new HostContext(m_options.language,

@@ -5,6 +5,8 @@
 #include "temp_install_root.h"
 #include "test_paths.h"
 
+#include <sys/wait.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -230,4 +232,49 @@ TEST(Tamlinctl, ConfigShowsSetsAndExplainsWhatItRefuses)
     EXPECT_EQ(tamlinctl(unloadable.substr(0, unloadable.size() - 4)).status, 2) << "set without a file";
     EXPECT_EQ(tamlinctl("--provider /nonexistent/libtamlin.so config " + node + "frob").status, 2);
     EXPECT_EQ(tamlinctl("--provider /nonexistent/libtamlin.so config " + node + "get --mode 2").status, 2);
+}
+
+// A new user without an install root is told in plain words where tamlinctl looked and how
+// to make one, not shown the bare keys of messages that have no catalog.
+TEST(Tamlinctl, NoInstallRootIsExplainedInPlainWords)
+{
+    CtlRun run{-1, ""};
+    const std::string prefix = "env -u QORIN_INSTALL_ROOT QORIN_REGISTRY=/nonexistent/registry.conf ";
+    FILE *pipe = popen((prefix + getenv("TAMLINCTL") + " disks 2>&1").c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    char buffer[4096];
+    size_t n;
+    while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
+        run.out.append(buffer, n);
+    }
+    const int status = pclose(pipe);
+    EXPECT_EQ(WEXITSTATUS(status), 3) << run.out;
+    for (const char *said : {"the provider has no install root",
+                             "[SOFTWARE\\Orvanta\\Qorin] in the registry file /nonexistent/registry.conf: there is no "
+                             "such file",
+                             "QORIN_INSTALL_ROOT: it is not set", "export QORIN_INSTALL_ROOT=/opt/tamlin/"}) {
+        EXPECT_NE(run.out.find(said), std::string::npos) << said << " in:\n" << run.out;
+    }
+    EXPECT_EQ(run.out.find("<MSG_"), std::string::npos) << run.out;
+}
+
+// A blob whose password lines are malformed: no output of the run, at any trace level, and no
+// log line carries a password.
+TEST(Tamlinctl, NoPasswordOfAMalformedBlobIsEverShown)
+{
+    TempInstallRoot &root = Install::site->root();
+    root.writeFile("credentials.blob", "[STORAGE_MANAGEMENT_SERVICE\\HP_HSV_CV1\\1]\n"
+                                       "\"HOSTNAME\"=\"cv1\"\n\"USERNAME\"=\"admin\"\n"
+                                       "PASSWORD=\"Sesame-1\"\n\"PASSWORD\"=Sesame-2\n\"Password\"=\"Sesame-3\n"
+                                       "password\"=Sesame-4\n\"PASSWORD\"=\"secret\"\n");
+    CtlRun run = tamlinctl("-vvv disks");
+    CtlRun json = tamlinctl("-vvv --json enclosures");
+    std::remove(root.credentialBlobFile().c_str());
+    EXPECT_EQ(run.status, 0) << run.out;
+    EXPECT_NE(run.out.find("WARNING: Invalid value '********' for key section 'PASSWORD'"), std::string::npos)
+        << run.out;
+    for (const std::string &output : {run.out, json.out, Install::site->log()}) {
+        EXPECT_EQ(output.find("Sesame"), std::string::npos) << output;
+        EXPECT_EQ(output.find("secret"), std::string::npos) << output;
+    }
 }
