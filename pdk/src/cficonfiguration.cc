@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 #include <stdio.h>
+#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -134,6 +135,34 @@ void collectSections(ACE_Configuration_Heap &heap, const ACE_Configuration_Secti
             collectSections(heap, sub, join(path, child), out);
         }
     }
+}
+
+// path below parent with each level in the letter case of a section that is there; levels
+// not there stay as given.
+std::string spelledAsKept(ACE_Configuration_Heap &heap, const ACE_Configuration_Section_Key &parent,
+                          const std::string &path)
+{
+    std::string spelled;
+    ACE_Configuration_Section_Key at = parent;
+    bool found = true;
+    for (const std::string &level : levelsOf(path)) {
+        std::string name = level;
+        ACE_Configuration_Section_Key next;
+        if (found && heap.open_section(at, level.c_str(), 0, next) != 0) {
+            found = false;
+            ACE_TString child;
+            for (int index = 0; heap.enumerate_sections(at, index, child) == 0; ++index) {
+                if (::strcasecmp(child.c_str(), level.c_str()) == 0) {
+                    name.assign(child.c_str(), child.length());
+                    found = heap.open_section(at, name.c_str(), 0, next) == 0;
+                    break;
+                }
+            }
+        }
+        at = next;
+        spelled = join(spelled, name);
+    }
+    return spelled;
 }
 
 int setValue(ACE_Configuration_Heap &heap, const ACE_Configuration_Section_Key &key, const SLine &line)
@@ -635,7 +664,16 @@ int CFiConfiguration::openSection(const ACE_Configuration_Section_Key &parent, c
     if (name == nullptr || m_heap == nullptr) {
         return -1;
     }
-    int status = m_heap->open_section(parent, narrow(name).c_str(), create, key);
+    const std::string path = narrow(name);
+    int status = m_heap->open_section(parent, path.c_str(), create, key);
+    if (status != 0) {
+        // ACE finds a section only in the letter case it was made in, yet refuses to make it
+        // in another: the one already there is meant.
+        const std::string spelled = spelledAsKept(*m_heap, parent, path);
+        if (spelled != path) {
+            status = m_heap->open_section(parent, spelled.c_str(), create, key);
+        }
+    }
     if (status == 0) {
         m_current = key;
         m_hasCurrent = true;

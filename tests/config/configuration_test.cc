@@ -245,6 +245,9 @@ TEST(Configuration, SectionsEnumerateInTheFilesOrder)
     EXPECT_EQ(names(config.enumerateSections()).back(), "new");
     EXPECT_EQ(names(config.enumerateSections(config.configHeap().root_section())),
               (std::vector<std::string>{"MANAGEMENT_APPLIANCE_INFO", "AFTER"}));
+    ACE_WString value;
+    EXPECT_EQ(config.getStringValue(L"management_appliance_info\\PRIMARY", L"HostName", value), 0);
+    EXPECT_EQ(narrow(value), "first.example.com");
 
     std::vector<std::string> hosts;
     for (const SFiCredential &c :
