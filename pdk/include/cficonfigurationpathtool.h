@@ -16,10 +16,10 @@ namespace qorin_pdk_4_4 {
 //   <install>/Messages/      lib<name> bundles     getMessageFileInfo
 //   <install>/CacheFiles/    LUN record files      getCacheLocationInfo
 //
-// A location's directory is created with mode 0755 when it is missing; its result is 0
-// whether or not that worked. Every directory ends in "/", so directory + file is the path.
-// Without a known install directory the locations give 2 and empty texts: nothing is ever
-// written relative to the working directory.
+// A location's directory is created with mode 0755 when it is missing. Its result is 0
+// whether or not that worked, and also without a known install directory: the directory is
+// then empty, which callers test, so that nothing is ever written relative to the working
+// directory. Every directory ends in "/", so directory + file is the path.
 class QORIN_PDK_API CFiConfigurationPathTool {
 public:
     // 0 when the registry stand-in names the directory; otherwise its non-zero status, and
@@ -41,7 +41,7 @@ public:
     static ACE_WString registryFile();
 
 private:
-    // <install>/<leaf>, created if missing; 2 without an install directory.
+    // <install>/<leaf>, created if missing; empty without an install directory. Always 0.
     static int location(const wchar_t *leaf, ACE_WString &directory);
 };
 

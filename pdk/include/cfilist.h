@@ -26,11 +26,14 @@ public:
         }
     }
 
-    // Appends the item's record; nothing is built when there is no out pointer to hand the
-    // list to, since the records would only leak.
+    // Appends the item's record and counts it. Without an out pointer the item is only
+    // counted: a record nobody receives would leak, as the host has no way to free it.
     virtual void add(Item &item)
     {
         if (m_out == nullptr) {
+            if (m_count != nullptr) {
+                ++*m_count;
+            }
             return;
         }
         ListRecord *record = buildNode(item);

@@ -206,8 +206,9 @@ int CFiConfigurationPathTool::location(const wchar_t *leaf, ACE_WString &directo
     ACE_WString install;
     getInstallPath(install);
     if (install.length() == 0) {
+        // Never a path relative to the working directory: a daemon's is often "/".
         directory = ACE_WString();
-        return 2;
+        return 0;
     }
     directory = install;
     directory += leaf;
@@ -220,23 +221,20 @@ int CFiConfigurationPathTool::location(const wchar_t *leaf, ACE_WString &directo
 
 int CFiConfigurationPathTool::getTraceFileInfo(const ACE_WString &name, ACE_WString &directory, ACE_WString &file)
 {
-    int status = location(L"Logs/", directory);
-    file = status == 0 ? name + ACE_WString(L".log") : ACE_WString();
-    return status;
+    file = name + ACE_WString(L".log");
+    return location(L"Logs/", directory);
 }
 
 int CFiConfigurationPathTool::getConfigFileInfo(const ACE_WString &name, ACE_WString &directory, ACE_WString &file)
 {
-    int status = location(L"ConfigFiles/", directory);
-    file = status == 0 ? name + ACE_WString(L".conf") : ACE_WString();
-    return status;
+    file = name + ACE_WString(L".conf");
+    return location(L"ConfigFiles/", directory);
 }
 
 int CFiConfigurationPathTool::getMessageFileInfo(const ACE_WString &name, ACE_WString &directory, ACE_WString &file)
 {
-    int status = location(L"Messages/", directory);
-    file = status == 0 ? ACE_WString(L"lib") + name : ACE_WString();
-    return status;
+    file = ACE_WString(L"lib") + name;
+    return location(L"Messages/", directory);
 }
 
 int CFiConfigurationPathTool::getCacheLocationInfo(ACE_WString &directory)

@@ -20,7 +20,8 @@ int CFiIcuMessageCatalog::init()
 {
     ACE_WString directory;
     ACE_WString file;
-    if (CFiConfigurationPathTool::getMessageFileInfo(CFiStringTool::wstr2tstr(m_catalogName), directory, file) != 0) {
+    CFiConfigurationPathTool::getMessageFileInfo(CFiStringTool::wstr2tstr(m_catalogName), directory, file);
+    if (directory.length() == 0) {
         return QRN_ERR_INVALID_ARGUMENT;
     }
     m_bundlePath = CFiStringTool::tstr2wstr(directory + file);

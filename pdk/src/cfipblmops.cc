@@ -93,9 +93,7 @@ std::string component(std::string text, bool replaceColons)
 std::string installCacheRoot()
 {
     ACE_WString directory;
-    if (CFiConfigurationPathTool::getCacheLocationInfo(directory) != 0) {
-        return std::string();
-    }
+    CFiConfigurationPathTool::getCacheLocationInfo(directory);
     return CFiStringTool::tstr2str(directory);
 }
 

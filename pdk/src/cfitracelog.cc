@@ -178,7 +178,8 @@ bool CFiTraceLog::importSettings(CFiConfiguration &config) const
 {
     ACE_WString directory;
     ACE_WString file;
-    if (CFiConfigurationPathTool::getConfigFileInfo(m_providerName, directory, file) != 0) {
+    CFiConfigurationPathTool::getConfigFileInfo(m_providerName, directory, file);
+    if (directory.length() == 0) {
         return false;
     }
     if (config.importConfig(directory.c_str(), file.c_str()) == 0) {
@@ -243,7 +244,8 @@ void CFiTraceLog::updateTraceLevelFromConfigFile()
     CFiConfiguration config;
     ACE_WString directory;
     ACE_WString file;
-    if (CFiConfigurationPathTool::getConfigFileInfo(m_providerName, directory, file) != 0) {
+    CFiConfigurationPathTool::getConfigFileInfo(m_providerName, directory, file);
+    if (directory.length() == 0) {
         return;
     }
     config.importConfig(directory.c_str(), file.c_str());

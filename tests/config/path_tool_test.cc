@@ -133,13 +133,22 @@ TEST(PathTool, WithoutAnInstallDirectoryNothingIsCreated)
     ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
     ASSERT_EQ(chdir(root.dir().c_str()), 0);
 
+    // The locations answer 0 with their file names, as with a root, and an empty directory
+    // instead of one relative to the working directory.
     ACE_WString dir(L"stale");
     ACE_WString file(L"stale");
-    EXPECT_NE(CFiConfigurationPathTool::getConfigFileInfo(L"tamlin", dir, file), 0);
+    EXPECT_EQ(CFiConfigurationPathTool::getConfigFileInfo(L"tamlin", dir, file), 0);
     EXPECT_EQ(dir.length(), 0u);
-    EXPECT_EQ(file.length(), 0u);
-    EXPECT_NE(CFiConfigurationPathTool::getTraceFileInfo(L"tamlin", dir, file), 0);
-    EXPECT_NE(CFiConfigurationPathTool::getCacheLocationInfo(dir), 0);
+    EXPECT_EQ(narrow(file), "tamlin.conf");
+    EXPECT_EQ(CFiConfigurationPathTool::getTraceFileInfo(L"tamlin", dir, file), 0);
+    EXPECT_EQ(dir.length(), 0u);
+    EXPECT_EQ(narrow(file), "tamlin.log");
+    EXPECT_EQ(CFiConfigurationPathTool::getMessageFileInfo(L"tamlin", dir, file), 0);
+    EXPECT_EQ(dir.length(), 0u);
+    EXPECT_EQ(narrow(file), "libtamlin");
+    dir = ACE_WString(L"stale");
+    EXPECT_EQ(CFiConfigurationPathTool::getCacheLocationInfo(dir), 0);
+    EXPECT_EQ(dir.length(), 0u);
     EXPECT_TRUE(root.list("").empty()) << "nothing below the working directory";
     ASSERT_EQ(chdir(cwd), 0);
 }

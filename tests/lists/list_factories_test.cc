@@ -85,15 +85,17 @@ TEST(ListFactory, TwoFactoriesOnOneOutPointerTheLaterDestructorWins)
     freeList(lost);
 }
 
-TEST(ListFactory, NoOutPointerBuildsNothing)
+TEST(ListFactory, NoOutPointerStillCountsButBuildsNothing)
 {
     int32_t count = 0;
     {
         CFiNodeListFactory factory(nullptr, &count);
         CFiNode node(L"tamlin", "d", "u", 0, 0, 0, 0);
         factory.add(node);
+        factory.add(node);
     }
-    EXPECT_EQ(count, 0) << "records nobody receives would only leak";
+    // A record built here would reach nobody; the leak check of the sanitizer runs sees it.
+    EXPECT_EQ(count, 2);
 }
 
 TEST(ListItems, ProviderInfoCarriesVersionWordsAndPatterns)
