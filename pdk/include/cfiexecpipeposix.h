@@ -17,6 +17,9 @@ namespace qorin_pdk_4_4 {
 // child runs in a process group of its own with standard output and standard error on one
 // pipe, and standard input on a pipe that Close shuts. Ending a child that doesn't end by
 // itself sends SIGINT, then SIGTERM, then SIGKILL to its group; a killed child reports 1067.
+// The child has no exit signal, so its status and its end reach this object whatever the
+// host does with SIGCHLD (ignore it, or reap with waitpid(-1)), and it is killed when the
+// host process dies.
 // A user name makes the child run with that account's uid, gid and groups, which needs
 // root; without root, or for an unknown account, ExecPipe fails with code 3 and
 // getLastError holds code 10. The password is not used on this system.
@@ -70,24 +73,31 @@ private:
     enum FillResult { FILL_DATA, FILL_END, FILL_QUIET, FILL_TIMED_OUT };
 
     void resetState();
+    int startChild(void *plan, pid_t &pid);
     FillResult fill(int32_t seconds);
     int takeRest(char *line);
     int reapNow();
+    // Reaps the keeper unless that was done, and frees what it held.
+    void releaseKeeper(bool reaped);
+    // Takes the child's status from the keeper's memory, then releases the keeper.
+    void finishKeeper(bool reaped);
+    // Waits for the keeper's end, killing it first when force is set.
+    void endKeeper(bool force);
     int waitForExit(int64_t milliseconds);
     void signalGroup(int signal);
     void releaseChild();
-    int spawnAsCaller(const std::string &program, char *const argv[], const std::string &directory, int childStdin,
-                      int childStdout, int childStderr, pid_t &pid);
-    int forkAsAccount(const std::string &program, char *const argv[], const std::string &directory, int childStdin,
-                      int childStdout, int childStderr, pid_t &pid);
 
     int m_lastSystemError;
     pid_t m_pid;
-    // Readable when the child has ended; -1 where the kernel offers none.
-    int m_pidFd;
+    // The process that starts the child, waits for it and keeps its status (see the
+    // source); its descriptor is readable when it has ended, -1 where the kernel offers
+    // none. Its memory holds the status and its stacks.
+    pid_t m_keeper;
+    int m_keeperFd;
+    void *m_keeperArea;
     int m_stdinWrite;
     int m_outputRead;
-    // The child was reaped while reading; its status waits for Close.
+    // The child has ended and its status is known; it waits for Close.
     bool m_exited;
     int m_exitStatus;
     bool m_endOfOutput;

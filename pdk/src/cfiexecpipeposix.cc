@@ -1,11 +1,15 @@
 #include "cfiexecpipeposix.h"
 
+#include <dlfcn.h>
 #include <fcntl.h>
+#include <gnu/lib-names.h>
 #include <grp.h>
 #include <poll.h>
 #include <pwd.h>
+#include <sched.h>
 #include <signal.h>
-#include <spawn.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <time.h>
@@ -109,18 +113,6 @@ int makePipe(int ends[2])
     return 0;
 }
 
-int openPidFd(pid_t pid)
-{
-#ifdef SYS_pidfd_open
-    int fd = static_cast<int>(syscall(SYS_pidfd_open, pid, 0));
-    if (fd >= 0) {
-        fcntl(fd, F_SETFD, FD_CLOEXEC);
-        return fd;
-    }
-#endif
-    return -1;
-}
-
 int decodeStatus(int status)
 {
     if (WIFEXITED(status)) {
@@ -133,7 +125,285 @@ int decodeStatus(int status)
     return -1;
 }
 
+// A run's child is started by a keeper: a small process that shares the host's memory,
+// never runs another program and has no exit signal. The kernel neither reaps such a
+// process for a host that ignores SIGCHLD nor hands it to a host's waitpid(-1), and the
+// host gets no SIGCHLD for it. The keeper starts the program as its own child, with SIGCHLD
+// at its default, waits for it and leaves the wait status in memory we share, so the
+// status and the end of the run reach us whatever the host does with SIGCHLD.
+//
+// The keeper and the program's child before exec run in the host's memory beside the
+// host's threads: they make raw system calls only (no errno, no lock, no allocation) and
+// are built without sanitizer instrumentation, which would act on the host thread's state.
+#define TAMLIN_RAW __attribute__((no_sanitize("address", "thread", "undefined")))
+
+// A system call without errno: the result, or -errno.
+TAMLIN_RAW __attribute__((always_inline)) inline long rawCall(long number, long a = 0, long b = 0, long c = 0,
+                                                              long d = 0, long e = 0)
+{
+#if defined(__x86_64__)
+    long result;
+    register long r10 __asm__("r10") = d;
+    register long r8 __asm__("r8") = e;
+    __asm__ volatile("syscall"
+                     : "=a"(result)
+                     : "a"(number), "D"(a), "S"(b), "d"(c), "r"(r10), "r"(r8)
+                     : "rcx", "r11", "memory");
+    return result;
+#elif defined(__aarch64__)
+    register long x8 __asm__("x8") = number;
+    register long x0 __asm__("x0") = a;
+    register long x1 __asm__("x1") = b;
+    register long x2 __asm__("x2") = c;
+    register long x3 __asm__("x3") = d;
+    register long x4 __asm__("x4") = e;
+    __asm__ volatile("svc 0" : "+r"(x0) : "r"(x8), "r"(x1), "r"(x2), "r"(x3), "r"(x4) : "memory", "cc");
+    return x0;
+#else
+#error "raw system calls are written for x86-64 and aarch64"
+#endif
+}
+
+// What the keeper and the program's child need; lives in the starting thread's frame
+// until the keeper has reported.
+struct StartPlan {
+    const char *path;
+    char *const *argv;
+    char *const *envp;
+    int input;
+    int output;
+    int error;
+    // Null: the parent's directory.
+    const char *directory;
+    bool asAccount;
+    uid_t uid;
+    gid_t gid;
+    const gid_t *groups;
+    size_t groupCount;
+    pid_t host;
+    int report;
+};
+
+using CloneCall = int (*)(int (*)(void *), void *, int, void *, ...);
+
+// The head of the keeper's mapping; its two stacks follow. Written by the keeper, read by
+// us once the keeper has ended.
+struct KeeperArea {
+    const StartPlan *plan;
+    CloneCall clone;
+    char *childStack;
+    // Set by the program's child when exec failed.
+    int execError;
+    // The program's wait status, valid when hasStatus is 1.
+    int waitStatus;
+    int hasStatus;
+};
+
+// What the keeper reports once the program runs or could not start.
+struct StartReport {
+    int32_t pid;
+    int32_t error;
+};
+
+// The kernel's sigaction, as rt_sigaction takes it.
+struct KernelSigaction {
+    void (*handler)(int);
+    unsigned long flags;
+    void (*restorer)();
+    unsigned long mask;
+};
+
+const int kKernelSignals = 64;
+const size_t kStackSize = 64 * 1024;
+const size_t kAreaSize = 4096 + 2 * kStackSize;
+
+TAMLIN_RAW int programChild(void *argument)
+{
+    KeeperArea &area = *static_cast<KeeperArea *>(argument);
+    const StartPlan &plan = *area.plan;
+    // Every signal at its default: the host's handlers mean nothing after exec, and an
+    // ignored SIGINT or SIGTERM would defeat the staged kill. All were blocked from before
+    // the keeper started, so no handler of the host ran in either.
+    KernelSigaction standard = {SIG_DFL, 0, nullptr, 0};
+    for (int signal = 1; signal <= kKernelSignals; ++signal) {
+        if (signal != SIGKILL && signal != SIGSTOP) {
+            rawCall(SYS_rt_sigaction, signal, reinterpret_cast<long>(&standard), 0, sizeof standard.mask);
+        }
+    }
+    long failed = rawCall(SYS_setpgid, 0, 0);
+    if (failed == 0) {
+        failed = rawCall(SYS_dup3, plan.input, STDIN_FILENO, 0);
+    }
+    if (failed >= 0) {
+        failed = rawCall(SYS_dup3, plan.output, STDOUT_FILENO, 0);
+    }
+    if (failed >= 0) {
+        failed = rawCall(SYS_dup3, plan.error, STDERR_FILENO, 0);
+    }
+    if (failed >= 0 && plan.asAccount) {
+        failed = rawCall(SYS_setgroups, static_cast<long>(plan.groupCount), reinterpret_cast<long>(plan.groups));
+        if (failed == 0) {
+            failed = rawCall(SYS_setresgid, plan.gid, plan.gid, plan.gid);
+        }
+        if (failed == 0) {
+            failed = rawCall(SYS_setresuid, plan.uid, plan.uid, plan.uid);
+        }
+    }
+    // The directory is entered with the account's rights, not with root's.
+    if (failed >= 0 && plan.directory != nullptr) {
+        failed = rawCall(SYS_chdir, reinterpret_cast<long>(plan.directory));
+    }
+    // The program ends with its keeper, and so with the host. Set after the change of
+    // account, which clears it.
+    if (failed >= 0) {
+        failed = rawCall(SYS_prctl, PR_SET_PDEATHSIG, SIGKILL);
+    }
+    if (failed >= 0) {
+        unsigned long none = 0;
+        rawCall(SYS_rt_sigprocmask, SIG_SETMASK, reinterpret_cast<long>(&none), 0, sizeof none);
+        failed = rawCall(SYS_execve, reinterpret_cast<long>(plan.path), reinterpret_cast<long>(plan.argv),
+                         reinterpret_cast<long>(plan.envp));
+    }
+    area.execError = failed < 0 ? static_cast<int>(-failed) : ECHILD;
+    rawCall(SYS_exit_group, 127);
+    return 127;
+}
+
+TAMLIN_RAW int keeper(void *argument)
+{
+    KeeperArea &area = *static_cast<KeeperArea *>(argument);
+    const StartPlan &plan = *area.plan;
+    const int report = plan.report;
+    // SIGCHLD at its default, whatever the host set: the kernel then keeps the program's
+    // status for our wait. The other signals stay blocked: only SIGKILL ends a keeper, and
+    // the keeper ends with the host.
+    KernelSigaction standard = {SIG_DFL, 0, nullptr, 0};
+    rawCall(SYS_rt_sigaction, SIGCHLD, reinterpret_cast<long>(&standard), 0, sizeof standard.mask);
+    StartReport told = {-1, ESRCH};
+    if (rawCall(SYS_prctl, PR_SET_PDEATHSIG, SIGKILL) == 0 && rawCall(SYS_getppid) == plan.host) {
+        area.execError = 0;
+        // The C library's clone, for the new stack; it touches errno only when it fails.
+        int child = area.clone(programChild, area.childStack, CLONE_VM | CLONE_VFORK | SIGCHLD, &area);
+        told.pid = child;
+        told.error = child < 0 ? EAGAIN : area.execError;
+        if (child > 0 && told.error != 0) {
+            int status;
+            rawCall(SYS_wait4, child, reinterpret_cast<long>(&status), 0, 0);
+            told.pid = -1;
+        }
+    }
+    rawCall(SYS_write, report, reinterpret_cast<long>(&told), sizeof told);
+    if (told.pid > 0) {
+        // From here on nothing of the plan: it is gone with the starting thread's frame.
+        int status = 0;
+        long done;
+        do {
+            done = rawCall(SYS_wait4, told.pid, reinterpret_cast<long>(&status), 0, 0);
+        } while (done == -EINTR);
+        if (done == told.pid) {
+            area.waitStatus = status;
+            area.hasStatus = 1;
+        }
+    }
+    rawCall(SYS_exit_group, 0);
+    return 0;
+}
+
+// The C library's own clone: a sanitizer's interceptor of clone takes every child for a
+// fork, which a process sharing our memory is not.
+CloneCall libcClone()
+{
+    static const CloneCall call = [] {
+        CloneCall found = nullptr;
+        if (void *libc = dlopen(LIBC_SO, RTLD_LAZY | RTLD_NOLOAD)) {
+            found = reinterpret_cast<CloneCall>(dlsym(libc, "clone"));
+            dlclose(libc);
+        }
+        return found != nullptr ? found : reinterpret_cast<CloneCall>(&::clone);
+    }();
+    return call;
+}
+
 }  // namespace
+
+// Starts the program of plan through a keeper; see above. 0 with the program's pid, or
+// errno.
+int CFiExecPipePosix::startChild(void *startPlan, pid_t &pid)
+{
+    StartPlan &plan = *static_cast<StartPlan *>(startPlan);
+    int report[2];
+    if (pipe2(report, O_CLOEXEC) != 0) {
+        return errno;
+    }
+    void *mapping = mmap(nullptr, kAreaSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (mapping == MAP_FAILED) {
+        int error = errno;
+        closeDescriptor(report[0]);
+        closeDescriptor(report[1]);
+        return error;
+    }
+    KeeperArea *area = static_cast<KeeperArea *>(mapping);
+    char *base = static_cast<char *>(mapping);
+    area->plan = &plan;
+    area->clone = libcClone();
+    area->childStack = base + kAreaSize;
+    plan.host = getpid();
+    plan.report = report[1];
+
+    // Every signal blocked across the start, so that no handler of the host runs in the
+    // keeper or in the child before it has set its own.
+    unsigned long all = ~0UL;
+    unsigned long before = 0;
+    rawCall(SYS_rt_sigprocmask, SIG_SETMASK, reinterpret_cast<long>(&all), reinterpret_cast<long>(&before), sizeof all);
+    // The keeper shares memory and descriptors: it holds no copy of the host's files, so a
+    // pipe or socket the host closes is closed.
+    const int flags = CLONE_VM | CLONE_FILES;
+    int keeperFd = -1;
+    char *keeperStack = base + 4096 + kStackSize;
+    int started = libcClone()(keeper, keeperStack, flags | CLONE_PIDFD, area, &keeperFd);
+    if (started < 0 && errno == EINVAL) {
+        // A kernel without process descriptors: the end is then found by polling.
+        keeperFd = -1;
+        started = libcClone()(keeper, keeperStack, flags, area);
+    }
+    int error = started < 0 ? errno : 0;
+    rawCall(SYS_rt_sigprocmask, SIG_SETMASK, reinterpret_cast<long>(&before), 0, sizeof before);
+    if (started < 0) {
+        closeDescriptor(report[0]);
+        closeDescriptor(report[1]);
+        munmap(mapping, kAreaSize);
+        return error;
+    }
+    m_keeper = started;
+    m_keeperFd = keeperFd;
+    m_keeperArea = mapping;
+
+    // The keeper shares our descriptors, so its end closes no pipe: a keeper killed before
+    // it reported shows through its process descriptor.
+    StartReport told = {-1, ECHILD};
+    ssize_t got = -1;
+    struct pollfd waitFor[2] = {{report[0], POLLIN, 0}, {m_keeperFd, POLLIN, 0}};
+    for (;;) {
+        int ready = pollUntil(waitFor, m_keeperFd >= 0 ? 2 : 1, INT32_MAX);
+        if (ready > 0 && waitFor[0].revents != 0) {
+            do {
+                got = read(report[0], &told, sizeof told);
+            } while (got < 0 && errno == EINTR);
+        }
+        if (ready != 0) {
+            break;
+        }
+    }
+    closeDescriptor(report[0]);
+    closeDescriptor(report[1]);
+    if (got != static_cast<ssize_t>(sizeof told) || told.pid <= 0) {
+        // The keeper ends by itself after a failed start.
+        releaseKeeper(false);
+        return told.error != 0 ? told.error : ECHILD;
+    }
+    pid = told.pid;
+    return 0;
+}
 
 std::vector<std::string> CFiExecPipePosix::splitCommandLine(const std::string &commandLine)
 {
@@ -234,7 +504,9 @@ void CFiExecPipePosix::resetState()
 {
     m_lastSystemError = 0;
     m_pid = -1;
-    m_pidFd = -1;
+    m_keeper = -1;
+    m_keeperFd = -1;
+    m_keeperArea = nullptr;
     m_stdinWrite = -1;
     m_outputRead = -1;
     m_exited = false;
@@ -372,8 +644,20 @@ int CFiExecPipePosix::CreateChildProcess(std::string &command, int childStdin, i
             argv.push_back(&word[0]);
         }
         argv.push_back(nullptr);
-        error = m_asAccount ? forkAsAccount(program, argv.data(), directory, childStdin, childStdout, childStderr, pid)
-                            : spawnAsCaller(program, argv.data(), directory, childStdin, childStdout, childStderr, pid);
+        StartPlan plan = {};
+        plan.path = program.c_str();
+        plan.argv = argv.data();
+        plan.envp = environ;
+        plan.input = childStdin;
+        plan.output = childStdout;
+        plan.error = childStderr;
+        plan.directory = directory.empty() ? nullptr : directory.c_str();
+        plan.asAccount = m_asAccount;
+        plan.uid = m_uid;
+        plan.gid = m_gid;
+        plan.groups = m_groups.data();
+        plan.groupCount = m_groups.size();
+        error = startChild(&plan, pid);
     }
     if (error != 0) {
         m_lastSystemError = error;
@@ -382,113 +666,6 @@ int CFiExecPipePosix::CreateChildProcess(std::string &command, int childStdin, i
                           CFiStringTool::str2wstr(systemText(error)), error);
     }
     m_pid = pid;
-    m_pidFd = openPidFd(pid);
-    return 0;
-}
-
-int CFiExecPipePosix::spawnAsCaller(const std::string &program, char *const argv[], const std::string &directory,
-                                    int childStdin, int childStdout, int childStderr, pid_t &pid)
-{
-    posix_spawn_file_actions_t actions;
-    posix_spawnattr_t attributes;
-    int error = posix_spawn_file_actions_init(&actions);
-    if (error != 0) {
-        return error;
-    }
-    error = posix_spawnattr_init(&attributes);
-    if (error != 0) {
-        posix_spawn_file_actions_destroy(&actions);
-        return error;
-    }
-    sigset_t none;
-    sigset_t all;
-    sigemptyset(&none);
-    sigfillset(&all);
-    // The host's blocked or ignored signals must not reach the child, or the staged kill
-    // could not end it.
-    if ((error = posix_spawn_file_actions_adddup2(&actions, childStdin, STDIN_FILENO)) == 0 &&
-        (error = posix_spawn_file_actions_adddup2(&actions, childStdout, STDOUT_FILENO)) == 0 &&
-        (error = posix_spawn_file_actions_adddup2(&actions, childStderr, STDERR_FILENO)) == 0 &&
-        (directory.empty() || (error = posix_spawn_file_actions_addchdir_np(&actions, directory.c_str())) == 0) &&
-        (error = posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK |
-                                                           POSIX_SPAWN_SETSIGDEF)) == 0 &&
-        (error = posix_spawnattr_setpgroup(&attributes, 0)) == 0 &&
-        (error = posix_spawnattr_setsigmask(&attributes, &none)) == 0 &&
-        (error = posix_spawnattr_setsigdefault(&attributes, &all)) == 0) {
-        error = posix_spawn(&pid, program.c_str(), &actions, &attributes, argv, environ);
-    }
-    posix_spawnattr_destroy(&attributes);
-    posix_spawn_file_actions_destroy(&actions);
-    return error;
-}
-
-int CFiExecPipePosix::forkAsAccount(const std::string &program, char *const argv[], const std::string &directory,
-                                    int childStdin, int childStdout, int childStderr, pid_t &pid)
-{
-    // posix_spawn can't change the account, so this path forks. Between fork and exec the
-    // child makes only async-signal-safe calls, and tells a failure through a pipe that
-    // the exec closes.
-    int report[2];
-    int error = makePipe(report);
-    if (error != 0) {
-        return error;
-    }
-    const char *path = program.c_str();
-    const char *dir = directory.empty() ? nullptr : directory.c_str();
-    const gid_t *groups = m_groups.data();
-    size_t groupCount = m_groups.size();
-    uid_t uid = m_uid;
-    gid_t gid = m_gid;
-
-    pid_t child = fork();
-    if (child < 0) {
-        error = errno;
-        closeDescriptor(report[0]);
-        closeDescriptor(report[1]);
-        return error;
-    }
-    if (child == 0) {
-        setpgid(0, 0);
-        int failure = 0;
-        // The directory is entered with the account's rights, not with root's.
-        if (dup2(childStdin, STDIN_FILENO) < 0 || dup2(childStdout, STDOUT_FILENO) < 0 ||
-            dup2(childStderr, STDERR_FILENO) < 0 || setgroups(groupCount, groups) != 0 || setgid(gid) != 0 ||
-            setuid(uid) != 0 || (dir != nullptr && chdir(dir) != 0)) {
-            failure = errno;
-        } else {
-            struct sigaction standard;
-            memset(&standard, 0, sizeof standard);
-            standard.sa_handler = SIG_DFL;
-            for (int signal = 1; signal < NSIG; ++signal) {
-                sigaction(signal, &standard, nullptr);
-            }
-            sigset_t none;
-            sigemptyset(&none);
-            sigprocmask(SIG_SETMASK, &none, nullptr);
-            execve(path, argv, environ);
-            failure = errno;
-        }
-        ssize_t ignored = write(report[1], &failure, sizeof failure);
-        (void)ignored;
-        _exit(127);
-    }
-
-    // Either side may come first; both set the group so that no signal misses it.
-    setpgid(child, child);
-    closeDescriptor(report[1]);
-    int failure = 0;
-    ssize_t got;
-    do {
-        got = read(report[0], &failure, sizeof failure);
-    } while (got < 0 && errno == EINTR);
-    closeDescriptor(report[0]);
-    if (got == static_cast<ssize_t>(sizeof failure)) {
-        int status;
-        while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-        }
-        return failure != 0 ? failure : ECHILD;
-    }
-    pid = child;
     return 0;
 }
 
@@ -505,26 +682,65 @@ int CFiExecPipePosix::reapNow()
     if (m_exited) {
         return 1;
     }
-    if (m_pid <= 0) {
+    if (m_keeper <= 0) {
         return -1;
     }
     int status = 0;
     pid_t done;
     do {
-        done = waitpid(m_pid, &status, WNOHANG);
+        // __WALL: the keeper has no exit signal, which a plain wait passes over.
+        done = waitpid(m_keeper, &status, WNOHANG | __WALL);
     } while (done < 0 && errno == EINTR);
     if (done == 0) {
         return 0;
     }
-    if (done < 0) {
-        // Someone else reaped it (a host that ignores SIGCHLD); its status is lost.
-        m_lastSystemError = errno;
-        return -1;
-    }
-    m_exited = true;
-    m_exitStatus = decodeStatus(status);
-    closeDescriptor(m_pidFd);
+    // Gone either way: reaped here, or by a host that waits with __WALL, which takes only
+    // a keeper that has ended. The program's status is in our memory all the same.
+    m_lastSystemError = done < 0 ? errno : 0;
+    finishKeeper(true);
     return 1;
+}
+
+void CFiExecPipePosix::releaseKeeper(bool reaped)
+{
+    if (m_keeper > 0 && !reaped) {
+        int status;
+        while (waitpid(m_keeper, &status, __WALL) < 0 && errno == EINTR) {
+        }
+    }
+    // Only now: the keeper ran on stacks in this mapping.
+    if (m_keeperArea != nullptr) {
+        munmap(m_keeperArea, kAreaSize);
+        m_keeperArea = nullptr;
+    }
+    closeDescriptor(m_keeperFd);
+    m_keeper = -1;
+}
+
+void CFiExecPipePosix::finishKeeper(bool reaped)
+{
+    const KeeperArea *area = static_cast<const KeeperArea *>(m_keeperArea);
+    m_exited = true;
+    m_exitStatus = area != nullptr && area->hasStatus == 1 ? decodeStatus(area->waitStatus) : -1;
+    if (m_exitStatus < 0) {
+        trace(1, "Child %d: its keeper ended without its exit status", static_cast<int>(m_pid));
+    }
+    releaseKeeper(reaped);
+}
+
+void CFiExecPipePosix::endKeeper(bool force)
+{
+    if (m_keeper <= 0) {
+        return;
+    }
+    if (force) {
+        // Through the process descriptor where there is one: it can't hit a process that
+        // took over a reused number.
+        if (m_keeperFd < 0 || rawCall(SYS_pidfd_send_signal, m_keeperFd, SIGKILL, 0, 0) != 0) {
+            kill(m_keeper, SIGKILL);
+        }
+    }
+    finishKeeper(false);
 }
 
 int CFiExecPipePosix::waitForExit(int64_t milliseconds)
@@ -540,8 +756,8 @@ int CFiExecPipePosix::waitForExit(int64_t milliseconds)
         if (left <= 0) {
             return 0;
         }
-        if (m_pidFd >= 0) {
-            struct pollfd end = {m_pidFd, POLLIN, 0};
+        if (m_keeperFd >= 0) {
+            struct pollfd end = {m_keeperFd, POLLIN, 0};
             if (pollUntil(&end, 1, left) < 0) {
                 m_lastSystemError = errno;
                 return -1;
@@ -569,7 +785,7 @@ void CFiExecPipePosix::signalGroup(int signal)
 
 void CFiExecPipePosix::releaseChild()
 {
-    closeDescriptor(m_pidFd);
+    endKeeper(true);
     m_pid = -1;
     m_exited = false;
     m_exitStatus = -1;
@@ -603,11 +819,13 @@ int CFiExecPipePosix::WaitPid(int32_t seconds)
     }
     trace(2, "Child %d ignored SIGINT and SIGTERM, killing its group", static_cast<int>(m_pid));
     signalGroup(SIGKILL);
-    // Normally at once; a child stuck in the kernel is left behind rather than waited for.
-    waitForExit(toMilliseconds(std::max<int32_t>(wait, 1)));
+    // Normally at once; a child stuck in the kernel is left behind rather than waited for:
+    // its keeper is killed, which it can't hold up.
+    if (waitForExit(toMilliseconds(std::max<int32_t>(wait, 1))) <= 0) {
+        endKeeper(true);
+    }
     m_exited = true;
     m_exitStatus = QRN_EXEC_PIPE_FORCED_EXIT_STATUS;
-    closeDescriptor(m_pidFd);
     return QRN_EXEC_PIPE_FORCED_EXIT_STATUS;
 }
 
@@ -662,11 +880,11 @@ CFiExecPipePosix::FillResult CFiExecPipePosix::fill(int32_t seconds)
         // Once the child has ended, only what is already in the pipe counts; a descendant
         // that still holds the pipe open must not hold up the reader.
         bool childGone = m_pid <= 0 || m_exited;
-        if (!childGone && m_pidFd < 0) {
+        if (!childGone && m_keeperFd < 0) {
             childGone = reapNow() != 0;
         }
-        struct pollfd ready[2] = {{m_outputRead, POLLIN, 0}, {m_pidFd, POLLIN, 0}};
-        nfds_t count = (!childGone && m_pidFd >= 0) ? 2 : 1;
+        struct pollfd ready[2] = {{m_outputRead, POLLIN, 0}, {m_keeperFd, POLLIN, 0}};
+        nfds_t count = (!childGone && m_keeperFd >= 0) ? 2 : 1;
         int got = pollUntil(ready, count, childGone ? 0 : toMilliseconds(seconds));
         if (got == 0) {
             return childGone ? FILL_QUIET : FILL_TIMED_OUT;

@@ -3,8 +3,14 @@
 #ifndef EXECPIPE_SUPPORT_H
 #define EXECPIPE_SUPPORT_H
 
+#include <signal.h>
+#include <time.h>
+
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -21,6 +27,32 @@
 inline std::string childCommand(const std::string &arguments)
 {
     return std::string("\"") + EXECPIPE_CHILD + "\" " + arguments;
+}
+
+// A process that no longer runs: gone, or a zombie that its new parent hasn't reaped yet.
+inline bool goneOrDead(int pid)
+{
+    if (kill(pid, 0) != 0) {
+        return true;
+    }
+    std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
+    std::string text((std::istreambuf_iterator<char>(stat)), std::istreambuf_iterator<char>());
+    size_t close = text.rfind(')');
+    return close != std::string::npos && close + 2 < text.size() && text[close + 2] == 'Z';
+}
+
+// Whether pid stops running within seconds; a signal reaches its target a moment later.
+inline bool endsWithin(int pid, int seconds)
+{
+    auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+    while (!goneOrDead(pid)) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        struct timespec pause = {0, 10 * 1000 * 1000};
+        nanosleep(&pause, nullptr);
+    }
+    return true;
 }
 
 // Collects every trace line that reaches the error manager's handlers.
