@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -13,6 +16,7 @@
 #include "hpeva_cliexception.h"
 #include "hpeva_commandtempfile.h"
 #include "hpeva_guard.h"
+#include "hpeva_plugin.h"
 #include "qrn_results.h"
 #include "sssu_support.h"
 
@@ -68,6 +72,42 @@ TEST_F(ScriptFile, PrivateFileInTmpdirThatGoesWithItsObject)
     }
     EXPECT_NE(access(path.c_str(), F_OK), 0) << "removed at scope end";
     EXPECT_TRUE(filesIn(site.tmp).empty());
+}
+
+TEST_F(ScriptFile, ScriptsOfProcessesThatAreGoneGoAtTheNextStart)
+{
+    CHpEvaCommandTempFile mine;
+    const std::string own = CFiStringTool::tstr2str(mine.getPath()).substr(site.tmp.size() + 1);
+    EXPECT_EQ(own.rfind("omx_fi" + std::to_string(getpid()) + "_", 0), 0u) << "the name carries the owner: " << own;
+
+    pid_t gone = fork();
+    if (gone == 0) {
+        _exit(0);
+    }
+    ASSERT_GT(gone, 0);
+    int status;
+    ASSERT_EQ(waitpid(gone, &status, 0), gone);
+    const std::string left = "omx_fi" + std::to_string(gone) + "_Ab12Cd";
+    const std::vector<std::string> kept = {
+        "omx_fi1_Ab12Cd",                               // a process that runs
+        "omx_fiAb12Cd",                                 // no owner in the name
+        "omx_fi" + std::to_string(gone) + "_notes.txt"  // not a script's name
+    };
+    writeFile(site.tmp + "/" + left, "select manager cv user=u password=p\n");
+    for (const std::string &name : kept) {
+        writeFile(site.tmp + "/" + name, "x");
+    }
+
+    // Through a start of the plug-in, which fails here for want of SSSU and cleans all the same.
+    CHpEvaPlugin plugin;
+    plugin.init();
+    std::vector<std::string> names = filesIn(site.tmp);
+    std::sort(names.begin(), names.end());
+    std::vector<std::string> expected = kept;
+    expected.push_back(own);
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(names, expected);
+    EXPECT_EQ(CHpEvaCommandTempFile::removeLeftovers(), 0);
 }
 
 TEST_F(ScriptFile, LoginCellAndCommandsAsTheyStand)

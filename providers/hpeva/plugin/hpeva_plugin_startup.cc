@@ -8,6 +8,7 @@
 #include "cfiprivatedatamanager.h"
 #include "cfistringtool.h"
 #include "cfitracelogfunction.h"
+#include "hpeva_commandtempfile.h"
 #include "hpeva_configuration.h"
 #include "hpeva_messages.h"
 #include "hpeva_privatedata.h"
@@ -45,6 +46,8 @@ int CHpEvaPlugin::init()
 {
     CFiTraceLogFunction traceFunction(m_traceLog, "CHpEvaPlugin::init");
     return guard("init", __LINE__, true).run([&] {
+        // A host killed during a run left its script behind, with a password in it.
+        CHpEvaCommandTempFile::removeLeftovers();
         m_catalogFactory.reset(new CFiIcuMessageCatalogFactory(PROVIDER_NAME, "root"));
         if (!m_catalogManager.isNull()) {
             m_catalogManager->registerFactory(m_catalogFactory.get());

@@ -1,11 +1,15 @@
 #include "hpeva_commandtempfile.h"
 
 #include <ace/ACE.h>
+#include <ace/Dirent.h>
 #include <ace/OS_NS_errno.h>
+#include <ace/OS_NS_signal.h>
 #include <ace/OS_NS_stdlib.h>
 #include <ace/OS_NS_string.h>
+#include <ace/OS_NS_sys_stat.h>
 #include <ace/OS_NS_unistd.h>
 
+#include <cerrno>
 #include <cstring>
 #include <string>
 
@@ -21,6 +25,39 @@ namespace {
 const char *const kPrelude = "set option NOCOMMAND_DELAY\n"
                              "set option DISPLAY_WIDTH=200\n"
                              "set option ON_ERROR=EXIT_ON_ERROR\n";
+
+const char kPrefix[] = "omx_fi";
+// What mkstemp puts behind the owner's process id and "_".
+const size_t kUniqueLength = 6;
+
+std::string scriptDirectory()
+{
+    const char *tmp = ACE_OS::getenv("TMPDIR");
+    std::string dir = (tmp != nullptr && *tmp != '\0') ? std::string(tmp) : std::string("/tmp");
+    if (dir.back() != '/') {
+        dir += '/';
+    }
+    return dir;
+}
+
+// The owner's process id in a script's name; 0 for any other name.
+pid_t ownerOf(const std::string &name)
+{
+    const size_t prefix = sizeof kPrefix - 1;
+    const size_t underscore = name.find('_', prefix);
+    if (name.compare(0, prefix, kPrefix) != 0 || underscore == std::string::npos || underscore == prefix ||
+        underscore > prefix + 9 || name.size() != underscore + 1 + kUniqueLength) {
+        return 0;
+    }
+    pid_t pid = 0;
+    for (size_t i = prefix; i < underscore; ++i) {
+        if (name[i] < '0' || name[i] > '9') {
+            return 0;
+        }
+        pid = pid * 10 + (name[i] - '0');
+    }
+    return pid;
+}
 
 bool breaksLine(const std::wstring &value)
 {
@@ -98,6 +135,39 @@ CHpEvaCommandTempFile::~CHpEvaCommandTempFile()
     }
 }
 
+int CHpEvaCommandTempFile::removeLeftovers()
+{
+    CFiTraceLogPtr log = processTraceLog();
+    CFiTraceLogFunction function(log, "CHpEvaCommandTempFile::removeLeftovers");
+    const std::string dir = scriptDirectory();
+    ACE_Dirent listing;
+    if (listing.open(dir.c_str()) != 0) {
+        return 0;
+    }
+    int removed = 0;
+    while (ACE_DIRENT *entry = listing.read()) {
+        const std::string name(entry->d_name);
+        const pid_t owner = ownerOf(name);
+        if (owner <= 0 || owner == ACE_OS::getpid()) {
+            continue;
+        }
+        const std::string path = dir + name;
+        ACE_stat info;
+        // Only this account's own scripts, and only for a process that is gone: a process
+        // of another account answers EPERM, a live one 0.
+        if (ACE_OS::lstat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode) || info.st_uid != ACE_OS::geteuid() ||
+            ACE_OS::kill(owner, 0) == 0 || errno != ESRCH) {
+            continue;
+        }
+        if (ACE_OS::unlink(path.c_str()) == 0) {
+            ++removed;
+            log->trace(2, "Removed the SSSU script [%s] that process %d left behind; that process no longer runs",
+                       path.c_str(), static_cast<int>(owner));
+        }
+    }
+    return removed;
+}
+
 ACE_WString CHpEvaCommandTempFile::getCommandFileOption() const
 {
     ACE_WString option(L" \"FILE ");
@@ -137,12 +207,7 @@ void CHpEvaCommandTempFile::write(const SFiCredential *credential, const std::ve
     }
     script += "exit\n";
 
-    const char *tmp = ACE_OS::getenv("TMPDIR");
-    std::string name = (tmp != nullptr && *tmp != '\0') ? std::string(tmp) : std::string("/tmp");
-    if (name.back() != '/') {
-        name += '/';
-    }
-    name += "omx_fiXXXXXX";
+    std::string name = scriptDirectory() + kPrefix + std::to_string(ACE_OS::getpid()) + "_XXXXXX";
     std::vector<char> path(name.begin(), name.end());
     path.push_back('\0');
     // mkstemp makes the file with mode 0600, under a name nobody else can take first.
