@@ -11,7 +11,9 @@ namespace qorin_pdk_4_4 {
 // A lock with one unit. A non-zero key names it machine-wide ("qorin-sem-<key>"): an
 // advisory file lock in $QORIN_LOCK_DIR, else /run/lock when writable, else /tmp, so that
 // every process that uses the key shares it and the kernel frees it when its holder dies.
-// Key 0 makes a lock of this process only.
+// Every account that can read the file shares the lock, whichever account made it and
+// whatever the umask (a new file is made readable by all); restricting the lock to some
+// accounts is the lock directory's business. Key 0 makes a lock of this process only.
 //
 // Each wait opens a descriptor of its own, so threads of one process exclude each other
 // as processes do. post must come from the thread that waited.

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -45,18 +46,50 @@ std::string CFiSemaphorePosix::lockDirectory()
     return "/tmp/";
 }
 
+namespace {
+
+// Opens the lock file for flock, which needs no more than reading, so a file that another
+// account made serves every account that may read it. O_CREAT only with O_EXCL: on a file
+// of another account in a sticky directory (/tmp, /run/lock) it fails under
+// fs.protected_regular even where the mode allows. The file holds nothing, so a new one is
+// readable by all whatever the umask; who may take the lock is the lock directory's choice.
+int openLockFile(const std::string &path)
+{
+    for (;;) {
+        int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+        if (fd >= 0 || errno != ENOENT) {
+            return fd;
+        }
+        fd = ::open(path.c_str(), O_RDONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0644);
+        if (fd >= 0) {
+            ::fchmod(fd, 0644);
+            return fd;
+        }
+        if (errno != EEXIST) {
+            return fd;
+        }
+        // Another process made it just now: open that one.
+    }
+}
+
+}  // namespace
+
 void CFiSemaphorePosix::wait()
 {
     m_local.lock();
     if (m_path.empty()) {
         return;
     }
-    // 0666 so that every account that runs a host shares the one lock; the file holds nothing.
-    int fd = ::open(m_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    int fd = openLockFile(m_path);
     if (fd < 0) {
         int error = errno;
         m_local.unlock();
-        throw std::system_error(error, std::generic_category(), "cannot open the lock file " + m_path);
+        std::string what = "cannot open the lock file " + m_path;
+        if (error == EACCES) {
+            what += " (this account may not read it or reach its directory; a lock file that another account "
+                    "made with mode 0600 can be given mode 0644, or removed while no SSSU runs)";
+        }
+        throw std::system_error(error, std::generic_category(), what);
     }
     int rc;
     do {

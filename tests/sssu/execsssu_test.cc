@@ -3,12 +3,15 @@
 // killed. What SSSU's answers mean is tested in process (run_test.cc).
 #include <gtest/gtest.h>
 
+#include <grp.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <future>
 #include <sstream>
 #include <thread>
@@ -204,6 +207,73 @@ TEST(MachineLock, NamedInTheLockDirectoryAndFreedWhenItsHolderIsKilled)
         << "a killed holder must not block the machine";
     close(ready[0]);
     close(ready[1]);
+}
+
+namespace {
+
+// Runs take(lock) in a child process as uid (with its gid) under umask; the child's exit
+// code: 0 when the lock was taken and given back.
+int asAccount(uid_t uid, mode_t mask)
+{
+    pid_t child = fork();
+    if (child == 0) {
+        umask(mask);
+        if (setgroups(0, nullptr) != 0 || setgid(uid) != 0 || setuid(uid) != 0) {
+            _exit(100);
+        }
+        try {
+            CFiSemaphorePosix lock(1002);
+            lock.wait();
+            lock.post();
+        } catch (const std::exception &e) {
+            fprintf(stderr, "uid %u: %s\n", static_cast<unsigned>(uid), e.what());
+            _exit(1);
+        }
+        _exit(0);
+    }
+    int status = 0;
+    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status)) {
+        return -1;
+    }
+    return WEXITSTATUS(status);
+}
+
+}  // namespace
+
+TEST(MachineLock, EveryAccountTakesItWhateverTheUmaskAndWhoeverMadeIt)
+{
+#if defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "ThreadSanitizer does not follow a multi-threaded process into fork";
+#endif
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "switching accounts needs root";
+    }
+    // A sticky directory open to all, owned by root, as /run/lock and /tmp are.
+    std::string dir = makeTempDir("sssu-shared-lock");
+    ASSERT_EQ(chmod(dir.c_str(), 01777), 0);
+    std::string before = getenv("QORIN_LOCK_DIR");
+    setenv("QORIN_LOCK_DIR", dir.c_str(), 1);
+    const uid_t first = 4241;
+    const uid_t second = 4242;
+
+    // The first account to run makes the file, under the strictest umask.
+    EXPECT_EQ(asAccount(first, 077), 0);
+    struct stat made;
+    ASSERT_EQ(stat((dir + "/qorin-sem-1002").c_str(), &made), 0);
+    EXPECT_EQ(made.st_uid, first);
+    EXPECT_EQ(made.st_mode & 0777, 0644u) << "readable by every account, whatever the umask";
+    // Another account takes the file it didn't make. Where fs.protected_regular is set, an
+    // open with O_CREAT of this file would fail even with a mode that allows it.
+    EXPECT_EQ(asAccount(second, 077), 0);
+    EXPECT_EQ(asAccount(0, 022), 0);
+
+    // A file made before, with write rights for its owner alone, serves all the same.
+    ASSERT_EQ(chmod((dir + "/qorin-sem-1002").c_str(), 0644), 0);
+    ASSERT_EQ(chown((dir + "/qorin-sem-1002").c_str(), second, second), 0);
+    EXPECT_EQ(asAccount(first, 022), 0);
+
+    setenv("QORIN_LOCK_DIR", before.c_str(), 1);
+    removeTree(dir);
 }
 
 int main(int argc, char **argv)
