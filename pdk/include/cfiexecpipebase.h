@@ -52,6 +52,12 @@ public:
                      std::string directory, std::string user, std::string password);
     // Asks a running Exec to stop before its next line; the child is then closed down.
     virtual void Abort();
+    // The most memory the lines of one run may take, in bytes: each line counts its length
+    // and its string. 0, the default, sets no limit. A run that passes it is stopped: the
+    // child is closed down, ExecMain gives QRN_EXEC_PIPE_CMD_KILLED and output keeps the
+    // lines up to the limit.
+    void setOutputLimit(uint64_t bytes) { m_outputLimit = bytes; }
+    uint64_t getOutputLimit() const { return m_outputLimit; }
     virtual void Init();
     virtual EFiExecPipe getLastError();
 
@@ -66,6 +72,7 @@ protected:
     std::string m_password;
     std::string m_extra;
     bool m_closeAfterExec;
+    uint64_t m_outputLimit = 0;
 };
 
 }  // namespace qorin_pdk_4_4

@@ -1,5 +1,7 @@
 #include "cfiexecpipebase.h"
 
+#include <cwchar>
+
 #include "cfitracelogfunction.h"
 
 namespace qorin_pdk_4_4 {
@@ -83,6 +85,7 @@ int CFiExecPipeBase::ExecMain(std::string command, std::vector<std::string> &out
     // Each read may wait this long; a longer wait than the type allows is no different from
     // an endless one for the caller.
     int32_t wait = seconds > static_cast<uint32_t>(INT32_MAX) ? INT32_MAX : static_cast<int32_t>(seconds);
+    uint64_t held = 0;
     for (;;) {
         line[0] = '\0';
         if (IsAbortRequested() != 0) {
@@ -98,6 +101,17 @@ int CFiExecPipeBase::ExecMain(std::string command, std::vector<std::string> &out
         }
         if (got == 1) {
             output.emplace_back(line.data());
+            held += output.back().size() + sizeof(std::string);
+            if (m_outputLimit != 0 && held > m_outputLimit) {
+                // A child that floods its output must not take the host's memory with it.
+                wchar_t text[128];
+                swprintf(text, sizeof text / sizeof text[0], L"Output passed the limit of %llu bytes",
+                         static_cast<unsigned long long>(m_outputLimit));
+                m_lastError = EFiExecPipe(command, QRN_EXEC_PIPE_CMD_KILLED, text);
+                trace(1, "Output of the process passed the limit of %llu bytes after %d lines; stopping it",
+                      static_cast<unsigned long long>(m_outputLimit), static_cast<int>(output.size()));
+                return QRN_EXEC_PIPE_CMD_KILLED;
+            }
         } else if (got == 0) {
             break;
         }

@@ -1,13 +1,17 @@
 // The catch ladder around every provider operation: which exception gives which message,
-// result and trace line, and what passes through. Also the plug-in's error entries.
+// result and trace line, and what passes through to the entry, where it ends. Also the
+// plug-in's error entries.
 #include <gtest/gtest.h>
 
 #include <stdlib.h>
 
+#include <functional>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "cfienv.h"
 #include "cfierror.h"
 #include "cfierrormanager.h"
 #include "cfiicumessage.h"
@@ -17,8 +21,10 @@
 #include "hpeva_guard.h"
 #include "hpeva_messages.h"
 #include "hpeva_plugin.h"
+#include "hpeva_singletons.h"
 #include "message_recorder.h"
 #include "qrn_results.h"
+#include "tamlin_entries.h"
 #include "temp_install_root.h"
 
 using namespace qorin_pdk_4_4;
@@ -167,6 +173,76 @@ TEST_F(Ladder, OtherExceptionsPassThroughUntouched)
     EXPECT_THROW(run([]() -> int { throw 1L; }), long) << "only int is on the ladder";
     EXPECT_TRUE(recorder.pushed.empty());
     EXPECT_FALSE(recorder.traced("Unhandled"));
+}
+
+namespace {
+
+// Throws what a test asks for at the first SSSU run, where the machine-wide lock is taken.
+class ThrowingEnv : public CFiEnvWrapper {
+public:
+    explicit ThrowingEnv(std::function<void()> raise) : m_raise(std::move(raise)) {}
+    CFiSemaphorePosix &machineLock(int key) override
+    {
+        m_raise();
+        return CFiEnvWrapper::machineLock(key);
+    }
+
+private:
+    std::function<void()> m_raise;
+};
+
+struct Odd {};
+
+}  // namespace
+
+TEST(EntryShield, WhatPassesTheLadderEndsAtTheEntryInAResultAMessageAndATraceLine)
+{
+    TempInstallRoot root;
+    root.installMessages();
+    root.writeFile("ConfigFiles/tamlin.conf", "[DEBUG_TRACE_INFO]\n\"TRACELEVEL\"=dword:00000001\n");
+    struct Case {
+        std::function<void()> raise;
+        std::string kind;
+        std::string what;
+    };
+    const std::vector<Case> cases = {
+        {[] { throw std::bad_alloc(); }, "std::bad_alloc", "the process is out of memory"},
+        {[] { throw std::logic_error("not on the ladder"); }, "std::logic_error", "not on the ladder"},
+        {[] { throw Odd(); }, "exception of an unknown type", ""},
+    };
+    for (const Case &c : cases) {
+        uint16_t version[4] = {0, 0, 0, 0};
+        // Fails for want of SSSU; the delayed initialisation still runs at the first entry.
+        tamlin_fi_pgn_init(nullptr, version);
+        ThrowingEnv env(c.raise);
+        CFiPluginPtr plugin;
+        getPluginSingleton(plugin, false);
+        plugin->setEnv(&env);
+
+        qrn_enclosure_node_list *list = nullptr;
+        int32_t count = 0;
+        EXPECT_EQ(tamlin_fi_pgn_enumerate_enclosures(&list, &count, nullptr), QRN_ERR_FAILED) << c.kind;
+        qrn_msg_info *info = nullptr;
+        ASSERT_EQ(tamlin_fi_pgn_get_last_error(&info), QRN_OK);
+        ASSERT_NE(info, nullptr) << c.kind;
+        CFiIcuMessage message(info);
+        EXPECT_EQ(message.getMessageKey(), "MSG_ERROR_ENTRY_EXCEPTION");
+        int32_t n = 0;
+        UErrorCode status = U_ZERO_ERROR;
+        const icu::Formattable *args = message.getArguments().getArray(n, status);
+        ASSERT_EQ(n, 3);
+        EXPECT_EQ(CFiStringTool::ustr2str(args[0].getString()), "enumerate_enclosures");
+        EXPECT_EQ(CFiStringTool::ustr2str(args[1].getString()), c.kind);
+        EXPECT_EQ(CFiStringTool::ustr2str(args[2].getString()), c.what);
+        tamlin_fi_pgn_fini();
+
+        std::string log;
+        for (const std::string &name : root.list("Logs")) {
+            log += root.readFile("Logs/" + name);
+        }
+        EXPECT_NE(log.find("tamlin_fi_pgn_enumerate_enclosures: ended by an unexpected " + c.kind), std::string::npos)
+            << c.kind;
+    }
 }
 
 TEST(LadderWithoutServices, StillGivesItsResult)

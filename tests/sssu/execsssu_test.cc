@@ -109,6 +109,35 @@ TEST_F(ExecSSSU, AToolThatCannotStartGivesNoData)
     }
 }
 
+TEST_F(ExecSSSU, AFloodOfOutputIsStoppedAtTheLimitAndNamesTheCommand)
+{
+    site.output("default", "password=hidden flood follows\n");
+    site.flood("a line that SSSU prints again and again\n");
+    CHpEvaCliTool tool = site.tool();
+    tool.setOutputLimitMb(4);
+    CHpEvaCommandTempFile script(login(), ACE_WString(L"LS VDISK FULL XML"), ACE_WString());
+    std::vector<std::string> lines;
+    try {
+        tool.execSSSU(script.getCommandFileOption(), lines, 30);
+        ADD_FAILURE() << "a flood passed";
+    } catch (const CHpEvaCliException &e) {
+        EXPECT_EQ(e.getKind(), CHpEvaCliException::CLI_COMMAND_FAILED);
+        EXPECT_NE(std::wstring(e.getCommand().c_str()).find(L"FILE "), std::wstring::npos) << "names the command";
+        EXPECT_NE(e.getErrorText().find("more than 4 MB"), std::string::npos) << e.getErrorText();
+        EXPECT_NE(e.getErrorText().find("SSSU_OUTPUT_LIMIT_MB"), std::string::npos) << "says what to do";
+        ASSERT_EQ(e.getOutput().size(), 10u) << "only the first lines";
+        EXPECT_EQ(e.getOutput()[0], "password=********");
+    }
+    // Held: the limit and at most one more line.
+    size_t held = 0;
+    for (const std::string &line : lines) {
+        held += line.size() + sizeof(std::string);
+    }
+    EXPECT_LE(held, (4u << 20) + 100);
+    EXPECT_GT(held, 4u << 20);
+    EXPECT_EQ(site.runs(), 1) << "not run again";
+}
+
 TEST_F(ExecSSSU, AFailedRunLeavesTheLockFree)
 {
     site.output("default", "Error: nope\n");

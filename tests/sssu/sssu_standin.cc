@@ -2,6 +2,7 @@
 //   out.<n> / out.default   what run n prints (copied as it stands)
 //   rc.<n> / rc.default     its exit status (0 when absent)
 //   hold                    milliseconds to stay inside the run (to watch the lock)
+//   flood                   print this line after the output without end
 // It records each run: argv.<n> (one argument a line), script.<n> (the script's text) and
 // one line "<pid> <start-ns> <end-ns>" in runs.log. The run number is kept in "count".
 #include <fcntl.h>
@@ -98,6 +99,9 @@ int main(int argc, char **argv)
     }
     std::string out = perRun("out", run, found);
     std::fwrite(out.data(), 1, out.size(), stdout);
+    std::string flood = slurp(dir + "flood", found);
+    while (found && std::fwrite(flood.data(), 1, flood.size(), stdout) == flood.size()) {
+    }
     std::fflush(stdout);
     std::string rc = perRun("rc", run, found);
 

@@ -72,6 +72,7 @@ public:
     void output(const std::string &run, const std::string &text) const { writeFile(dir + "/out." + run, text); }
     void status(const std::string &run, int rc) const { writeFile(dir + "/rc." + run, std::to_string(rc)); }
     void hold(int milliseconds) const { writeFile(dir + "/hold", std::to_string(milliseconds)); }
+    void flood(const std::string &line) const { writeFile(dir + "/flood", line); }
     int runs() const { return atoi(readFile(dir + "/count").c_str()); }
     std::string script(int run) const { return readFile(dir + "/script." + std::to_string(run)); }
     std::string argv(int run) const { return readFile(dir + "/argv." + std::to_string(run)); }

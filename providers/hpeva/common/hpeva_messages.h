@@ -32,6 +32,7 @@
     X(MSG_ERROR_DR_GROUP_OPERATIONAL_STATE_ERROR, 2)                        \
     X(MSG_ERROR_DR_GROUP_RESUME_FAILED, 2)                                  \
     X(MSG_ERROR_DR_GROUP_SNAPCLONE_CREATION_FAILED, 1)                      \
+    X(MSG_ERROR_ENTRY_EXCEPTION, 3)                                         \
     X(MSG_ERROR_IMPORT_HOST_INVALID, 3)                                     \
     X(MSG_ERROR_IMPORT_LOCAL_HOST_INVALID, 3)                               \
     X(MSG_ERROR_INITIALIZATION_FAILED, 0)                                   \

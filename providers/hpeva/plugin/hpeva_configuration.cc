@@ -102,6 +102,10 @@ SHpEvaTuningSettings CHpEvaConfiguration::importTuningSettings()
         if (getIntegerValue(L"POST_UNMASK_WAIT_IN_SEC", value) == 0) {
             settings.postUnmaskWait = value;
         }
+        // 0 would leave the host without a bound: it keeps the default.
+        if (getIntegerValue(L"SSSU_OUTPUT_LIMIT_MB", value) == 0 && value != 0) {
+            settings.sssuOutputLimitMb = value;
+        }
     }
     return settings;
 }

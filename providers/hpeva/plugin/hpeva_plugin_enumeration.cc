@@ -42,6 +42,8 @@ int CHpEvaPlugin::enumerateNodes(qrn_node_list **out, int *count, int flags, wch
         trace(6, "Specifed filter is [%S].", filterText != nullptr ? filterText : L"");
         CHpEvaNodeFilter filter(filterText);
         CFiNodeListFactory factory(out, count);
+        // Counted here: the host's count may be null, or not start at 0.
+        int listed = 0;
         if (!providerPasses(filter)) {
             return QRN_OK;
         }
@@ -110,6 +112,7 @@ int CHpEvaPlugin::enumerateNodes(qrn_node_list **out, int *count, int flags, wch
                 trace(6, " Adding disk [%s] UDID [%s].", name.c_str(), udid.toString().c_str());
                 CFiNode node(PROVIDER_NAME, name.c_str(), udid.toString().c_str(), disk.capacity, 0, 0, 1);
                 factory.add(node);
+                ++listed;
                 added = true;
             }
             if (!added) {
@@ -120,10 +123,10 @@ int CHpEvaPlugin::enumerateNodes(qrn_node_list **out, int *count, int flags, wch
             trace(1, "Could not find the specified enclosure in accessible managers.");
             return QRN_ERR_INVALID_ARGUMENT;
         }
-        if (*count == 0) {
+        if (listed == 0) {
             trace(2, "Due to aggressive filtering ZERO disks are returned.");
         }
-        trace(6, "Returning [%d] disks in the list.", *count);
+        trace(6, "Returning [%d] disks in the list.", listed);
         return QRN_OK;
     });
 }

@@ -77,7 +77,9 @@ int CHpEvaPlugin::init()
             return QRN_ERR_INIT_FAILED;
         }
         cliTool = config.importCliPathInfo();
-        postUnmaskWait = config.importTuningSettings().postUnmaskWait;
+        const SHpEvaTuningSettings tuning = config.importTuningSettings();
+        postUnmaskWait = tuning.postUnmaskWait;
+        cliTool.setOutputLimitMb(tuning.sssuOutputLimitMb);
 
         getPblmOps().setTraceLog(m_traceLog);
         // LUN 0 is the array controller's; 255 is kept free by the hosts.

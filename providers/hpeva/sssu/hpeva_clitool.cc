@@ -1,5 +1,6 @@
 #include "hpeva_clitool.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "cfisemaphoreguard.h"
@@ -14,6 +15,8 @@ using namespace qorin_pdk_4_4;
 namespace {
 
 const char *const kConnectionFailed = "Error opening https connection";
+// How much of a flood the failure shows.
+const size_t kFloodLinesShown = 10;
 
 // Why a run gave no output at all, for the administrator.
 std::string whyNothing(int status, const EFiExecPipe &failure, const ACE_WString &path)
@@ -30,6 +33,20 @@ std::string whyNothing(int status, const EFiExecPipe &failure, const ACE_WString
 }
 
 }  // namespace
+
+void CHpEvaCliTool::stopFlood(const ACE_WString &command, const std::vector<std::string> &lines) const
+{
+    CFiTraceLogPtr log = processTraceLog();
+    log->trace(1, "SSSU's output for [%S] passed the limit of %u MB after %d lines; the run was stopped.",
+               command.c_str(), static_cast<unsigned>(m_outputLimitMb), static_cast<int>(lines.size()));
+    std::vector<std::string> first(lines.begin(), lines.begin() + std::min(lines.size(), kFloodLinesShown));
+    CHpEvaCliErrorProcessor::cleanPassword(first);
+    throw CHpEvaCliException(CHpEvaCliException::CLI_COMMAND_FAILED, command,
+                             "SSSU printed more than " + std::to_string(m_outputLimitMb) +
+                                 " MB for one run and was stopped; if the arrays really hold that much, raise "
+                                 "SSSU_OUTPUT_LIMIT_MB in [TUNING_PARAMS] of tamlin.conf. Its first lines follow",
+                             first, __FILE__, __LINE__);
+}
 
 CHpEvaCliTool::CHpEvaCliTool() = default;
 
@@ -57,6 +74,7 @@ void CHpEvaCliTool::execSSSU(const ACE_WString &arguments, std::vector<std::stri
 
     std::unique_ptr<CFiExecPipeBase> pipe = m_env->newExecPipe();
     pipe->setTraceLog(log);
+    pipe->setOutputLimit(static_cast<uint64_t>(m_outputLimitMb) << 20);
     lines.clear();
 
     ACE_WString command(L"\"");
@@ -75,6 +93,9 @@ void CHpEvaCliTool::execSSSU(const ACE_WString &arguments, std::vector<std::stri
         status = pipe->Exec(narrow, lines, std::string(), static_cast<uint32_t>(timeout), std::string(), std::string(),
                             std::string());
         log->trace(3, "execSSSU : command returned [%d] lines .", static_cast<int>(lines.size()));
+        if (status == QRN_EXEC_PIPE_CMD_KILLED) {
+            stopFlood(command, lines);
+        }
         if (lines.empty()) {
             break;
         }

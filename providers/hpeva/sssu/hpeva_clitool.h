@@ -29,6 +29,9 @@ public:
     static const int MAX_RUNS = 3;
     // Seconds between two runs of one execSSSU.
     static const int RETRY_WAIT = 1;
+    // The most memory the output of one run may take, in MiB: twenty times the listing of
+    // 10,000 disks, so only a runaway SSSU reaches it.
+    static const uint32_t DEFAULT_OUTPUT_LIMIT_MB = 512;
 
     CHpEvaCliTool();
     CHpEvaCliTool(const ACE_WString &directory, const ACE_WString &fileName);
@@ -39,6 +42,12 @@ public:
     void setDirectory(const ACE_WString &directory) { m_directory = directory; }
     // Directory and file name joined.
     ACE_WString getPath() const;
+    // Limit of one run's output in MiB (CFiExecPipeBase::setOutputLimit); 0 keeps the default.
+    uint32_t getOutputLimitMb() const { return m_outputLimitMb; }
+    void setOutputLimitMb(uint32_t megabytes)
+    {
+        m_outputLimitMb = megabytes != 0 ? megabytes : DEFAULT_OUTPUT_LIMIT_MB;
+    }
 
     // Where runs sleep, start SSSU and take the machine-wide lock: the real env unless a
     // test gives another, which must outlive every copy of the tool.
@@ -49,9 +58,10 @@ public:
     // machine-wide lock; a run that couldn't reach the Command View server is repeated after
     // a second's sleep, up to three runs in all (and three sleeps). On return lines holds the
     // last run's output with passwords masked. Throws CHpEvaCliException for no output (with
-    // the reason: not started, exit status), a run stopped after timeout seconds of silence or
-    // an unexpected "Error: " line, and EFiExecPipe for a failed run whose output shows no
-    // error. lines keeps what was read.
+    // the reason: not started, exit status), a run stopped after timeout seconds of silence,
+    // an unexpected "Error: " line or output beyond the limit (CLI_COMMAND_FAILED, the run
+    // stopped), and EFiExecPipe for a failed run whose output shows no error. lines keeps
+    // what was read.
     void execSSSU(const ACE_WString &arguments, std::vector<std::string> &lines, int timeout) const;
 
     // Cuts the output of an XML listing down to one document: the objects between the first
@@ -126,9 +136,13 @@ public:
     int createSnapClone(const SHpEvaVdisk &source, SHpEvaVdisk &target, const std::string &suffix) const;
 
 private:
+    // Throws the failure of a run whose output passed the limit.
+    [[noreturn]] void stopFlood(const ACE_WString &command, const std::vector<std::string> &lines) const;
+
     ACE_WString m_fileName;
     ACE_WString m_directory;
     std::vector<std::string> m_acceptedVersions;
+    uint32_t m_outputLimitMb = DEFAULT_OUTPUT_LIMIT_MB;
     qorin_pdk_4_4::CFiEnv *m_env = qorin_pdk_4_4::CFiEnv::defaultEnv();
 };
 
