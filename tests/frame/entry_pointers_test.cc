@@ -59,9 +59,9 @@ template <class R, class... A>
 Probe probe(const char *name, R (*entry)(A...))
 {
     constexpr int pointers = (0 + ... + (std::is_pointer_v<A> ? 1 : 0));
-    return {name, 1u << pointers, [entry](unsigned mask, int32_t number) {
+    return {name, 1u << pointers, [entry]([[maybe_unused]] unsigned mask, [[maybe_unused]] int32_t number) {
                 Zeroes zeroes;
-                int pointer = 0;
+                [[maybe_unused]] int pointer = 0;
                 // Braces: the arguments are made from left to right.
                 std::tuple<A...> args{argument<A>(mask, pointer, number, zeroes)...};
                 std::apply(entry, args);
