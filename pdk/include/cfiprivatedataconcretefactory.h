@@ -6,9 +6,10 @@
 
 namespace qorin_pdk_4_4 {
 
-// The factory for one kind of private data: T is made with (identifier, isAltNode).
+// The factory for one kind of private data: T is made with (identifier, isAltNode). Exported,
+// so that the instantiation for the kit's own kind serves providers outside libtamlin.so.
 template <class T>
-class CFiPrivateDataConcreteFactory : public CFiPrivateDataFactory {
+class QORIN_PDK_API CFiPrivateDataConcreteFactory : public CFiPrivateDataFactory {
 public:
     using CFiPrivateDataFactory::find;
 
@@ -22,7 +23,7 @@ public:
 };
 
 // The kit's own kind; a provider instantiates the template for its kind in its own sources.
-extern template class CFiPrivateDataConcreteFactory<CFiPrivateData>;
+extern template class QORIN_PDK_API CFiPrivateDataConcreteFactory<CFiPrivateData>;
 
 }  // namespace qorin_pdk_4_4
 
