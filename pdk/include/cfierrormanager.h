@@ -22,6 +22,8 @@ public:
     ~CFiErrorManager() override;
 
     void registerHandler(CFiErrorHandlerBase *handler);
+    // Forgets handler, which its owner may then destroy once no push is under way.
+    void unregisterHandler(CFiErrorHandlerBase *handler);
     void pushError(CFiMessagePtr message);
     void pushError(char *text, qrn_eseverity severity);
     // Null if the calling thread has no message.

@@ -32,6 +32,9 @@ public:
     // Not owned: the factory must outlive the manager's use of it. Activates the factory's
     // default language.
     void registerFactory(CFiMessageCatalogFactory *factory);
+    // Forgets factory if it is the registered one; its owner calls this before it goes, since
+    // the manager may outlive it. Lookups then answer as before any registration.
+    void unregisterFactory(CFiMessageCatalogFactory *factory);
     void activateCatalog(std::string language);
 
     // An empty language means the default one.

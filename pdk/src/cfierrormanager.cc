@@ -1,5 +1,7 @@
 #include "cfierrormanager.h"
 
+#include <algorithm>
+
 #include <ace/Guard_T.h>
 
 namespace qorin_pdk_4_4 {
@@ -12,6 +14,12 @@ void CFiErrorManager::registerHandler(CFiErrorHandlerBase *handler)
 {
     ACE_Guard<ACE_Thread_Mutex> guard(m_lock);
     m_handlers.push_back(handler);
+}
+
+void CFiErrorManager::unregisterHandler(CFiErrorHandlerBase *handler)
+{
+    ACE_Guard<ACE_Thread_Mutex> guard(m_lock);
+    m_handlers.erase(std::remove(m_handlers.begin(), m_handlers.end(), handler), m_handlers.end());
 }
 
 std::vector<CFiErrorHandlerBase *> CFiErrorManager::handlersCopy()

@@ -31,6 +31,20 @@ void CFiMessageCatalogManager::registerFactory(CFiMessageCatalogFactory *factory
     }
 }
 
+void CFiMessageCatalogManager::unregisterFactory(CFiMessageCatalogFactory *factory)
+{
+    std::map<std::string, CFiMessageCatalogPtr> made;
+    {
+        ACE_Guard<ACE_Thread_Mutex> guard(m_lock);
+        if (factory == nullptr || m_factory != factory) {
+            return;
+        }
+        m_factory = nullptr;
+        // The factory's catalogs go with it, released outside the lock.
+        made.swap(m_catalogs);
+    }
+}
+
 void CFiMessageCatalogManager::activateCatalog(std::string language)
 {
     CFiMessageCatalogFactory *factory = nullptr;

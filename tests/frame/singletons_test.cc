@@ -110,3 +110,18 @@ TEST(Singletons, InitWithoutVersionBlockTouchesNothing)
     EXPECT_EQ(tamlin_fi_pgn_init(nullptr, nullptr), QRN_ERR_NO_VERSION_BLOCK);
     EXPECT_EQ(CFiRefCount::liveObjects(), before);
 }
+
+TEST(Singletons, ACatalogManagerHeldAcrossFiniNoLongerReachesThePluginsFactory)
+{
+    ProviderInstall site;
+    ASSERT_TRUE(site.ok()) << site.loadReport();
+    uint16_t version[4] = {0, 0, 0, 0};
+    ASSERT_EQ(tamlin_fi_pgn_init(nullptr, version), 0);
+    CFiCatalogManagerPtr catalogs;
+    getCatalogManagerSingleton(catalogs, false);
+    const std::wstring key = L"<MSG_ERROR_VERSION_CHECK>";
+    EXPECT_NE(catalogs->getMessage("MSG_ERROR_VERSION_CHECK", nullptr, ""), key) << "the catalog answers while running";
+    tamlin_fi_pgn_fini();
+    // The plug-in and its catalog factory are gone; a holder of the manager gets the key.
+    EXPECT_EQ(catalogs->getMessage("MSG_ERROR_VERSION_CHECK", nullptr, ""), key);
+}

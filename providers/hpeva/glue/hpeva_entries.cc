@@ -181,6 +181,17 @@ try {
         CFiPluginBase::isShuttingDown(true);
         p->fini();
     }
+    {
+        // The handlers init connected go with the error manager they serve: kept, each would
+        // keep its catalog manager alive for as long as the library stays loaded.
+        CFiErrorManagerPtr errors;
+        getErrorManagerSingleton(errors, false);
+        std::lock_guard<std::mutex> guard(g_handlersLock);
+        for (const std::unique_ptr<CFiErrorHandlerBase> &handler : handlers()) {
+            errors->unregisterHandler(handler.get());
+        }
+        handlers().clear();
+    }
     // The session manager is left alone: sessions outlive fini.
     CFiPluginPtr deadPlugin;
     getPluginSingleton(deadPlugin, true);

@@ -17,7 +17,14 @@ const wchar_t kFimVersion[] = L"4.1";
 
 CHpEvaPlugin::CHpEvaPlugin() = default;
 
-CHpEvaPlugin::~CHpEvaPlugin() = default;
+CHpEvaPlugin::~CHpEvaPlugin()
+{
+    // The catalog manager may outlive this plug-in (whoever still holds it); it must not keep
+    // a factory that goes now.
+    if (!m_catalogManager.isNull() && m_catalogFactory) {
+        m_catalogManager->unregisterFactory(m_catalogFactory.get());
+    }
+}
 
 CHpEvaGuard CHpEvaPlugin::guard(const char *operation, int line, bool initialisation) const
 {

@@ -48,6 +48,9 @@ int CHpEvaPlugin::init()
     return guard("init", __LINE__, true).run([&] {
         // A host killed during a run left its script behind, with a password in it.
         CHpEvaCommandTempFile::removeLeftovers();
+        if (!m_catalogManager.isNull() && m_catalogFactory) {
+            m_catalogManager->unregisterFactory(m_catalogFactory.get());
+        }
         m_catalogFactory.reset(new CFiIcuMessageCatalogFactory(PROVIDER_NAME, "root"));
         if (!m_catalogManager.isNull()) {
             m_catalogManager->registerFactory(m_catalogFactory.get());
