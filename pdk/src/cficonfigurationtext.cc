@@ -369,9 +369,10 @@ bool CFiConfigurationText::parse(const std::string &text)
             end = text.size();
         }
         size_t contentEnd = end;
-        if (terminated && contentEnd > begin && text[contentEnd - 1] == '\r') {
+        // A carriage return ends a line, the last one too: it is part of the line end.
+        if (contentEnd > begin && text[contentEnd - 1] == '\r') {
             --contentEnd;
-            if (number == 1) {
+            if (number == 1 && terminated) {
                 m_lineEnd = "\r\n";
             }
         }
