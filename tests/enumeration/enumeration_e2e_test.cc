@@ -517,12 +517,12 @@ TEST_F(Provider, NamesWithMarkupCharactersAndAnEmptyCell)
         cells.insert(narrow(e->name));
     }
     freeList(enclosures);
-    EXPECT_EQ(cells, (std::set<std::string>{"R&D <1>", "Empty", "EVA01"}));
+    EXPECT_EQ(cells, (std::set<std::string>{"Lab's R&D <1>", "Empty", "EVA01"}));
 
     const std::vector<std::string> names = diskNames();
     EXPECT_EQ(std::set<std::string>(names.begin(), names.end()),
-              (std::set<std::string>{"HP##HSV##R&D <1>##test&db", "HP##HSV##R&D <1>##x<y>z", "HP##HSV##R&D <1>##it's q",
-                                     "HP##HSV##EVA01##plain"}));
+              (std::set<std::string>{"HP##HSV##Lab's R&D <1>##test&db", "HP##HSV##Lab's R&D <1>##x<y>z",
+                                     "HP##HSV##Lab's R&D <1>##it's q", "HP##HSV##EVA01##plain"}));
     EXPECT_NE(site.log().find("No disks are found for current enclosure."), std::string::npos);
     EXPECT_EQ(diskNames(0, L"enclosure_name=Empty").size(), 0u);
 
