@@ -137,6 +137,24 @@ void collectSections(ACE_Configuration_Heap &heap, const ACE_Configuration_Secti
     }
 }
 
+// ACE checks a path given whole against the length of one name: a deep path is opened level
+// by level, each of which is checked on its own.
+int openPath(ACE_Configuration_Heap &heap, const ACE_Configuration_Section_Key &parent, const std::string &path,
+             int create, ACE_Configuration_Section_Key &key)
+{
+    ACE_Configuration_Section_Key at = parent;
+    for (const std::string &level : levelsOf(path)) {
+        ACE_Configuration_Section_Key next;
+        const int status = heap.open_section(at, level.c_str(), create != 0, next);
+        if (status != 0) {
+            return status;
+        }
+        at = next;
+    }
+    key = at;
+    return 0;
+}
+
 // path below parent with each level in the letter case of a section that is there; levels
 // not there stay as given.
 std::string spelledAsKept(ACE_Configuration_Heap &heap, const ACE_Configuration_Section_Key &parent,
@@ -295,7 +313,7 @@ int CFiConfiguration::load(const std::string &text)
     for (const SLine &line : parsed.lines()) {
         ++number;
         if (line.kind == CFiConfigurationText::SECTION) {
-            if (fresh->open_section(fresh->root_section(), line.section.c_str(), 1, section) != 0) {
+            if (openPath(*fresh, fresh->root_section(), line.section, 1, section) != 0) {
                 return failImport(MALFORMED, -3, kImportFailed, __LINE__, number,
                                   "a section name that is not accepted");
             }
@@ -665,13 +683,13 @@ int CFiConfiguration::openSection(const ACE_Configuration_Section_Key &parent, c
         return -1;
     }
     const std::string path = narrow(name);
-    int status = m_heap->open_section(parent, path.c_str(), create, key);
+    int status = openPath(*m_heap, parent, path, create, key);
     if (status != 0) {
         // ACE finds a section only in the letter case it was made in, yet refuses to make it
         // in another: the one already there is meant.
         const std::string spelled = spelledAsKept(*m_heap, parent, path);
         if (spelled != path) {
-            status = m_heap->open_section(parent, spelled.c_str(), create, key);
+            status = openPath(*m_heap, parent, spelled, create, key);
         }
     }
     if (status == 0) {
