@@ -6,7 +6,7 @@ BUILD_TYPE ?= RelWithDebInfo
 JOBS       ?= 2
 CMAKE_ARGS ?=
 
-.PHONY: all deps configure build test test-all demo bench clean help
+.PHONY: all deps configure build test test-all test-asan test-tsan demo bench clean help
 
 all: build
 
@@ -15,6 +15,8 @@ help:
 	@echo "make build     configure and build into $(BUILD)/"
 	@echo "make test      deps + build + the default test set (ctest, slow cases excluded)"
 	@echo "make test-all  the same, slow cases included"
+	@echo "make test-asan the default set under AddressSanitizer, UndefinedBehaviorSanitizer and leak checks (build-asan/)"
+	@echo "make test-tsan the concurrency suites under ThreadSanitizer (build-tsan/)"
 	@echo "make demo      deps + build + a demo run of tamlinctl against the array simulator"
 	@echo "make bench     build and run the benchmarks"
 	@echo "make clean     remove $(BUILD)/"
@@ -33,6 +35,13 @@ test: build
 
 test-all: build
 	@cd $(BUILD) && ctest --output-on-failure -j$(JOBS) --timeout 1200
+
+test-asan:
+	@$(MAKE) test BUILD=build-asan CMAKE_ARGS="$(CMAKE_ARGS) -DTAMLIN_SANITIZE=address,undefined -DTAMLIN_BUILD_BENCH=OFF"
+
+test-tsan:
+	@$(MAKE) build BUILD=build-tsan CMAKE_ARGS="$(CMAKE_ARGS) -DTAMLIN_SANITIZE=thread -DTAMLIN_BUILD_BENCH=OFF"
+	@cd build-tsan && ctest -L concurrency --output-on-failure -j$(JOBS) --timeout 1200
 
 demo: build
 	@scripts/demo.sh $(BUILD)

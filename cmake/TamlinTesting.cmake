@@ -4,6 +4,8 @@
 #   e2e   the code under test runs a program: evasim as SSSU, an SSSU stand-in, tamlinctl, the
 #         exec pipe's child
 #   slow  long real waits; left out of `make test`
+#   concurrency  beside unit or e2e: threads or processes meet in the code under test; `make
+#         test-tsan` runs these under ThreadSanitizer
 # The build and source trees are compiled in (TAMLIN_BUILD_DIR_DEFAULT, TAMLIN_SOURCE_DIR_DEFAULT,
 # read through test_paths.h), and so is each ENV value as <K>_DEFAULT, so that a test binary
 # also runs on its own from the build tree; ctest puts the same values in the environment.

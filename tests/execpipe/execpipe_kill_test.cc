@@ -114,26 +114,6 @@ TEST(ExecPipeWaitPid, SignalsReachTheWholeGroup)
     pipe.Close(10);
 }
 
-TEST(ExecPipeWaitPid, EndOfTheChildEndsReadingThoughADescendantHoldsThePipe)
-{
-    CFiExecPipePosix pipe(0);
-    ASSERT_EQ(pipe.ExecPipe(childCommand("orphan"), ""), 0);
-    char line[8192];
-    int timedOut = 0;
-    ASSERT_EQ(pipe.ReadLine(line, 8191, &timedOut, 60), 1);
-    int grandchild = 0;
-    ASSERT_EQ(sscanf(line, "grandchild %d", &grandchild), 1);
-    Lines rest;
-    while (pipe.ReadLine(line, 8191, &timedOut, 60) == 1) {
-        rest.push_back(line);
-    }
-    EXPECT_EQ(rest, Lines{"done"});
-    EXPECT_EQ(timedOut, 0);
-    EXPECT_EQ(pipe.Close(10), 0);
-    EXPECT_FALSE(goneOrDead(grandchild)) << "a child that ended by itself leaves its group alone";
-    kill(grandchild, SIGKILL);
-}
-
 TEST(ExecPipeTimeout, ZeroReadsOnlyWhatIsAlreadyThere)
 {
     CFiExecPipePosix pipe(0);

@@ -104,13 +104,6 @@ TEST(Singletons, FiniThenInitGivesFreshObjectsWhileSessionsSurvive)
     tamlin_fi_pgn_fini();
 }
 
-TEST(Singletons, InitWithoutVersionBlockTouchesNothing)
-{
-    int32_t before = CFiRefCount::liveObjects();
-    EXPECT_EQ(tamlin_fi_pgn_init(nullptr, nullptr), QRN_ERR_NO_VERSION_BLOCK);
-    EXPECT_EQ(CFiRefCount::liveObjects(), before);
-}
-
 TEST(Singletons, ACatalogManagerHeldAcrossFiniNoLongerReachesThePluginsFactory)
 {
     ProviderInstall site;
