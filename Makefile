@@ -6,7 +6,7 @@ BUILD_TYPE ?= RelWithDebInfo
 JOBS       ?= 2
 CMAKE_ARGS ?=
 
-.PHONY: all deps configure build test test-all test-asan test-tsan demo bench clean help
+.PHONY: all deps configure build test test-all test-asan test-tsan demo bench install package clean help
 
 all: build
 
@@ -19,6 +19,8 @@ help:
 	@echo "make test-tsan the concurrency suites under ThreadSanitizer (build-tsan/)"
 	@echo "make demo      deps + build + a demo run of tamlinctl against the array simulator"
 	@echo "make bench     build and run the benchmarks"
+	@echo "make install   install the provider, tamlinctl and the kit (DESTDIR=dir to stage)"
+	@echo "make package   the Debian packages tamlin, tamlin-dev and evasim, checked by lintian"
 	@echo "make clean     remove $(BUILD)/"
 
 deps:
@@ -48,6 +50,12 @@ demo: build
 
 bench: build
 	@scripts/bench.sh $(BUILD)
+
+install: build
+	@DESTDIR="$(DESTDIR)" cmake --install $(BUILD)
+
+package: deps
+	@scripts/package.sh $(BUILD)
 
 clean:
 	rm -rf $(BUILD)

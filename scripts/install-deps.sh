@@ -10,6 +10,7 @@ packages=(
   libxerces-c-dev
   libsqlite3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
+  lintian dpkg-dev file
 )
 
 missing=()

@@ -4,6 +4,8 @@
 #include <limits.h>
 #include <unistd.h>
 
+#include <filesystem>
+
 ProviderLibrary::~ProviderLibrary()
 {
     close();
@@ -62,5 +64,8 @@ std::string ProviderLibrary::defaultPath()
     }
     std::string exe(self, static_cast<size_t>(n));
     std::string dir = exe.substr(0, exe.rfind('/'));
-    return dir + "/../lib/libtamlin.so";
+    // Installed, the provider lies where the layout puts it; in the build tree, in lib/.
+    const std::string installed = dir + "/" TAMLIN_BIN_TO_PROVIDER;
+    const std::string path = access(installed.c_str(), F_OK) == 0 ? installed : dir + "/../lib/libtamlin.so";
+    return std::filesystem::path(path).lexically_normal().string();
 }

@@ -1,0 +1,190 @@
+// Tamlin as an administrator installs it: `cmake --install` into a staging directory, then the
+// installed tamlinctl, found through nothing but the registry stand-in, against the simulator;
+// and a provider of another vendor built on the installed kit.
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "temp_install_root.h"
+#include "test_paths.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Outcome {
+    int status;
+    std::string out;  // standard output and error
+};
+
+Outcome shell(const std::string &command)
+{
+    Outcome run{-1, ""};
+    if (FILE *pipe = popen((command + " 2>&1").c_str(), "r")) {
+        char buffer[4096];
+        size_t n;
+        while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
+            run.out.append(buffer, n);
+        }
+        const int status = pclose(pipe);
+        run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    return run;
+}
+
+std::string shellWord(const std::string &word)
+{
+    std::string out = "'";
+    for (char c : word) {
+        out += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    }
+    return out + "'";
+}
+
+std::string readFile(const std::string &path)
+{
+    std::ifstream in(path);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+void writeFile(const std::string &path, const std::string &text)
+{
+    fs::create_directories(fs::path(path).parent_path());
+    std::ofstream(path) << text;
+}
+
+// Where the build's install rules put things, as configured (below the staging directory).
+#define INSTALLED(name) tamlin_test::envOr(#name, name##_DEFAULT)
+
+// One staged install for every test of this program: the default components, as
+// `make install DESTDIR=...` makes them.
+class Staged : public ::testing::Environment {
+public:
+    void SetUp() override
+    {
+        scratch = new TempInstallRoot;
+        stage = scratch->path("stage");
+        Outcome run = shell("DESTDIR=" + shellWord(stage) + " " + shellWord(INSTALLED(CMAKE)) + " --install " +
+                            shellWord(tamlin_test::buildDir()));
+        ASSERT_EQ(run.status, 0) << run.out;
+        report = run.out;
+    }
+    void TearDown() override { delete scratch; }
+
+    static std::string at(const std::string &path) { return stage + path; }
+
+    static TempInstallRoot *scratch;
+    static std::string stage;
+    static std::string report;
+};
+TempInstallRoot *Staged::scratch = nullptr;
+std::string Staged::stage;
+std::string Staged::report;
+const ::testing::Environment *const kStaged = ::testing::AddGlobalTestEnvironment(new Staged);
+
+// The staged tamlinctl with the environment of a backup host whose registry stand-in is given;
+// the test's own install root is not in its environment.
+Outcome tamlinctl(const std::string &registry, const std::string &arguments)
+{
+    return shell("env -u QORIN_INSTALL_ROOT -u QORIN_CREDENTIAL_BLOB QORIN_REGISTRY=" + shellWord(registry) + " " +
+                 shellWord(Staged::at(INSTALLED(INSTALL_BINDIR)) + "/tamlinctl") + " " + arguments);
+}
+
+// A registry stand-in that names the root.
+std::string registryNaming(std::string root)
+{
+    if (root.back() != '/') {
+        root += '/';
+    }
+    const std::string file = Staged::scratch->path("registry/registry.conf");
+    writeFile(file, "[SOFTWARE\\Orvanta\\Qorin]\n\"InstallDir64\"=\"" + root + "\"\n");
+    return file;
+}
+
+// SSSU played by the simulator (built, not installed) in the world of small.scn, where server
+// cv1 takes the login admin/secret; its path.
+std::string simulatedSssu()
+{
+    const std::string sssu = Staged::scratch->path("sssu/sssu_linux_x64");
+    fs::create_directories(fs::path(sssu).parent_path());
+    std::error_code ignored;
+    fs::create_symlink(tamlin_test::buildDir() + "/bin/evasim", sssu, ignored);
+    Staged::scratch->setEnv("EVASIM_HOME", Staged::scratch->path("evasim"));
+    Outcome init = shell(shellWord(sssu) + " init --scenario " +
+                         shellWord(tamlin_test::sourceDir() + "/tools/evasim/scenarios/small.scn"));
+    EXPECT_EQ(init.status, 0) << init.out;
+    return sssu;
+}
+
+}  // namespace
+
+TEST(Install, LaysOutTheProviderItsToolsAndTheKitButNotTheSimulator)
+{
+    for (const std::string &path :
+         {Staged::at(INSTALLED(INSTALL_BINDIR)) + "/tamlinctl", Staged::at(INSTALLED(INSTALL_LIBDIR)) + "/libtamlin.so",
+          Staged::at(INSTALLED(INSTALL_LIBDIR)) + "/libqorinutil.so",
+          Staged::at(INSTALLED(INSTALL_MESSAGES)) + "/root.res", Staged::at(INSTALLED(INSTALL_MESSAGES)) + "/de.res",
+          Staged::at(INSTALLED(INSTALL_MANDIR)) + "/man1/tamlinctl.1.gz",
+          Staged::at(INSTALLED(INSTALL_DATADIR)) + "/bash-completion/completions/tamlinctl",
+          Staged::at(INSTALLED(INSTALL_INCLUDEDIR)) + "/cfiplugininterposer.h",
+          Staged::at(INSTALLED(INSTALL_CMAKEDIR)) + "/QorinPdkConfig.cmake",
+          Staged::at(INSTALLED(INSTALL_CMAKEDIR)) + "/../../pkgconfig/qorinpdk.pc"}) {
+        EXPECT_TRUE(fs::exists(path)) << path << "\n" << Staged::report;
+    }
+    EXPECT_FALSE(fs::exists(Staged::at(INSTALLED(INSTALL_BINDIR)) + "/evasim"));
+    EXPECT_FALSE(fs::exists(Staged::at(INSTALLED(INSTALL_MANDIR)) + "/man1/evasim.1.gz"));
+
+    // The sample settings are the owner's alone, and a second install keeps what was written.
+    const std::string conf = Staged::at(INSTALLED(INSTALL_CONFIG_DIR)) + "/tamlin.conf";
+    struct stat info {};
+    ASSERT_EQ(stat(conf.c_str(), &info), 0) << Staged::report;
+    EXPECT_EQ(info.st_mode & 0777, 0600u);
+    EXPECT_NE(readFile(conf).find("[MANAGEMENT_APPLIANCE_INFO]"), std::string::npos);
+    writeFile(conf, "[CLI_TOOL_INFO]\n\"FILEPATH\"=\"/srv/sssu/\"\n");
+    Outcome again = shell("DESTDIR=" + shellWord(Staged::stage) + " " + shellWord(INSTALLED(CMAKE)) + " --install " +
+                          shellWord(tamlin_test::buildDir()));
+    EXPECT_EQ(again.status, 0) << again.out;
+    EXPECT_EQ(readFile(conf), "[CLI_TOOL_INFO]\n\"FILEPATH\"=\"/srv/sssu/\"\n");
+
+    // The completion knows the commands of tamlinctl's table.
+    const std::string completion =
+        readFile(Staged::at(INSTALLED(INSTALL_DATADIR)) + "/bash-completion/completions/tamlinctl");
+    for (const char *word : {"check", "disks", "restore", "HPEVA_Snapclone", "--udid"}) {
+        EXPECT_NE(completion.find(word), std::string::npos) << word;
+    }
+}
+
+TEST(Install, InstalledTamlinctlFindsTheRootThroughTheRegistryAndReachesTheSimulator)
+{
+    if (INSTALLED(INSTALL_LAYOUT) != "opt") {
+        GTEST_SKIP() << "the installed root's links lead out of the staging directory";
+    }
+    const std::string root = Staged::at(INSTALLED(INSTALL_ROOT));
+    const std::string sssu = simulatedSssu();
+    writeFile(root + "/ConfigFiles/tamlin.conf",
+              "[DEBUG_TRACE_INFO]\n\"TRACELEVEL\"=dword:00000003\n\n[CLI_TOOL_INFO]\n\"FILEPATH\"=\"" +
+                  fs::path(sssu).parent_path().string() +
+                  "/\"\n\n[MANAGEMENT_APPLIANCE_INFO\\cv1]\n\"HOSTNAME\"=\"cv1\"\n\"USERNAME\"=\"admin\"\n"
+                  "\"PASSWORD\"=\"secret\"\n");
+    const std::string registry = registryNaming(root);
+
+    Outcome check = tamlinctl(registry, "check");
+    EXPECT_EQ(check.status, 0) << check.out;
+    // The provider beside the installed tamlinctl, not the one of the build tree.
+    EXPECT_NE(check.out.find("provider   " + Staged::at(INSTALLED(INSTALL_LIBDIR))), std::string::npos) << check.out;
+    EXPECT_NE(check.out.find("interface  7.0.0.0"), std::string::npos) << check.out;
+
+    Outcome disks = tamlinctl(registry, "disks");
+    EXPECT_EQ(disks.status, 0) << disks.out;
+    EXPECT_NE(disks.out.find("UDID##HP##HSV##"), std::string::npos) << disks.out;
+    EXPECT_FALSE(fs::is_empty(root + "/Logs")) << "the trace log belongs in the installed root";
+}
