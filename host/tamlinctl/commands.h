@@ -20,6 +20,7 @@ int runPresent(CliOptions &options);
 int runUnpresent(CliOptions &options);
 int runDispose(CliOptions &options);
 int runLeftovers(CliOptions &options);
+int runSetup(CliOptions &options);
 
 // The provider's disks, as `disks` lists them, for resolving the DISK words of a command.
 DiskResolver::Lister diskLister(ProviderSession &session);

@@ -127,7 +127,7 @@ bool reportInstallRoot(const InstallRootSearch &search, const std::string &provi
         if (!isDirectory(root + "Messages/libtamlin")) {
             fprintf(stderr,
                     "tamlinctl: warning: the install root %s holds no message catalogs, so the provider can only "
-                    "name its messages by their keys; copy them there:\n"
+                    "name its messages by their keys; tamlinctl setup links them there, or copy them:\n"
                     "tamlinctl:   mkdir -p %sMessages && cp -r %s/Messages/libtamlin %sMessages/\n",
                     root.c_str(), root.c_str(), build.c_str(), root.c_str());
         }
@@ -144,7 +144,9 @@ bool reportInstallRoot(const InstallRootSearch &search, const std::string &provi
         fprintf(stderr, "tamlinctl:   %s\n", place.c_str());
     }
     fprintf(stderr,
-            "tamlinctl: to make one, install the message catalogs into a directory and name it, for example:\n"
+            "tamlinctl: to make one and name it in the registry stand-in, run tamlinctl setup (for the root\n"
+            "tamlinctl: installed with tamlinctl) or tamlinctl setup --root DIR; to do it by hand, install the\n"
+            "tamlinctl: message catalogs into a directory and name it, for example:\n"
             "tamlinctl:   mkdir -p /opt/tamlin/Messages && cp -r %s/Messages/libtamlin /opt/tamlin/Messages/\n"
             "tamlinctl:   export QORIN_INSTALL_ROOT=/opt/tamlin/\n"
             "tamlinctl: then write /opt/tamlin/ConfigFiles/tamlin.conf (README.md, \"Installing the provider\").\n",

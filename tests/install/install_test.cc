@@ -3,8 +3,10 @@
 // and a provider of another vendor built on the installed kit.
 #include <gtest/gtest.h>
 
+#include <pwd.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -92,22 +94,14 @@ std::string Staged::report;
 const ::testing::Environment *const kStaged = ::testing::AddGlobalTestEnvironment(new Staged);
 
 // The staged tamlinctl with the environment of a backup host whose registry stand-in is given;
-// the test's own install root is not in its environment.
-Outcome tamlinctl(const std::string &registry, const std::string &arguments)
+// the test's own install root is not in its environment. Standard input holds input.
+Outcome tamlinctl(const std::string &registry, const std::string &arguments, const std::string &input = "")
 {
+    const std::string file = Staged::scratch->path("stdin");
+    writeFile(file, input);
     return shell("env -u QORIN_INSTALL_ROOT -u QORIN_CREDENTIAL_BLOB QORIN_REGISTRY=" + shellWord(registry) + " " +
-                 shellWord(Staged::at(INSTALLED(INSTALL_BINDIR)) + "/tamlinctl") + " " + arguments);
-}
-
-// A registry stand-in that names the root.
-std::string registryNaming(std::string root)
-{
-    if (root.back() != '/') {
-        root += '/';
-    }
-    const std::string file = Staged::scratch->path("registry/registry.conf");
-    writeFile(file, "[SOFTWARE\\Orvanta\\Qorin]\n\"InstallDir64\"=\"" + root + "\"\n");
-    return file;
+                 shellWord(Staged::at(INSTALLED(INSTALL_BINDIR)) + "/tamlinctl") + " " + arguments + " <" +
+                 shellWord(file));
 }
 
 // SSSU played by the simulator (built, not installed) in the world of small.scn, where server
@@ -148,12 +142,13 @@ TEST(Install, LaysOutTheProviderItsToolsAndTheKitButNotTheSimulator)
     struct stat info {};
     ASSERT_EQ(stat(conf.c_str(), &info), 0) << Staged::report;
     EXPECT_EQ(info.st_mode & 0777, 0600u);
-    EXPECT_NE(readFile(conf).find("[MANAGEMENT_APPLIANCE_INFO]"), std::string::npos);
-    writeFile(conf, "[CLI_TOOL_INFO]\n\"FILEPATH\"=\"/srv/sssu/\"\n");
+    const std::string edited = readFile(conf) + "; the administrator's\n";
+    EXPECT_NE(edited.find("[MANAGEMENT_APPLIANCE_INFO]"), std::string::npos);
+    writeFile(conf, edited);
     Outcome again = shell("DESTDIR=" + shellWord(Staged::stage) + " " + shellWord(INSTALLED(CMAKE)) + " --install " +
                           shellWord(tamlin_test::buildDir()));
     EXPECT_EQ(again.status, 0) << again.out;
-    EXPECT_EQ(readFile(conf), "[CLI_TOOL_INFO]\n\"FILEPATH\"=\"/srv/sssu/\"\n");
+    EXPECT_EQ(readFile(conf), edited);
 
     // The completion knows the commands of tamlinctl's table.
     const std::string completion =
@@ -163,28 +158,88 @@ TEST(Install, LaysOutTheProviderItsToolsAndTheKitButNotTheSimulator)
     }
 }
 
-TEST(Install, InstalledTamlinctlFindsTheRootThroughTheRegistryAndReachesTheSimulator)
+// The first run on a fresh host: setup takes the installed root, names it in a registry stand-in
+// that isn't there yet and writes the login; then the installed tamlinctl finds everything
+// through that registry alone.
+TEST(Install, SetupTakesTheInstalledRootAndTamlinctlThenListsTheSimulatorsDisks)
 {
     if (INSTALLED(INSTALL_LAYOUT) != "opt") {
         GTEST_SKIP() << "the installed root's links lead out of the staging directory";
     }
-    const std::string root = Staged::at(INSTALLED(INSTALL_ROOT));
-    const std::string sssu = simulatedSssu();
-    writeFile(root + "/ConfigFiles/tamlin.conf",
-              "[DEBUG_TRACE_INFO]\n\"TRACELEVEL\"=dword:00000003\n\n[CLI_TOOL_INFO]\n\"FILEPATH\"=\"" +
-                  fs::path(sssu).parent_path().string() +
-                  "/\"\n\n[MANAGEMENT_APPLIANCE_INFO\\cv1]\n\"HOSTNAME\"=\"cv1\"\n\"USERNAME\"=\"admin\"\n"
-                  "\"PASSWORD\"=\"secret\"\n");
-    const std::string registry = registryNaming(root);
+    const std::string root = Staged::at(INSTALLED(INSTALL_ROOT)) + "/";
+    const std::string registry = Staged::scratch->path("etc/qorin/registry.conf");
+    Outcome setup =
+        tamlinctl(registry, "setup --sssu " + shellWord(simulatedSssu()) + " --server cv1 --user admin", "secret\n");
+    ASSERT_EQ(setup.status, 0) << setup.out;
+    EXPECT_NE(setup.out.find("install root  " + root + " (as installed)"), std::string::npos) << setup.out;
+    EXPECT_NE(setup.out.find("init       ok"), std::string::npos) << setup.out;
+    EXPECT_NE(setup.out.find("EVA01"), std::string::npos) << setup.out;
+    EXPECT_EQ(readFile(registry), "[SOFTWARE\\Orvanta\\Qorin]\n\"InstallDir64\"=\"" + root + "\"\n");
+    struct stat info {};
+    ASSERT_EQ(stat(registry.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0644u) << "every backup account reads the registry";
+    const std::string conf = readFile(root + "ConfigFiles/tamlin.conf");
+    EXPECT_NE(conf.find("; Settings of the Tamlin snapshot provider"), std::string::npos) << conf;
+    EXPECT_NE(conf.find("[MANAGEMENT_APPLIANCE_INFO\\cv1]"), std::string::npos) << conf;
 
     Outcome check = tamlinctl(registry, "check");
     EXPECT_EQ(check.status, 0) << check.out;
     // The provider beside the installed tamlinctl, not the one of the build tree.
     EXPECT_NE(check.out.find("provider   " + Staged::at(INSTALLED(INSTALL_LIBDIR))), std::string::npos) << check.out;
-    EXPECT_NE(check.out.find("interface  7.0.0.0"), std::string::npos) << check.out;
-
     Outcome disks = tamlinctl(registry, "disks");
     EXPECT_EQ(disks.status, 0) << disks.out;
     EXPECT_NE(disks.out.find("UDID##HP##HSV##"), std::string::npos) << disks.out;
-    EXPECT_FALSE(fs::is_empty(root + "/Logs")) << "the trace log belongs in the installed root";
+    EXPECT_FALSE(fs::is_empty(root + "Logs")) << "the trace log belongs in the installed root";
+}
+
+// setup on a host that has a registry and settings already: what it doesn't set stays as it
+// was, a server it knows gets its new login, and a refused run changes nothing at all.
+TEST(Install, SetupKeepsWhatTheFilesHoldAndChangesNothingWhenRefused)
+{
+    const std::string root = Staged::scratch->path("qorin/");
+    const std::string registry = Staged::scratch->path("machine/registry.conf");
+    const std::string others =
+        "; the framework's\n[SOFTWARE\\Orvanta\\Qorin\\nightly]\n\"InstallDir64\"=\"/srv/nightly/\"\n";
+    writeFile(registry, others);
+    const std::string conf = root + "ConfigFiles/tamlin.conf";
+    writeFile(conf, "# tuned for the night\n[TUNING_PARAMS]\n\"POST_UNMASK_WAIT_IN_SEC\"=dword:00000005\n\n"
+                    "[MANAGEMENT_APPLIANCE_INFO\\primary]\n\"HOSTNAME\"=\"CV1\"\n\"USERNAME\"=\"old\"\n"
+                    "\"PASSWORD\"=\"expired\"\n");
+    chmod(conf.c_str(), 0644);
+    const std::string sssu = simulatedSssu();
+    const std::string arguments =
+        "setup --root " + shellWord(root) + " --sssu " + shellWord(sssu) + " --server cv1 --user admin";
+
+    // Refused: a password on the command line (never shown back), none on standard input.
+    const std::string before = readFile(conf);
+    Outcome onCommandLine = tamlinctl(registry, arguments + " --password hunter2", "secret\n");
+    EXPECT_EQ(onCommandLine.status, 2) << onCommandLine.out;
+    EXPECT_EQ(onCommandLine.out.find("hunter2"), std::string::npos) << onCommandLine.out;
+    Outcome noPassword = tamlinctl(registry, arguments, "");
+    EXPECT_EQ(noPassword.status, 1) << noPassword.out;
+    EXPECT_EQ(readFile(conf), before);
+    EXPECT_EQ(readFile(registry), others);
+    EXPECT_FALSE(fs::exists(root + "Logs"));
+
+    const bool asRoot = geteuid() == 0;
+    Outcome setup = tamlinctl(registry, arguments + (asRoot ? " --owner nobody" : ""), "secret\n");
+    ASSERT_EQ(setup.status, 0) << setup.out;
+    EXPECT_NE(setup.out.find("login replaced"), std::string::npos) << setup.out;
+    EXPECT_NE(setup.out.find("EVA01"), std::string::npos) << setup.out;
+    EXPECT_EQ(readFile(registry), others + "\n[SOFTWARE\\Orvanta\\Qorin]\n\"InstallDir64\"=\"" + root + "\"\n");
+    const std::string after = readFile(conf);
+    for (const char *kept : {"# tuned for the night", "\"POST_UNMASK_WAIT_IN_SEC\"=dword:00000005",
+                             "[MANAGEMENT_APPLIANCE_INFO\\primary]", "\"PASSWORD\"=\"secret\""}) {
+        EXPECT_NE(after.find(kept), std::string::npos) << kept << " in:\n" << after;
+    }
+    EXPECT_EQ(after.find("expired"), std::string::npos) << after;
+    EXPECT_EQ(after.find("HOSTNAME", after.find("HOSTNAME") + 1), std::string::npos) << "one section per server";
+    struct stat info {};
+    ASSERT_EQ(stat(conf.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0600u);
+    EXPECT_TRUE(fs::exists(root + "Messages/libtamlin/root.res"));
+    if (asRoot) {
+        ASSERT_EQ(stat((root + "Logs").c_str(), &info), 0);
+        EXPECT_EQ(info.st_uid, getpwnam("nobody")->pw_uid) << "the backup account writes the log";
+    }
 }

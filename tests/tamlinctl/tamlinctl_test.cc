@@ -252,7 +252,8 @@ TEST(Tamlinctl, NoInstallRootIsExplainedInPlainWords)
     for (const char *said : {"the provider has no install root",
                              "[SOFTWARE\\Orvanta\\Qorin] in the registry file /nonexistent/registry.conf: there is no "
                              "such file",
-                             "QORIN_INSTALL_ROOT: it is not set", "export QORIN_INSTALL_ROOT=/opt/tamlin/"}) {
+                             "QORIN_INSTALL_ROOT: it is not set", "tamlinctl setup --root DIR",
+                             "export QORIN_INSTALL_ROOT=/opt/tamlin/"}) {
         EXPECT_NE(run.out.find(said), std::string::npos) << said << " in:\n" << run.out;
     }
     EXPECT_EQ(run.out.find("<MSG_"), std::string::npos) << run.out;
