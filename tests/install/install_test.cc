@@ -104,6 +104,17 @@ Outcome tamlinctl(const std::string &registry, const std::string &arguments, con
                  shellWord(file));
 }
 
+// A registry stand-in that names the root.
+std::string registryNaming(std::string root)
+{
+    if (root.back() != '/') {
+        root += '/';
+    }
+    const std::string file = Staged::scratch->path("registry/registry.conf");
+    writeFile(file, "[SOFTWARE\\Orvanta\\Qorin]\n\"InstallDir64\"=\"" + root + "\"\n");
+    return file;
+}
+
 // SSSU played by the simulator (built, not installed) in the world of small.scn, where server
 // cv1 takes the login admin/secret; its path.
 std::string simulatedSssu()
@@ -242,4 +253,25 @@ TEST(Install, SetupKeepsWhatTheFilesHoldAndChangesNothingWhenRefused)
         ASSERT_EQ(stat((root + "Logs").c_str(), &info), 0);
         EXPECT_EQ(info.st_uid, getpwnam("nobody")->pw_uid) << "the backup account writes the log";
     }
+}
+
+TEST(Install, AProviderBuiltOnTheInstalledKitLoadsInTamlinctl)
+{
+    const std::string build = Staged::scratch->path("tiny");
+    Outcome configure = shell(
+        shellWord(INSTALLED(CMAKE)) + " -S " + shellWord(tamlin_test::sourceDir() + "/tests/install/tiny_provider") +
+        " -B " + shellWord(build) + " -DCMAKE_PREFIX_PATH=" + shellWord(Staged::stage + INSTALLED(INSTALL_PREFIX)) +
+        " -DTAMLIN_ENTRIES_HEADER=" +
+        shellWord(tamlin_test::sourceDir() + "/providers/hpeva/include/tamlin_entries.h"));
+    ASSERT_EQ(configure.status, 0) << configure.out;
+    Outcome compile = shell(shellWord(INSTALLED(CMAKE)) + " --build " + shellWord(build));
+    ASSERT_EQ(compile.status, 0) << compile.out;
+
+    TempInstallRoot root;
+    root.installMessages();
+    Outcome check =
+        tamlinctl(registryNaming(root.path("")), "--provider " + shellWord(build + "/libtiny.so") + " check");
+    EXPECT_EQ(check.status, 0) << check.out;
+    EXPECT_NE(check.out.find("tiny provider started on the kit"), std::string::npos) << check.out;
+    EXPECT_NE(check.out.find("interface  4.4.0.1"), std::string::npos) << check.out;
 }

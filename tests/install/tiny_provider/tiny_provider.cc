@@ -1,0 +1,59 @@
+// The start and end of a provider on the kit: its plug-in class and the kit's private data made
+// by the factory the kit instantiates, before it tells the host its version.
+#include <stdint.h>
+
+#include "cfiplugininterposer.h"
+#include "cfiprivatedataconcretefactory.h"
+#include "cfiprivatedatamanager.h"
+#include "qrn_records.h"
+#include "qrn_results.h"
+
+using namespace qorin_pdk_4_4;
+
+namespace {
+
+class CTinyPlugin : public CFiPluginInterposer {};
+
+CFiSmartPtr<CFiPluginBase> *plugin = nullptr;
+
+// Whether a node gets private data from the kit's factory and loses it again.
+bool kitWorks(CFiPluginBase &tiny)
+{
+    CFiPrivateDataManagerPtr manager(new CFiPrivateDataManager);
+    manager->registerFactory(CFiPrivateDataFactoryPtr(new CFiPrivateDataConcreteFactory<CFiPrivateData>()));
+    tiny.registerPrivateDataManager(manager);
+    wchar_t text[] = L"UDID##TINY##1";
+    qorin_objid id = {text, sizeof text, 3};
+    qrn_domain node = {};
+    node.id = &id;
+    CFiPrivateDataPtr made = manager->getFactory()->create(&node, false);
+    if (made.isNull() || manager->getFactory()->find(&node).get() != made.get()) {
+        return false;
+    }
+    tiny.deInitNode(&node);
+    return manager->getFactory()->find(&node).isNull();
+}
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) int32_t tamlin_fi_pgn_init(qrn_host_context *host, uint16_t *version)
+{
+    plugin = new CFiSmartPtr<CFiPluginBase>(new CTinyPlugin);
+    if (!kitWorks(**plugin)) {
+        return QRN_ERR_INIT_FAILED;
+    }
+    if (host != nullptr && host->callback != nullptr) {
+        host->callback(host, L"tiny provider started on the kit", L"tiny provider started on the kit", 1);
+    }
+    const uint16_t announced[4] = {4, 4, 0, 1};
+    for (int i = 0; i < 4; ++i) {
+        version[i] = announced[i];
+    }
+    return QRN_OK;
+}
+
+extern "C" __attribute__((visibility("default"))) void tamlin_fi_pgn_fini()
+{
+    delete plugin;
+    plugin = nullptr;
+}
