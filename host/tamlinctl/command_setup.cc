@@ -22,6 +22,7 @@
 #include "cficonfigurationpathtool.h"
 #include "cfistringtool.h"
 #include "commands.h"
+#include "install_root.h"
 #include "provider_session.h"
 #include "qorinutil.h"
 
@@ -85,17 +86,6 @@ bool isRunnable(const std::string &path)
 {
     struct stat info {};
     return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode) && access(path.c_str(), X_OK) == 0;
-}
-
-// The message catalogs this tamlinctl came with: installed, or those of the build tree.
-std::string bundledMessages()
-{
-    for (const std::string &dir : {exeDir() + "/" TAMLIN_BIN_TO_MESSAGES, exeDir() + "/../Messages/libtamlin"}) {
-        if (fs::exists(dir + "/root.res")) {
-            return fs::path(dir).lexically_normal().string();
-        }
-    }
-    return {};
 }
 
 // The install root laid out by the install this tamlinctl belongs to, if it is one.
@@ -183,7 +173,7 @@ void makeRoot(const std::string &root)
     if (fs::exists(messages)) {
         return;
     }
-    const std::string bundles = bundledMessages();
+    const std::string bundles = bundledMessageCatalogs();
     if (bundles.empty()) {
         throw SetupError{"the message catalogs of this tamlinctl are missing; reinstall it"};
     }
@@ -386,11 +376,31 @@ int setup(CliOptions &options, cliutil::Args &args)
     if (!hosts.empty() && users.empty()) {
         args.fail("--server needs --user");
     }
+    // A name that can't stand in the settings as given is refused here, before anything is asked
+    // or changed; a user may be DOMAIN\name, a host name never holds a section's brackets.
+    auto hasBlankOrControl = [](const std::string &text) {
+        return std::any_of(text.begin(), text.end(),
+                           [](char c) { return static_cast<unsigned char>(c) <= ' ' || c == '\x7f'; });
+    };
+    for (const std::string &host : hosts) {
+        if (host.empty() || hasBlankOrControl(host) || host.find_first_of("\\[]\"") != std::string::npos) {
+            args.fail("--server '" + host + "' is no host name");
+        }
+    }
+    for (const std::string &user : users) {
+        if (user.empty() || hasBlankOrControl(user)) {
+            args.fail("--user '" + user + "' is no account name");
+        }
+    }
     if (options.json) {
         args.fail("setup has no --json output; run tamlinctl --json check afterwards");
     }
     if (!finishArgs(args, "setup")) {
         return ProviderSession::kExitUsage;
+    }
+
+    if (owner && getpwnam(owner->c_str()) == nullptr) {
+        throw SetupError{"there is no account " + *owner + " to give the settings to; nothing was changed"};
     }
 
     std::string rootHow;

@@ -1,10 +1,13 @@
 #include "install_root.h"
 
+#include <limits.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 
 namespace {
@@ -116,20 +119,25 @@ bool reportInstallRoot(const InstallRootSearch &search, const std::string &provi
     if (!root.empty() && root.back() != '/') {
         root += '/';
     }
-    // The bundles are built beside the library: <build>/lib/libtamlin.so, <build>/Messages/.
-    std::string build = "<build>";
-    const size_t file = provider.rfind('/');
-    const size_t lib = file == std::string::npos || file == 0 ? std::string::npos : provider.rfind('/', file - 1);
-    if (lib != std::string::npos) {
-        build = provider.substr(0, lib);
+    // The catalogs this tamlinctl came with, else those built beside the library:
+    // <build>/lib/libtamlin.so, <build>/Messages/.
+    std::string catalogs = bundledMessageCatalogs();
+    if (catalogs.empty()) {
+        std::string build = "<build>";
+        const size_t file = provider.rfind('/');
+        const size_t lib = file == std::string::npos || file == 0 ? std::string::npos : provider.rfind('/', file - 1);
+        if (lib != std::string::npos) {
+            build = provider.substr(0, lib);
+        }
+        catalogs = build + "/Messages/libtamlin";
     }
     if (!root.empty() && isDirectory(root)) {
         if (!isDirectory(root + "Messages/libtamlin")) {
             fprintf(stderr,
                     "tamlinctl: warning: the install root %s holds no message catalogs, so the provider can only "
                     "name its messages by their keys; tamlinctl setup links them there, or copy them:\n"
-                    "tamlinctl:   mkdir -p %sMessages && cp -r %s/Messages/libtamlin %sMessages/\n",
-                    root.c_str(), root.c_str(), build.c_str(), root.c_str());
+                    "tamlinctl:   mkdir -p %sMessages && cp -r %s %sMessages/\n",
+                    root.c_str(), root.c_str(), catalogs.c_str(), root.c_str());
         }
         return true;
     }
@@ -147,9 +155,25 @@ bool reportInstallRoot(const InstallRootSearch &search, const std::string &provi
             "tamlinctl: to make one and name it in the registry stand-in, run tamlinctl setup (for the root\n"
             "tamlinctl: installed with tamlinctl) or tamlinctl setup --root DIR; to do it by hand, install the\n"
             "tamlinctl: message catalogs into a directory and name it, for example:\n"
-            "tamlinctl:   mkdir -p /opt/tamlin/Messages && cp -r %s/Messages/libtamlin /opt/tamlin/Messages/\n"
+            "tamlinctl:   mkdir -p /opt/tamlin/Messages && cp -r %s /opt/tamlin/Messages/\n"
             "tamlinctl:   export QORIN_INSTALL_ROOT=/opt/tamlin/\n"
             "tamlinctl: then write /opt/tamlin/ConfigFiles/tamlin.conf (README.md, \"Installing the provider\").\n",
-            build.c_str());
+            catalogs.c_str());
     return false;
+}
+
+std::string bundledMessageCatalogs()
+{
+    char self[PATH_MAX];
+    const ssize_t n = readlink("/proc/self/exe", self, sizeof self - 1);
+    if (n <= 0) {
+        return {};
+    }
+    const std::string dir = std::filesystem::path(std::string(self, static_cast<size_t>(n))).parent_path().string();
+    for (const std::string &catalogs : {dir + "/" TAMLIN_BIN_TO_MESSAGES, dir + "/../Messages/libtamlin"}) {
+        if (std::filesystem::exists(catalogs + "/root.res")) {
+            return std::filesystem::path(catalogs).lexically_normal().string();
+        }
+    }
+    return {};
 }

@@ -20,4 +20,8 @@ InstallRootSearch findInstallRoot();
 // false), a warning for a root without message catalogs.
 bool reportInstallRoot(const InstallRootSearch &search, const std::string &provider);
 
+// The message catalogs this tamlinctl came with: installed beside it, or built in its build
+// tree; empty when neither is there.
+std::string bundledMessageCatalogs();
+
 #endif

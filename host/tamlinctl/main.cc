@@ -292,8 +292,8 @@ void printMainHelp(const std::map<std::string, Command> &all)
            "  -h, --help       this text; `tamlinctl <command> --help` describes a command\n"
            "\n"
            "The provider's messages appear on standard error as it pushes them. The\n"
-           "provider's install root is $QORIN_INSTALL_ROOT, or \"InstallDir64\" of\n"
-           "[SOFTWARE\\Orvanta\\Qorin] in $QORIN_REGISTRY (else /etc/qorin/registry.conf).\n"
+           "provider's install root is \"InstallDir64\" of [SOFTWARE\\Orvanta\\Qorin] in\n"
+           "$QORIN_REGISTRY (else /etc/qorin/registry.conf), else $QORIN_INSTALL_ROOT.\n"
            "Exit status: 0 success, 1 an entry of the provider failed, 2 bad usage,\n"
            "3 the provider could not be loaded or has no install root.\n",
            ProviderLibrary::defaultPath().c_str());

@@ -227,13 +227,21 @@ TEST(Install, SetupKeepsWhatTheFilesHoldAndChangesNothingWhenRefused)
     const std::string arguments =
         "setup --root " + shellWord(root) + " --sssu " + shellWord(sssu) + " --server cv1 --user admin";
 
-    // Refused: a password on the command line (never shown back), none on standard input.
+    // Refused: a password on the command line (never shown back), none on standard input, an
+    // account or a server name that can't be used, though the password is there.
     const std::string before = readFile(conf);
     Outcome onCommandLine = tamlinctl(registry, arguments + " --password hunter2", "secret\n");
     EXPECT_EQ(onCommandLine.status, 2) << onCommandLine.out;
     EXPECT_EQ(onCommandLine.out.find("hunter2"), std::string::npos) << onCommandLine.out;
     Outcome noPassword = tamlinctl(registry, arguments, "");
     EXPECT_EQ(noPassword.status, 1) << noPassword.out;
+    Outcome noAccount = tamlinctl(registry, arguments + " --owner no-such-account", "secret\n");
+    EXPECT_EQ(noAccount.status, 1) << noAccount.out;
+    EXPECT_NE(noAccount.out.find("there is no account no-such-account"), std::string::npos) << noAccount.out;
+    for (const char *host : {"''", "'cv 2'", "'cv]2'"}) {
+        Outcome badHost = tamlinctl(registry, arguments + " --server " + host, "secret\nsecret\n");
+        EXPECT_EQ(badHost.status, 2) << host << ": " << badHost.out;
+    }
     EXPECT_EQ(readFile(conf), before);
     EXPECT_EQ(readFile(registry), others);
     EXPECT_FALSE(fs::exists(root + "Logs"));

@@ -1,10 +1,13 @@
-// The start and end of a provider on the kit: its plug-in class and the kit's private data made
-// by the factory the kit instantiates, before it tells the host its version.
+// The start and end of a provider on the kit: its plug-in class with its function traces, the
+// kit's private data made by the factory the kit instantiates, and a result list, before it
+// tells the host its version.
 #include <stdint.h>
 
+#include "cfinodelistfactory.h"
 #include "cfiplugininterposer.h"
 #include "cfiprivatedataconcretefactory.h"
 #include "cfiprivatedatamanager.h"
+#include "cfitracelogfunction.h"
 #include "qrn_records.h"
 #include "qrn_results.h"
 
@@ -12,16 +15,27 @@ using namespace qorin_pdk_4_4;
 
 namespace {
 
-class CTinyPlugin : public CFiPluginInterposer {};
+class CTinyPlugin : public CFiPluginInterposer {
+public:
+    int init() override
+    {
+        CFiTraceLogFunction function(m_traceLog, "CTinyPlugin::init");
+        return QRN_OK;
+    }
+};
 
 CFiSmartPtr<CFiPluginBase> *plugin = nullptr;
 
-// Whether a node gets private data from the kit's factory and loses it again.
+// Whether a node gets private data from the kit's factory and loses it again, and a list
+// counts a disk.
 bool kitWorks(CFiPluginBase &tiny)
 {
     CFiPrivateDataManagerPtr manager(new CFiPrivateDataManager);
     manager->registerFactory(CFiPrivateDataFactoryPtr(new CFiPrivateDataConcreteFactory<CFiPrivateData>()));
     tiny.registerPrivateDataManager(manager);
+    if (tiny.init() != QRN_OK) {
+        return false;
+    }
     wchar_t text[] = L"UDID##TINY##1";
     qorin_objid id = {text, sizeof text, 3};
     qrn_domain node = {};
@@ -31,7 +45,17 @@ bool kitWorks(CFiPluginBase &tiny)
         return false;
     }
     tiny.deInitNode(&node);
-    return manager->getFactory()->find(&node).isNull();
+    if (!manager->getFactory()->find(&node).isNull()) {
+        return false;
+    }
+    int32_t count = 0;
+    {
+        // Counted only: without an out pointer the list goes to nobody.
+        CFiNodeListFactory nodes(nullptr, &count);
+        CFiNode disk(L"tiny", "disk 1", "UDID##TINY##1", 512, 0, 0, 1);
+        nodes.add(disk);
+    }
+    return count == 1;
 }
 
 }  // namespace
