@@ -26,11 +26,7 @@ HostContext::Sink HostContext::printToStderr()
 {
     return [](const std::wstring &hostText, const std::wstring &defaultText, int severity) {
         static const char *const names[] = {"", "info", "warning", "error", "detail"};
-        const std::wstring &text = hostText.empty() ? defaultText : hostText;
-        std::string line = toUtf8(text);
-        while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) {
-            line.pop_back();
-        }
+        const std::string line = messageLine(hostText.empty() ? defaultText : hostText);
         const char *name = severity >= 1 && severity <= 4 ? names[severity] : "message";
         fprintf(stderr, "tamlin %s: %s\n", name, line.c_str());
     };

@@ -21,14 +21,6 @@ const char *severityName(int severity)
     }
 }
 
-std::string oneLine(std::string text)
-{
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) {
-        text.pop_back();
-    }
-    return text;
-}
-
 }  // namespace
 
 ProviderSession::ProviderSession(const CliOptions &options) : m_options(options) {}
@@ -56,12 +48,12 @@ void ProviderSession::onMessage(const std::wstring &hostText, const std::wstring
         // operations too, -vvv everything.
         int needed = severity == 3 || severity == 2 ? 1 : severity == 1 ? 2 : 3;
         if (m_options.verbosity >= needed) {
-            fprintf(stderr, "trace: %s\n", oneLine(toUtf8(defaultText)).c_str());
+            fprintf(stderr, "trace: %s\n", messageLine(defaultText).c_str());
             ++m_printed;
         }
         return;
     }
-    fprintf(stderr, "tamlin %s: %s\n", severityName(severity), oneLine(toUtf8(hostText)).c_str());
+    fprintf(stderr, "tamlin %s: %s\n", severityName(severity), messageLine(hostText).c_str());
     ++m_printed;
     if (severity >= 2) {
         m_reasonShown = true;
@@ -121,11 +113,11 @@ std::wstring ProviderSession::lastErrorText()
 
 int ProviderSession::failure(const std::string &entry, int32_t result)
 {
-    std::string meaning = oneLine(toUtf8(errmsgText(result)));
+    std::string meaning = messageLine(errmsgText(result));
     fprintf(stderr, "tamlinctl: %s failed with result %d%s%s\n", entry.c_str(), result, meaning.empty() ? "" : ": ",
             meaning.c_str());
     if (!m_reasonShown) {
-        std::string reason = oneLine(toUtf8(lastErrorText()));
+        std::string reason = messageLine(lastErrorText());
         if (!reason.empty()) {
             fprintf(stderr, "tamlinctl: reason: %s\n", reason.c_str());
         }

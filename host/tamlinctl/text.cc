@@ -72,3 +72,16 @@ std::wstring fromUtf8(const std::string &text)
     }
     return out;
 }
+
+std::string messageLine(const std::wstring &text)
+{
+    std::string line = toUtf8(text);
+    while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) {
+        line.pop_back();
+    }
+    static const std::string lead = "tamlin: ";
+    if (line.compare(0, lead.size(), lead) == 0) {
+        line.erase(0, lead.size());
+    }
+    return line;
+}

@@ -7,4 +7,8 @@
 std::string toUtf8(const std::wstring &text);
 std::wstring fromUtf8(const std::string &text);
 
+// A provider message as one printed line: without its trailing line ends, and without the
+// catalog's own "tamlin: " lead, since the line printed before it already names the provider.
+std::string messageLine(const std::wstring &text);
+
 #endif

@@ -220,6 +220,7 @@ TEST_F(CtlRestore, AFailureHalfwayListsTheCommandsSent)
     Ctl run({"restore", "db\\data", "db\\data_clone000", "--yes"});
     EXPECT_EQ(run.finish(), 1) << run.err;
     EXPECT_NE(run.err.find("tamlin error:"), std::string::npos) << run.err;
+    EXPECT_EQ(run.err.find("tamlin error: tamlin:"), std::string::npos) << "the provider named once: " << run.err;
     EXPECT_NE(run.err.find("nothing was undone. These commands were sent; the array did those before the one that "
                            "failed:\n  DELETE LUN \"\\Hosts\\h1\\7\"\n  DELETE LUN \"\\Hosts\\h2\\4\"\n"),
               std::string::npos)

@@ -155,7 +155,7 @@ TEST(Tamlinctl, AFailedStartIsExplainedInTheHostsLanguage)
     // Without a FILENAME the search ends in the bridge directory, and that is what is named.
     EXPECT_NE(run.out.find("SSSU ist nicht installiert: Das Verzeichnis /opt/Hewlett-Packard/"), std::string::npos)
         << run.out;
-    EXPECT_NE(run.out.find("init failed with result 30: tamlin: Der Provider konnte nicht initialisiert werden."),
+    EXPECT_NE(run.out.find("init failed with result 30: Der Provider konnte nicht initialisiert werden."),
               std::string::npos)
         << run.out;
     EXPECT_EQ(run.out.find("<MSG_"), std::string::npos) << "no bare message keys: " << run.out;
