@@ -16,8 +16,8 @@ namespace qorin_pdk_4_4 {
 // caller decides (hasLastError). Derived handlers override startElement and endElement and
 // read and reset the buffer themselves.
 //
-// A handler keeps Xerces initialised for its own lifetime, so that it may be made before its
-// parser and still hold a parser message after the parser is gone.
+// A handler initialises Xerces if no parser has yet, so that it may be made before its parser;
+// Xerces then stays until the library unloads (CFiSaxParser::releaseXerces).
 class QORIN_PDK_API CFiSaxParseHandler : public xercesc::DefaultHandler {
 public:
     CFiSaxParseHandler();
@@ -67,10 +67,9 @@ protected:
     std::string m_text;
 
 private:
-    // Declared before the message so that Xerces outlives it.
+    // Declared before the message, which needs Xerces.
     struct XercesUse {
         XercesUse();
-        ~XercesUse();
     } m_xercesUse;
     xercesc::SAXParseException m_lastError;
     bool m_hasError;

@@ -26,6 +26,13 @@ public:
     void setHandler(xercesc::DefaultHandler *handler);
     void setInputSchema(const char *path);
 
+    // Xerces is initialised by the first parser or handler of the process and stays so until
+    // releaseXerces, which the library calls as it unloads: initialising and ending it for
+    // every document cost more than parsing a small one. Harmless when nothing initialised it.
+    static void releaseXerces();
+    // What the parsers and handlers call before they use Xerces; one lock orders them.
+    static void useXerces();
+
     void parse(const std::string &text);
     // The lines as if joined with nothing between them (they are read in place, not copied).
     void parse(const std::vector<std::string> &lines);
@@ -41,7 +48,6 @@ private:
 
     xercesc::DefaultHandler *m_handler;
     xercesc::SAX2XMLReader *m_reader;
-    bool m_initialized;
     // Limits entity expansion; the reader holds a pointer to it.
     xercesc::SecurityManager m_security;
 };

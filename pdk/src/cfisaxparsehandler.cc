@@ -6,6 +6,7 @@
 #include <xercesc/util/XMLUni.hpp>
 #include <xercesc/util/XMLUniDefs.hpp>
 
+#include "cfisaxparser.h"
 #include "cfistringtool.h"
 
 XERCES_CPP_NAMESPACE_USE
@@ -14,13 +15,7 @@ namespace qorin_pdk_4_4 {
 
 CFiSaxParseHandler::XercesUse::XercesUse()
 {
-    // Counted by Xerces: each Initialize is matched by one Terminate.
-    XMLPlatformUtils::Initialize(XMLUni::fgXercescDefaultLocale);
-}
-
-CFiSaxParseHandler::XercesUse::~XercesUse()
-{
-    XMLPlatformUtils::Terminate();
+    CFiSaxParser::useXerces();
 }
 
 CFiSaxParseHandler::CFiSaxParseHandler() :

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <mutex>
 
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/sax/InputSource.hpp>
@@ -22,6 +23,10 @@ namespace qorin_pdk_4_4 {
 namespace {
 
 const char BUFFER_ID[] = "qorin_sax_parser";
+
+// Xerces counts its initialisations without a lock of its own.
+std::mutex xercesLock;
+bool xercesKept = false;
 
 // The lines read one after the other, as if joined: a listing of many megabytes is parsed
 // without a second copy of it.
@@ -70,10 +75,7 @@ private:
 
 }  // namespace
 
-CFiSaxParser::CFiSaxParser(DefaultHandler *handler, const char *schema) :
-    m_handler(nullptr),
-    m_reader(nullptr),
-    m_initialized(false)
+CFiSaxParser::CFiSaxParser(DefaultHandler *handler, const char *schema) : m_handler(nullptr), m_reader(nullptr)
 {
     init();
     if (handler != nullptr) {
@@ -87,16 +89,30 @@ CFiSaxParser::CFiSaxParser(DefaultHandler *handler, const char *schema) :
 CFiSaxParser::~CFiSaxParser()
 {
     delete m_reader;
-    if (m_initialized) {
+}
+
+void CFiSaxParser::useXerces()
+{
+    std::lock_guard<std::mutex> hold(xercesLock);
+    if (!xercesKept) {
+        XMLPlatformUtils::Initialize(XMLUni::fgXercescDefaultLocale);
+        xercesKept = true;
+    }
+}
+
+void CFiSaxParser::releaseXerces()
+{
+    std::lock_guard<std::mutex> hold(xercesLock);
+    if (xercesKept) {
         XMLPlatformUtils::Terminate();
+        xercesKept = false;
     }
 }
 
 void CFiSaxParser::init()
 {
     try {
-        XMLPlatformUtils::Initialize(XMLUni::fgXercescDefaultLocale);
-        m_initialized = true;
+        useXerces();
         m_reader = XMLReaderFactory::createXMLReader();
         m_reader->setFeature(XMLUni::fgSAX2CoreValidation, false);
         m_reader->setFeature(XMLUni::fgSAX2CoreNameSpaces, false);
