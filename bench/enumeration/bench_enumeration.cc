@@ -1,8 +1,11 @@
 // enumerate_nodes through dlopen, as a host calls it, for one cell of 10,000 disks listed by
-// evasim: wall time and peak memory, with the provider's share beside the simulator's.
+// evasim: wall time and peak memory, with the provider's share beside the simulator's, and the
+// host's peak against the size of the disk listing SSSU prints (target: at most 3 times).
 //
 // Each measured start runs in a fresh child process, so that its peak memory is its own:
-// RUSAGE_SELF is the host with the provider, RUSAGE_CHILDREN the SSSU runs (evasim).
+// RUSAGE_SELF is the host with the provider, RUSAGE_CHILDREN the SSSU runs (evasim). The
+// simulator's own peak comes from a run of the listing alone: the exec pipe starts SSSU
+// through a helper that shares the host's memory, whose peak RUSAGE_CHILDREN would report.
 #include <stdlib.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -14,12 +17,16 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
+#include "../bench_support.h"
 #include "host_context.h"
 #include "provider_library.h"
 #include "result_lists.h"
 
 namespace {
+
+const double kTarget = 3.0;
 
 struct Sample {
     int32_t firstResult = -1;   // the first call: SSSU's version check, discovery, the listing
@@ -27,7 +34,7 @@ struct Sample {
     int32_t disks = 0;
     double firstWall = 0, secondWall = 0;
     double providerCpu = 0, evasimCpu = 0;
-    long providerPeakKb = 0, evasimPeakKb = 0;
+    long providerPeakKb = 0;
 };
 
 double seconds(const timeval &t)
@@ -79,9 +86,51 @@ int32_t listAll(ProviderLibrary &lib, int32_t &count, double &wall)
     s.providerCpu = seconds(self.ru_utime) + seconds(self.ru_stime);
     s.evasimCpu = seconds(children.ru_utime) + seconds(children.ru_stime);
     s.providerPeakKb = self.ru_maxrss;
-    s.evasimPeakKb = children.ru_maxrss;
     ssize_t written = write(fd, &s, sizeof s);
     _exit(written == static_cast<ssize_t>(sizeof s) ? 0 : 1);
+}
+
+// What SSSU prints for the provider's listing of the cell's disks, run here on its own: its
+// size in bytes and the simulator's peak memory in KiB, or -1 bytes when it did not run.
+struct Listing {
+    long long bytes = -1;
+    long peakKb = 0;
+};
+
+Listing listDisks(const std::string &evasim, const std::string &dir)
+{
+    Listing listing;
+    const std::string script = dir + "/list_disks";
+    std::ofstream(script) << "select manager cv1 user=evasim password=evasim\nselect cell \"EVA01\"\n"
+                             "LS VDISK FULL XML\nexit\n";
+    int ends[2];
+    if (pipe(ends) != 0) {
+        return listing;
+    }
+    const std::string file = "FILE " + script;
+    const pid_t child = fork();
+    if (child == 0) {
+        dup2(ends[1], STDOUT_FILENO);
+        close(ends[0]);
+        close(ends[1]);
+        execl(evasim.c_str(), evasim.c_str(), file.c_str(), static_cast<char *>(nullptr));
+        _exit(127);
+    }
+    close(ends[1]);
+    long long bytes = 0;
+    char buffer[65536];
+    ssize_t got;
+    while ((got = read(ends[0], buffer, sizeof buffer)) > 0) {
+        bytes += got;
+    }
+    close(ends[0]);
+    int status = 0;
+    rusage usage{};
+    if (child > 0 && wait4(child, &status, 0, &usage) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0) {
+        listing.bytes = bytes;
+        listing.peakKb = usage.ru_maxrss;
+    }
+    return listing;
 }
 
 }  // namespace
@@ -95,7 +144,10 @@ int main(int argc, char **argv)
             std::printf("Usage: bench_enumeration [--disks N] [--rounds N]\n\n"
                         "Times enumerate_nodes of libtamlin.so through dlopen against an evasim cell of N\n"
                         "disks (default 10000), each round in a fresh process, and prints wall time and\n"
-                        "peak memory of the provider beside those of the simulator.\n");
+                        "CPU of the provider beside those of the simulator, and the host's peak memory\n"
+                        "against the size of SSSU's disk listing. Fails when that peak is more than %.0f\n"
+                        "times the listing.\n",
+                        kTarget);
             return 0;
         }
         if (i + 1 < argc && std::strcmp(argv[i], "--disks") == 0) {
@@ -142,8 +194,15 @@ int main(int argc, char **argv)
         return 1;
     }
 
-    std::printf("\n%-5s %8s %12s %12s %13s %13s %12s %12s\n", "round", "disks", "first s", "listing s", "provider cpu",
-                "evasim cpu", "provider MB", "evasim MB");
+    const Listing listing = listDisks(bin + "/evasim", dir);
+    if (listing.bytes <= 0) {
+        std::fprintf(stderr, "bench_enumeration: evasim did not list the disks\n");
+        return 1;
+    }
+
+    std::printf("\n%-5s %8s %12s %12s %13s %13s %12s %9s\n", "round", "disks", "first s", "listing s", "provider cpu",
+                "evasim cpu", "provider MiB", "x listing");
+    std::vector<double> peaks;
     int failures = 0;
     for (int round = 1; round <= rounds; ++round) {
         int fds[2];
@@ -167,14 +226,24 @@ int main(int argc, char **argv)
             ++failures;
             continue;
         }
-        std::printf("%-5d %8d %12.3f %12.3f %13.3f %13.3f %12.1f %12.1f\n", round, s.disks, s.firstWall, s.secondWall,
-                    s.providerCpu, s.evasimCpu, s.providerPeakKb / 1024.0, s.evasimPeakKb / 1024.0);
+        const double peakRatio = s.providerPeakKb * 1024.0 / static_cast<double>(listing.bytes);
+        peaks.push_back(peakRatio);
+        std::printf("%-5d %8d %12.3f %12.3f %13.3f %13.3f %12.1f %8.2fx\n", round, s.disks, s.firstWall, s.secondWall,
+                    s.providerCpu, s.evasimCpu, s.providerPeakKb / 1024.0, peakRatio);
         std::fflush(stdout);
     }
     std::printf("\nfirst s: the first call, with SSSU's version check and discovery; listing s: the next one.\n"
                 "cpu: seconds of the whole child process (provider) and of all its SSSU runs (evasim);\n"
-                "MB: peak resident memory of the host process with the provider, and of the largest SSSU run.\n");
+                "provider MiB: peak resident memory of the host process with the provider; x listing: that\n"
+                "peak over the size of SSSU's disk listing, %.1f MiB (%lld bytes; evasim's peak in\n"
+                "printing it: %.1f MiB).\n",
+                static_cast<double>(listing.bytes) / 1048576.0, listing.bytes, listing.peakKb / 1024.0);
+    const bool met = !peaks.empty() && failures == 0 && bench::median(peaks) <= kTarget;
+    if (!peaks.empty()) {
+        std::printf("target: peak within %.0fx the listing (median %.2fx): %s\n", kTarget, bench::median(peaks),
+                    met ? "met" : "MISSED");
+    }
     std::error_code ignored;
     std::filesystem::remove_all(dir, ignored);
-    return failures == 0 ? 0 : 1;
+    return met ? 0 : 1;
 }

@@ -1,18 +1,23 @@
-// Reads 64 MiB of lines from a child three ways: through Exec (lines gathered into a
-// vector, as the SSSU layer gets them), through the exec pipe's ReadLine loop, and with a
-// plain read loop over the same child. Prints each throughput and the ratio of the plain
-// loop to the exec pipe; exits 1 when the ReadLine loop is more than 1.5 times slower.
+// Reads 64 MiB of lines from a child three ways: with a plain read loop (the floor), through
+// the exec pipe's ReadLine loop, and through Exec, which gathers the lines into a vector as
+// the SSSU layer gets them. Each round runs all three, in turn and in a rotating order, with
+// this process and its children pinned to one CPU; each time is the CPU the run took, the
+// reader's and the child's together, so that the machine's other load stays out of it. The
+// ratios are the medians of each round's own ratios. Exits 1 when Exec takes more than 1.5
+// times the floor.
+#include <malloc.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <string>
 #include <vector>
 
+#include "../bench_support.h"
 #include "cfiexecpipeposix.h"
 
 extern char **environ;
@@ -37,15 +42,26 @@ struct Source {
     std::string command() const { return "\"" + program + "\" " + std::to_string(bytes) + " " + std::to_string(line); }
 };
 
-double seconds(std::chrono::steady_clock::time_point since)
+// One way of reading: the bytes it saw, line feeds counted.
+using Reader = std::function<long long(const Source &)>;
+
+struct Sample {
+    double cpu;
+    double wall;
+};
+
+Sample measure(const Reader &reader, const Source &source, long long &bytes)
 {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
+    const double cpuBefore = bench::cpuSeconds(RUSAGE_SELF) + bench::cpuSeconds(RUSAGE_CHILDREN);
+    const auto start = std::chrono::steady_clock::now();
+    bytes = reader(source);
+    const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - start;
+    return {bench::cpuSeconds(RUSAGE_SELF) + bench::cpuSeconds(RUSAGE_CHILDREN) - cpuBefore, wall.count()};
 }
 
-// The baseline: the child's output read in 64 KiB pieces and counted, nothing more.
-double plainLoop(const Source &source, long long &bytes)
+// The floor: the child's output read in 64 KiB pieces and counted, nothing more.
+long long plainLoop(const Source &source)
 {
-    auto start = std::chrono::steady_clock::now();
     int ends[2];
     if (pipe(ends) != 0) {
         perror("bench_execpipe: pipe");
@@ -66,7 +82,7 @@ double plainLoop(const Source &source, long long &bytes)
     posix_spawn_file_actions_destroy(&actions);
     close(ends[1]);
     std::vector<char> buffer(64 * 1024);
-    bytes = 0;
+    long long bytes = 0;
     ssize_t n;
     while ((n = read(ends[0], buffer.data(), buffer.size())) > 0) {
         bytes += n;
@@ -74,12 +90,11 @@ double plainLoop(const Source &source, long long &bytes)
     close(ends[0]);
     int status;
     waitpid(pid, &status, 0);
-    return seconds(start);
+    return bytes;
 }
 
-double readLineLoop(const Source &source, long long &bytes)
+long long readLineLoop(const Source &source)
 {
-    auto start = std::chrono::steady_clock::now();
     CFiExecPipePosix pipe(1);
     if (pipe.ExecPipe(source.command(), "") != 0) {
         fprintf(stderr, "bench_execpipe: can't start %s\n", source.program.c_str());
@@ -87,30 +102,28 @@ double readLineLoop(const Source &source, long long &bytes)
     }
     std::vector<char> line(CFiExecPipePosix::LINE_PIECE_SIZE + 1);
     int timedOut = 0;
-    bytes = 0;
+    long long bytes = 0;
     while (pipe.ReadLine(line.data(), CFiExecPipePosix::LINE_PIECE_SIZE, &timedOut, 600) == 1) {
         // The line feed that ReadLine took off.
         bytes += static_cast<long long>(std::char_traits<char>::length(line.data())) + 1;
     }
     pipe.Close(10);
-    return seconds(start);
+    return bytes;
 }
 
-double execLines(const Source &source, long long &bytes)
+// The lines are counted before the vector goes: freeing them is the caller's cost, not Exec's.
+long long execLines(const Source &source, std::vector<std::string> &output)
 {
-    auto start = std::chrono::steady_clock::now();
     CFiExecPipePosix pipe(1);
-    std::vector<std::string> output;
     if (pipe.Exec(source.command(), output, "", 600, "", "", "") != 0) {
         fprintf(stderr, "bench_execpipe: Exec failed with code %d\n", pipe.getLastError().getCode());
         exit(1);
     }
-    bytes = 0;
+    long long bytes = 0;
     for (const std::string &line : output) {
         bytes += static_cast<long long>(line.size()) + 1;
     }
-    double took = seconds(start);
-    return took;
+    return bytes;
 }
 
 }  // namespace
@@ -119,31 +132,41 @@ int main(int argc, char **argv)
 {
     long long mib = 64;
     long line = 80;
-    int runs = 7;
+    int rounds = 15;
+    int cpu = -1;
+    bool pin = true;
     for (int i = 1; i < argc; ++i) {
         std::string a = argv[i];
         if (a == "--help" || a == "-h") {
-            printf("Usage: bench_execpipe [--mib N] [--line N] [--runs N]\n\n"
-                   "Reads N MiB (64) of lines of N bytes (80, line feed included) from a child,\n"
-                   "through Exec, through the exec pipe's ReadLine loop, and with a plain read loop;\n"
-                   "the median of N runs (7) each. Fails when the ReadLine loop is more than %.1fx\n"
-                   "slower\n"
-                   "than the plain loop.\n",
+            printf("Usage: bench_execpipe [--mib N] [--line N] [--rounds N] [--cpu N | --no-pin]\n\n"
+                   "Reads N MiB (64) of lines of N bytes (80, line feed included) from a child with a\n"
+                   "plain read loop, through the exec pipe's ReadLine loop and through Exec, all three\n"
+                   "in each of N rounds (15, after one that is not counted), pinned to one CPU (the\n"
+                   "last one, or --cpu N). Prints the medians of the CPU time of reader and child and\n"
+                   "of the wall time, and the medians of each round's ratios to the plain loop. Fails\n"
+                   "when Exec takes more than %.1fx the CPU of the plain loop.\n",
                    kTarget);
             return 0;
         }
-        if ((a == "--mib" || a == "--line" || a == "--runs") && i + 1 < argc) {
+        if (a == "--no-pin") {
+            pin = false;
+            continue;
+        }
+        if ((a == "--mib" || a == "--line" || a == "--rounds" || a == "--cpu") && i + 1 < argc) {
             long long v = strtoll(argv[++i], nullptr, 10);
-            if (v < 1) {
-                fprintf(stderr, "bench_execpipe: %s needs a positive number\n", a.c_str());
+            if (v < (a == "--cpu" ? 0 : 1)) {
+                fprintf(stderr, "bench_execpipe: %s needs a %s number\n", a.c_str(),
+                        a == "--cpu" ? "non-negative" : "positive");
                 return 2;
             }
             if (a == "--mib") {
                 mib = v;
             } else if (a == "--line") {
                 line = static_cast<long>(v);
+            } else if (a == "--rounds") {
+                rounds = static_cast<int>(v);
             } else {
-                runs = static_cast<int>(v);
+                cpu = static_cast<int>(v);
             }
             continue;
         }
@@ -155,40 +178,66 @@ int main(int argc, char **argv)
     if (access(source.program.c_str(), X_OK) != 0) {
         source.program = EXECPIPE_BENCH_SOURCE;
     }
-
-    // Medians: the machine's other load makes single runs swing both ways, the plain loop most.
-    std::vector<double> plainTimes, readLineTimes, execTimes;
-    for (int run = 0; run < runs; ++run) {
-        // Interleaved, so that a slow patch of the machine hits all three alike.
-        long long plainBytes = 0, readLineBytes = 0, execBytes = 0;
-        double plain = plainLoop(source, plainBytes);
-        double readLine = readLineLoop(source, readLineBytes);
-        double exec = execLines(source, execBytes);
-        if (plainBytes != source.bytes || readLineBytes < source.bytes || execBytes < source.bytes) {
-            fprintf(stderr, "bench_execpipe: read %lld, %lld and %lld bytes of %lld\n", plainBytes, readLineBytes,
-                    execBytes, source.bytes);
-            return 1;
-        }
-        printf("run %d: plain %.3f s, ReadLine %.3f s, Exec %.3f s\n", run + 1, plain, readLine, exec);
-        plainTimes.push_back(plain);
-        readLineTimes.push_back(readLine);
-        execTimes.push_back(exec);
+    const int pinned = pin ? bench::pinToOneCpu(cpu) : -1;
+    if (pin && pinned < 0) {
+        fprintf(stderr, "bench_execpipe: can't pin to %s; try --no-pin\n",
+                cpu < 0 ? "one CPU" : ("CPU " + std::to_string(cpu)).c_str());
+        return 2;
     }
-    auto median = [](std::vector<double> times) {
-        std::sort(times.begin(), times.end());
-        const size_t n = times.size();
-        return n % 2 == 1 ? times[n / 2] : (times[n / 2 - 1] + times[n / 2]) / 2;
-    };
-    const double plainBest = median(plainTimes);
-    const double readLineBest = median(readLineTimes);
-    const double execBest = median(execTimes);
 
-    double total = static_cast<double>(source.bytes) / (1024.0 * 1024.0);
-    printf("%lld MiB in lines of %ld bytes, median of %d runs:\n", mib, line, runs);
-    printf("  plain read loop        %8.1f MiB/s\n", total / plainBest);
-    printf("  exec pipe ReadLine     %8.1f MiB/s   ratio %.2fx\n", total / readLineBest, readLineBest / plainBest);
-    printf("  exec pipe Exec (lines) %8.1f MiB/s   ratio %.2fx\n", total / execBest, execBest / plainBest);
-    bool met = readLineBest / plainBest <= kTarget;
-    printf("target: exec pipe ReadLine within %.1fx of the plain loop: %s\n", kTarget, met ? "met" : "MISSED");
+    std::vector<std::string> kept;
+    const char *names[] = {"plain read loop (floor)", "exec pipe ReadLine", "exec pipe Exec (lines)"};
+    const Reader readers[] = {plainLoop, readLineLoop, [&kept](const Source &s) { return execLines(s, kept); }};
+    const int kinds = 3;
+    std::vector<double> cpuTimes[kinds], wallTimes[kinds], cpuRatios[kinds], wallRatios[kinds];
+    // Round 0 warms the page cache and the allocator and is not counted.
+    for (int round = 0; round <= rounds; ++round) {
+        Sample samples[kinds];
+        for (int turn = 0; turn < kinds; ++turn) {
+            // Each reader goes first in every third round: none always runs after the same one.
+            const int kind = (turn + round) % kinds;
+            long long bytes = 0;
+            samples[kind] = measure(readers[kind], source, bytes);
+            // The lines go, and the allocator merges and returns what they took now, not in
+            // the next reader's first large allocation: freeing is the caller's cost, and
+            // every reader starts from the same heap.
+            std::vector<std::string>().swap(kept);
+            malloc_trim(0);
+            // A line reader counts a line feed after the last line, which has none when the
+            // size cuts it.
+            if (bytes != source.bytes && !(kind > 0 && bytes == source.bytes + 1)) {
+                fprintf(stderr, "bench_execpipe: %s read %lld bytes of %lld\n", names[kind], bytes, source.bytes);
+                return 1;
+            }
+        }
+        if (round == 0) {
+            continue;
+        }
+        printf("round %2d: CPU plain %.3f s, ReadLine %.3f s, Exec %.3f s\n", round, samples[0].cpu, samples[1].cpu,
+               samples[2].cpu);
+        for (int kind = 0; kind < kinds; ++kind) {
+            cpuTimes[kind].push_back(samples[kind].cpu);
+            wallTimes[kind].push_back(samples[kind].wall);
+            cpuRatios[kind].push_back(samples[kind].cpu / samples[0].cpu);
+            wallRatios[kind].push_back(samples[kind].wall / samples[0].wall);
+        }
+    }
+
+    const double total = static_cast<double>(source.bytes) / (1024.0 * 1024.0);
+    printf("\n%lld MiB in lines of %ld bytes, medians of %d rounds, %s\n", mib, line, rounds,
+           pinned >= 0 ? ("pinned to CPU " + std::to_string(pinned)).c_str() : "not pinned");
+    printf("  %-24s %9s %9s %10s %9s %9s\n", "", "CPU ms", "wall ms", "MiB/s CPU", "x floor", "x (wall)");
+    bool met = false;
+    for (int kind = 0; kind < kinds; ++kind) {
+        const double ratio = bench::median(cpuRatios[kind]);
+        printf("  %-24s %9.1f %9.1f %10.1f %8.2fx %8.2fx\n", names[kind], bench::median(cpuTimes[kind]) * 1000,
+               bench::median(wallTimes[kind]) * 1000, total / bench::median(cpuTimes[kind]), ratio,
+               bench::median(wallRatios[kind]));
+        if (kind == 2) {
+            met = ratio <= kTarget;
+        }
+    }
+    printf("CPU: of the reader and its child together; x floor: median of the rounds' ratios of CPU.\n");
+    printf("target: Exec within %.1fx of the plain loop: %s\n", kTarget, met ? "met" : "MISSED");
     return met ? 0 : 1;
 }
