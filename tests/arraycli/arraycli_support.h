@@ -19,6 +19,7 @@
 #include "message_recorder.h"
 #include "scratch_files.h"
 #include "test_paths.h"
+#include "tsv_rows.h"
 
 namespace arraycli {
 
@@ -97,27 +98,10 @@ public:
     {
         return capture("'" + bin + "evasim' " + arguments + " 2>&1");
     }
-    // The rows of one table of `evasim show <what> --format tsv`, without title and header.
-    std::vector<std::vector<std::string>> table(const std::string &what) const
+    // The rows of `evasim show <what> --format tsv`, by column name.
+    std::vector<tamlin_test::TsvRow> table(const std::string &what) const
     {
-        std::vector<std::vector<std::string>> rows;
-        std::istringstream text(evasim("show " + what + " --format tsv"));
-        std::string line;
-        int skip = 2;
-        while (std::getline(text, line)) {
-            if (skip > 0) {
-                --skip;
-                continue;
-            }
-            std::vector<std::string> fields;
-            std::string field;
-            std::istringstream cells(line);
-            while (std::getline(cells, field, '\t')) {
-                fields.push_back(field);
-            }
-            rows.push_back(fields);
-        }
-        return rows;
+        return tamlin_test::tsvRows(evasim("show " + what + " --format tsv"));
     }
 
     std::string root, record, bin;

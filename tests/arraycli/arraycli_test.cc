@@ -77,8 +77,8 @@ protected:
     std::string presentationsOf(const std::string &path)
     {
         for (const auto &row : array.table("disks")) {
-            if (row.size() > 7 && row[1] == path) {
-                return row[7];
+            if (row.at("path") == path) {
+                return row.at("presentations");
             }
         }
         return "<no disk>";
@@ -158,10 +158,10 @@ TEST_F(ArrayCli, CellDetailInBytesAndTheCellFound)
     EXPECT_EQ(eva01.objectwwn, "5000-1FE1-5000-0001");
     EXPECT_EQ(eva01.totalstoragespace, 1024 * GIGABYTE);
     for (const auto &row : array.table("cells")) {
-        if (row[0] == "EVA01") {
+        if (row.at("name") == "EVA01") {
             // "981.50 GB": evasim's two decimals, in bytes.
             EXPECT_EQ(eva01.availablestoragespace,
-                      static_cast<uint64_t>(std::strtod(row[5].c_str(), nullptr) * GIGABYTE));
+                      static_cast<uint64_t>(std::strtod(row.at("free").c_str(), nullptr) * GIGABYTE));
         }
     }
 
@@ -205,8 +205,8 @@ TEST_F(ArrayCli, HostsAndDisksOfACell)
     // Every disk evasim holds for the cell, bar the container.
     std::vector<std::string> expected;
     for (const auto &row : array.table("disks")) {
-        if (row[0] == "EVA01" && row[2] != "container") {
-            expected.push_back(row[1]);
+        if (row.at("cell") == "EVA01" && row.at("type") != "container") {
+            expected.push_back(row.at("path"));
         }
     }
     std::sort(listed.begin(), listed.end());
@@ -368,7 +368,7 @@ TEST_F(ArrayCli, DrGroupWithItsLinksSuspendedAndResumed)
     EXPECT_EQ(array.script(2), scriptOf(LOGIN_A, "EVA01", {"SET DR_GROUP \"DRG1\" SUSPEND"}));
     group = tool.getDRGroupDetail(eva01, "DRG1");
     EXPECT_NE(group.links.at(0).suspendstate, running);
-    EXPECT_EQ(array.table("drgroups").at(0).at(8), "yes");
+    EXPECT_EQ(array.table("drgroups").at(0).at("suspended"), "yes");
 
     tool.resumeDrGroup(eva01, "DRG1");
     EXPECT_EQ(array.script(4), scriptOf(LOGIN_A, "EVA01", {"SET DR_GROUP \"DRG1\" NOSUSPEND"}));

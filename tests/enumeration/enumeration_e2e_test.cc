@@ -4,26 +4,22 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
-#include <sys/wait.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "host_context.h"
 #include "lock_directory.h"
-#include "provider_fixture.h"
 #include "provider_install.h"
+#include "provider_test.h"
 #include "qrn_results.h"
 #include "result_lists.h"
-#include "text.h"
 
 using result_lists::freeList;
+using tamlin_test::lastErrorKey;
 
 namespace {
 
@@ -32,35 +28,12 @@ std::string narrow(const wchar_t *text)
     return text == nullptr ? std::string("<null>") : toUtf8(std::wstring(text));
 }
 
-std::wstring wide(const std::string &text)
-{
-    return fromUtf8(text);
-}
-
 ProviderInstall::Outcome evasim(const std::string &arguments)
 {
     return ProviderInstall::evasim(arguments);
 }
 
-std::vector<std::map<std::string, std::string>> table(const std::string &name)
-{
-    return ProviderInstall::table(name);
-}
-
-std::string upper(std::string text)
-{
-    for (char &c : text) {
-        c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
-    }
-    return text;
-}
-
 using Login = ProviderInstall::Login;
-
-struct Message {
-    std::wstring text;
-    int severity;
-};
 
 // The world of these tests: three cells behind three servers (tests/enumeration/site.scn).
 class Site : public ProviderInstall {
@@ -77,35 +50,8 @@ const ::testing::Environment *const kLocks = ::testing::AddGlobalTestEnvironment
 const Login kCv1{"cv1", "admin", "secret"};
 const Login kCv2{"cv2", "admin", "other"};
 
-// Starts the provider for one test and stops it at the end, as a host does per job.
-class Provider : public ::testing::Test {
+class Provider : public ProviderTest {
 protected:
-    int start()
-    {
-        uint16_t version[4] = {0, 0, 0, 0};
-        started = true;
-        return provider()->init(host.get(), version);
-    }
-    void TearDown() override
-    {
-        if (started) {
-            provider()->fini();
-        }
-    }
-
-    // The calling thread's last error: its message key.
-    std::string lastErrorKey()
-    {
-        qrn_msg_info *info = nullptr;
-        if (provider()->get_last_error(&info) != 0 || info == nullptr) {
-            return "<none>";
-        }
-        std::string text(info->text, info->length);
-        provider()->del_last_error(&info);
-        std::smatch found;
-        return std::regex_search(text, found, std::regex("MSGID=(\\w+)")) ? found[1].str() : text;
-    }
-
     struct Disk {
         std::string name, udid, provider;
         uint64_t size;
@@ -137,24 +83,6 @@ protected:
         }
         return names;
     }
-
-    // Every message the provider pushed, one a line (trace lines come without a host text).
-    std::string said() const
-    {
-        std::string all;
-        for (const Message &m : messages) {
-            if (!m.text.empty()) {
-                all += narrow(m.text.c_str()) + "\n";
-            }
-        }
-        return all;
-    }
-
-    HostContext host{"en", [this](const std::wstring &hostText, const std::wstring &, int severity) {
-                         messages.push_back({hostText, severity});
-                     }};
-    std::vector<Message> messages;
-    bool started = false;
 };
 
 // "\Virtual Disks\db\data\ACTIVE" -> "db\data"; a snapshot keeps its own name.
@@ -181,13 +109,13 @@ TEST_F(Provider, ANullFilterListsEveryDiskOfEveryCellWithItsIdentity)
     ASSERT_EQ(disks(found), 0);
 
     std::map<std::string, std::string> cellWwn;
-    for (const auto &cell : table("cells")) {
+    for (const auto &cell : ProviderInstall::table("cells")) {
         cellWwn[cell.at("name")] = cell.at("wwn");
     }
     std::set<std::string> expected;
-    for (const auto &disk : table("disks")) {
-        expected.insert("HP##HSV##" + disk.at("cell") + "##" + shownPath(disk.at("path")) + " " + "UDID##HP##HSV##" +
-                        upper(cellWwn.at(disk.at("cell"))) + "##" + upper(disk.at("wwlunid")));
+    for (const auto &disk : ProviderInstall::table("disks")) {
+        expected.insert("HP##HSV##" + disk.at("cell") + "##" + shownPath(disk.at("path")) + " " +
+                        tamlin_test::udidOf(cellWwn.at(disk.at("cell")), disk.at("wwlunid")));
     }
     std::set<std::string> listed;
     for (const Disk &d : found) {
@@ -224,7 +152,8 @@ TEST_F(Provider, FilterKeysSelectCellsAndDisks)
     std::vector<Disk> none;
     EXPECT_EQ(disks(none, 0, L"enclosure_name=NOWHERE"), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_TRUE(none.empty());
-    EXPECT_EQ(table("faults").at(0).at("remaining"), "5") << "an enclosure that no cell is asks no array";
+    EXPECT_EQ(ProviderInstall::table("faults").at(0).at("remaining"), "5")
+        << "an enclosure that no cell is asks no array";
 }
 
 TEST_F(Provider, FlagsLeaveOutSnapshotsOrActiveDisksAndRefuseWithoutTheServedBit)
@@ -255,7 +184,7 @@ TEST_F(Provider, AnotherProviderOrVendorAsksNoArray)
     qrn_host_node_list *hosts = reinterpret_cast<qrn_host_node_list *>(0x1);
     EXPECT_EQ(provider()->enumerate_host_nodes(&hosts, &count, &filter[0]), 0);
     EXPECT_EQ(hosts, nullptr) << "the host list is built first, and so emptied";
-    EXPECT_EQ(table("faults").at(0).at("remaining"), "50");
+    EXPECT_EQ(ProviderInstall::table("faults").at(0).at("remaining"), "50");
 }
 
 TEST_F(Provider, ASingleDiskByItsUdid)
@@ -274,7 +203,7 @@ TEST_F(Provider, ASingleDiskByItsUdid)
     lower.replace(0, 15, "UDID##HP##HSV##");  // only the vendor test is exact
     for (const std::string &udid : {wanted.udid, lower}) {
         std::vector<Disk> one;
-        std::wstring filter = wide("udid=" + udid + ",enclosure_name=ignored,node_prefix=ignored");
+        std::wstring filter = fromUtf8("udid=" + udid + ",enclosure_name=ignored,node_prefix=ignored");
         ASSERT_EQ(disks(one, 0x10 | 0x40 | 0x80, filter.c_str()), 0) << udid;
         ASSERT_EQ(one.size(), 1u) << udid;
         EXPECT_EQ(one[0].name, wanted.name);
@@ -283,7 +212,7 @@ TEST_F(Provider, ASingleDiskByItsUdid)
     }
     std::string otherVendor = wanted.udid;
     otherVendor.replace(6, 2, "hp");
-    std::wstring filter = wide("udid=" + otherVendor);
+    std::wstring filter = fromUtf8("udid=" + otherVendor);
     EXPECT_TRUE(diskNames(0, filter.c_str()).empty()) << "the vendor part is compared exactly";
 
     std::vector<Disk> bad;
@@ -464,12 +393,7 @@ TEST_F(Provider, StartFailsWhenSssuOrCredentialsAreMissing)
         Site site({});
         EXPECT_EQ(start(), QRN_ERR_INIT_FAILED);
         EXPECT_EQ(lastErrorKey(), "MSG_ERROR_NO_CREDENTIALS");
-        ASSERT_FALSE(messages.empty());
-        bool named = false;
-        for (const Message &m : messages) {
-            named = named || m.text.find(L"ConfigFiles/tamlin.conf") != std::wstring::npos;
-        }
-        EXPECT_TRUE(named) << "the message names the file to fix: " << narrow(messages.back().text.c_str());
+        EXPECT_NE(said().find("ConfigFiles/tamlin.conf"), std::string::npos) << "the file to fix: " << said();
     }
 }
 

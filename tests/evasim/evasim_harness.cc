@@ -16,7 +16,9 @@
 #include <sstream>
 #include <thread>
 
+#include "scratch_files.h"
 #include "test_paths.h"
+#include "tsv_rows.h"
 
 extern char **environ;
 
@@ -24,38 +26,19 @@ namespace evasim_test {
 
 std::vector<std::string> Outcome::lines() const
 {
-    std::vector<std::string> out_;
-    std::string current;
-    for (char c : out) {
-        if (c == '\n') {
-            out_.push_back(current);
-            current.clear();
-        } else {
-            current += c;
-        }
-    }
-    out_.push_back(current);
-    return out_;
+    return tamlin_test::splitFields(out, '\n');
 }
 
-Harness::Harness()
+Harness::Harness() : m_home(tamlin_test::makeTempDir("evasim"))
 {
-    const char *tmp = std::getenv("TMPDIR");
-    std::string pattern = std::string(tmp && *tmp ? tmp : "/tmp") + "/evasim_test_XXXXXX";
-    std::vector<char> buf(pattern.begin(), pattern.end());
-    buf.push_back('\0');
-    if (!::mkdtemp(buf.data())) {
-        throw std::runtime_error("mkdtemp failed");
+    if (m_home.empty()) {
+        throw std::runtime_error("no temporary directory");
     }
-    m_home = buf.data();
 }
 
 Harness::~Harness()
 {
-    std::string const command = "rm -rf '" + m_home + "'";
-    if (std::system(command.c_str()) != 0) {
-        std::fprintf(stderr, "could not remove %s\n", m_home.c_str());
-    }
+    tamlin_test::removeTree(m_home);
 }
 
 std::string Harness::binary()
@@ -202,40 +185,7 @@ std::vector<std::map<std::string, std::string>> Harness::table(const std::string
 {
     const Outcome r = evasim({"show", what, "--format", "tsv"});
     EXPECT_EQ(r.status, 0) << r.err;
-    std::vector<std::map<std::string, std::string>> rows;
-    std::istringstream in(r.out);
-    std::string line;
-    std::vector<std::string> header;
-    auto cells = [](const std::string &l) {
-        std::vector<std::string> out;
-        std::string cur;
-        for (char c : l) {
-            if (c == '\t') {
-                out.push_back(cur);
-                cur.clear();
-            } else {
-                cur += c;
-            }
-        }
-        out.push_back(cur);
-        return out;
-    };
-    while (std::getline(in, line)) {
-        if (line.rfind("# ", 0) == 0) {
-            continue;
-        }
-        if (header.empty()) {
-            header = cells(line);
-            continue;
-        }
-        const std::vector<std::string> values = cells(line);
-        std::map<std::string, std::string> row;
-        for (size_t i = 0; i < header.size() && i < values.size(); ++i) {
-            row[header[i]] = values[i];
-        }
-        rows.push_back(row);
-    }
-    return rows;
+    return tamlin_test::tsvRows(r.out);
 }
 
 std::map<std::string, std::string> Harness::disk(const std::string &path) const

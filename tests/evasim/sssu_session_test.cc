@@ -7,7 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include "scratch_files.h"
 
 using evasim_test::Harness;
 using evasim_test::Outcome;
@@ -211,13 +211,7 @@ TEST_F(SssuSession, StateLiesBesideThePathTheProgramWasStartedByUnlessEvasimHome
     ASSERT_EQ(::mkdir(dir.c_str(), 0755), 0);
     std::string const link = dir + "/sssu_linux_x64";
     ASSERT_EQ(::symlink(Harness::binary().c_str(), link.c_str()), 0);
-    std::string const command = "env -u EVASIM_HOME " + link + " where";
-    FILE *p = ::popen(command.c_str(), "r");
-    ASSERT_NE(p, nullptr);
-    char buf[4096] = {};
-    const size_t n = std::fread(buf, 1, sizeof buf - 1, p);
-    ::pclose(p);
-    EXPECT_EQ(std::string(buf, n), dir + "/evasim.d/evasim.db\n");
+    EXPECT_EQ(tamlin_test::capture("env -u EVASIM_HOME " + link + " where"), dir + "/evasim.d/evasim.db\n");
     EXPECT_EQ(h.evasim({"where"}).out, h.home() + "/evasim.db\n");
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host_node.h"
 #include "provider_fixture.h"
 #include "qorinutil.h"
 #include "qrn_results.h"
@@ -22,21 +23,6 @@ std::wstring groupOf(const char *method)
 {
     return std::wstring(method, method + strlen(method)) + L"_FIM_GROUP";
 }
-
-// A node record as the host keeps it.
-struct HostNode {
-    explicit HostNode(const std::wstring &name)
-    {
-        memset(&domain, 0, sizeof domain);
-        domain.id = qorin_get_objid(name.c_str(), static_cast<uint32_t>((name.size() + 1) * sizeof(wchar_t)), 3);
-        domain.capability = &capability;
-    }
-    ~HostNode() { free(domain.id); }
-    HostNode(const HostNode &) = delete;
-    HostNode &operator=(const HostNode &) = delete;
-    qrn_domain domain;
-    uint32_t capability = 0;
-};
 
 class Interposition : public ::testing::Test {
 protected:

@@ -10,7 +10,7 @@
 
 #include "cfiplugininterposer.h"
 #include "cfiprivatedatamanager.h"
-#include "qorinutil.h"
+#include "host_node.h"
 #include "qrn_results.h"
 
 using namespace qorin_pdk_4_4;
@@ -59,20 +59,7 @@ public:
     int importResult = 0;
 };
 
-struct Node {
-    explicit Node(const std::wstring &name, uint32_t type = 0)
-    {
-        memset(&domain, 0, sizeof domain);
-        id = qorin_get_objid(name.c_str(), static_cast<uint32_t>((name.size() + 1) * sizeof(wchar_t)), 3);
-        domain.id = id;
-        domain.type = type;
-        domain.capability = &capability;
-    }
-    ~Node() { free(id); }
-    qrn_domain domain;
-    qorin_objid *id;
-    uint32_t capability = 0;
-};
+using Node = HostNode;
 
 std::wstring group(const char *method)
 {

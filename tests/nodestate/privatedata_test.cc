@@ -11,27 +11,16 @@
 #include "cfiprivatedataconcretefactory.h"
 #include "cfiprivatedatamanager.h"
 #include "cfitracelog.h"
+#include "host_node.h"
 #include "hpeva_disknames.h"
 #include "hpeva_privatedata.h"
-#include "qorinutil.h"
 #include "qrn_results.h"
 
 using namespace qorin_pdk_4_4;
 
 namespace {
 
-// A host's node record with its own identifier.
-struct Node {
-    explicit Node(const wchar_t *name)
-    {
-        memset(&domain, 0, sizeof domain);
-        id = qorin_get_objid(name, static_cast<uint32_t>((wcslen(name) + 1) * sizeof(wchar_t)), 3);
-        domain.id = id;
-    }
-    ~Node() { free(id); }
-    qrn_domain domain;
-    qorin_objid *id;
-};
+using Node = HostNode;
 
 using Factory = CFiPrivateDataConcreteFactory<CFiPrivateData>;
 

@@ -5,17 +5,15 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <regex>
 #include <string>
 #include <vector>
 
-#include "host_context.h"
 #include "present_support.h"
-#include "provider_fixture.h"
+#include "provider_test.h"
 #include "qrn_results.h"
-#include "text.h"
 
 using namespace present_test;
+using tamlin_test::lastErrorKey;
 
 namespace {
 
@@ -43,33 +41,8 @@ std::vector<std::string> only(const std::vector<std::string> &list, const std::s
     return found;
 }
 
-class Present : public ::testing::Test {
+class Present : public ProviderTest {
 protected:
-    void start()
-    {
-        uint16_t version[4] = {0, 0, 0, 0};
-        ASSERT_EQ(provider()->init(host.get(), version), 0);
-        started = true;
-    }
-    void TearDown() override
-    {
-        if (started) {
-            provider()->fini();
-        }
-    }
-
-    std::string lastErrorKey()
-    {
-        qrn_msg_info *info = nullptr;
-        if (provider()->get_last_error(&info) != 0 || info == nullptr) {
-            return "<none>";
-        }
-        std::string text(info->text, info->length);
-        provider()->del_last_error(&info);
-        std::smatch found;
-        return std::regex_search(text, found, std::regex("MSGID=(\\w+)")) ? found[1].str() : text;
-    }
-
     int importResource(const std::wstring &disk, const wchar_t *hostName, int flags)
     {
         std::wstring resource = disk;
@@ -89,20 +62,6 @@ protected:
         HostNode node(disk);
         return provider()->dispose(nullptr, &node.domain, nullptr, disposition);
     }
-    bool messaged(const std::wstring &fragment) const
-    {
-        for (const std::wstring &text : messages) {
-            if (text.find(fragment) != std::wstring::npos) {
-                return true;
-            }
-        }
-        return false;
-    }
-
-    HostContext host{"en",
-                     [this](const std::wstring &hostText, const std::wstring &, int) { messages.push_back(hostText); }};
-    std::vector<std::wstring> messages;
-    bool started = false;
 };
 
 }  // namespace
@@ -115,7 +74,7 @@ TEST_F(Present, PresentingLeavesTheOtherHostsOrToOneHostAloneRemovesThem)
 {
     Site site(scenario(3, presentLine(0, "backup01", 1) + presentLine(1, "lab\\h1", 1) + presentLine(2, "backup01", 2) +
                               presentLine(2, "lab\\h1", 3) + presentLine(2, "lab\\h2", 7)));
-    start();
+    ASSERT_EQ(start(), 0);
     HostNode source(udid(1));
     HostNode target(udid(16));
     ASSERT_EQ(provider()->init_node(&source.domain, nullptr, 0, nullptr), 0);
@@ -146,12 +105,12 @@ TEST_F(Present, TakingAwayFromOneHostByResourceOrTreeAndFromAllButNotFromAnUnkno
     Site site(scenario(2, presentLine(0, "backup01", 1) + presentLine(0, "lab\\h1", 1) +
                               presentLine(0, machineName(), 4) + presentLine(1, "backup01", 2) +
                               presentLine(1, "lab\\h1", 3)));
-    start();
+    ASSERT_EQ(start(), 0);
     EXPECT_EQ(importResource(udid(16), L"nohost", kImportSharedAlone), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(lastErrorKey(), "MSG_ERROR_DEPORT_HOST_INVALID");
     EXPECT_EQ(deportResource(udid(16), L"nohost", kDeportFromAll), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(lastErrorKey(), "MSG_ERROR_DEPORT_HOST_INVALID");
-    EXPECT_TRUE(messaged(L"nohost"));
+    EXPECT_TRUE(said().find("nohost") != std::string::npos);
     EXPECT_EQ(site.presentations().size(), 5u) << "an unknown host changes nothing";
 
     EXPECT_EQ(deportResource(udid(16), L"backup01", kDeportFromHost), QRN_OK);
@@ -171,7 +130,7 @@ TEST_F(Present, TakingAwayFromOneHostByResourceOrTreeAndFromAllButNotFromAnUnkno
 TEST_F(Present, ASharedDiskKeepsItsLunAcrossDeportAndImport)
 {
     Site site(scenario(2));
-    start();
+    ASSERT_EQ(start(), 0);
     ASSERT_EQ(importResource(udid(16), L"backup01", kImportShared), QRN_OK);
     ASSERT_EQ(site.lunRecord(16), "1");
     ASSERT_EQ(deportResource(udid(16), L"backup01", kDeportFromHost), QRN_OK);
@@ -202,7 +161,7 @@ TEST_F(Present, AStoredLunTheArrayRefusesThenTheCandidatesThenTheArraysChoiceIsR
                                   std::to_string(n));
         }
     }
-    start();
+    ASSERT_EQ(start(), 0);
     const size_t before = site.commands().size();
     ASSERT_EQ(importResource(own, L"backup01", kImportShared), QRN_OK);
 
@@ -224,7 +183,7 @@ TEST_F(Present, ASharedDiskPresentedFromOutsideOnAnotherLunGives1092)
     Site site(scenario(1, presentLine(0, "backup01", 8)));
     const std::wstring own = udid(16);
     site.root().writeFile(recordPath(16), "3");
-    start();
+    ASSERT_EQ(start(), 0);
     EXPECT_EQ(importResource(own, L"backup01", kImportSharedAlone), QRN_ERR_PRESENTED_ON_OTHER_LUN);
     EXPECT_EQ(site.presentations(), std::set<std::string>{presented(0, "backup01", 8)});
     EXPECT_EQ(site.lunRecord(16), "3");
@@ -233,7 +192,7 @@ TEST_F(Present, ASharedDiskPresentedFromOutsideOnAnotherLunGives1092)
 TEST_F(Present, DisposeRemovesEveryPresentationThenTheDiskAndOtherDispositionsNothing)
 {
     Site site(scenario(2, presentLine(0, "backup01", 1) + presentLine(0, "lab\\h1", 2)));
-    start();
+    ASSERT_EQ(start(), 0);
     size_t before = site.commands().size();
     EXPECT_EQ(dispose(udid(16), QRN_DISPOSITION_DELETE), QRN_OK);
     EXPECT_EQ(only(site.commandsSince(before), "DELETE"),
@@ -255,10 +214,11 @@ TEST_F(Present, ADeleteThatFailsAfterTheLunsWentLeavesALeftover)
 {
     Site site(scenario(2, presentLine(0, "lab\\h1", 1) + presentLine(1, "lab\\h1", 2)));
     ASSERT_EQ(ProviderInstall::evasim("fault error --match \"DELETE VDISK\"").status, 0);
-    start();
+    ASSERT_EQ(start(), 0);
     EXPECT_EQ(dispose(udid(16), QRN_DISPOSITION_DELETE), QRN_ERR_FAILED);
     EXPECT_EQ(lastErrorKey(), "MSG_ERROR_CLI_COMMAND_FAILED");
-    EXPECT_TRUE(messaged(L"is no longer presented to any host")) << "what is left, before the failure";
+    EXPECT_TRUE(said().find("is no longer presented to any host") != std::string::npos)
+        << "what is left, before the failure";
     EXPECT_EQ(site.presentations(), std::set<std::string>{presented(1, "lab\\h1", 2)});
 
     EXPECT_NE(ProviderInstall::evasim("show disks --format tsv").output.find("data_vsnap000"), std::string::npos)

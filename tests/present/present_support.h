@@ -9,14 +9,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "host_node.h"
 #include "lock_directory.h"
 #include "provider_install.h"
 #include "qorinutil.h"
@@ -45,10 +44,7 @@ inline std::string wwlunid(int n)
 
 inline std::wstring udid(int n)
 {
-    std::string text = std::string("UDID##HP##HSV##") + kCellWwn + "##" + wwlunid(n);
-    for (char &c : text) {
-        c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
-    }
+    const std::string text = tamlin_test::udidOf(kCellWwn, wwlunid(n));
     return std::wstring(text.begin(), text.end());
 }
 
@@ -104,7 +100,7 @@ inline std::string recordPath(int n)
 class Site : public ProviderInstall {
 public:
     explicit Site(const std::string &world) : Site(world, writeScenario(world)) {}
-    ~Site() { std::remove(m_scenario.c_str()); }
+    ~Site() { tamlin_test::removeTree(m_scenario.substr(0, m_scenario.rfind('/'))); }
 
     // "<disk>|<host>|<lun>" of every presentation of the cell.
     std::set<std::string> presentations() const
@@ -119,17 +115,9 @@ public:
     std::vector<std::string> commands() const
     {
         std::vector<std::string> found;
-        std::istringstream in(evasim("history --last 0 --format tsv").output);
-        std::string line;
-        while (std::getline(in, line)) {
-            std::vector<std::string> cells;
-            std::istringstream fields(line);
-            std::string cell;
-            while (std::getline(fields, cell, '\t')) {
-                cells.push_back(cell);
-            }
-            if (cells.size() >= 5 && cells[0] != "run" && cells[4].rfind("select ", 0) != 0) {
-                found.push_back(cells[4]);
+        for (const tamlin_test::TsvRow &row : history()) {
+            if (row.at("command").rfind("select ", 0) != 0) {
+                found.push_back(row.at("command"));
             }
         }
         return found;
@@ -146,13 +134,9 @@ public:
 private:
     static std::string writeScenario(const std::string &text)
     {
-        char pattern[] = "/tmp/tamlin-scenario-XXXXXX";
-        const int fd = mkstemp(pattern);
-        if (fd >= 0) {
-            ::close(fd);
-        }
-        std::ofstream(pattern) << text;
-        return pattern;
+        const std::string dir = tamlin_test::makeTempDir("scenario");
+        tamlin_test::writeFile(dir + "/world.scn", text);
+        return dir + "/world.scn";
     }
     Site(const std::string &, const std::string &file) :
         ProviderInstall({{"cv1", "admin", "secret"}}, file),
@@ -162,23 +146,6 @@ private:
     }
 
     std::string m_scenario;
-};
-
-// A node record as the host keeps it, named by a disk's identity; importTreeNode reads the
-// same identity as the one to import.
-struct HostNode {
-    explicit HostNode(const std::wstring &name)
-    {
-        memset(&domain, 0, sizeof domain);
-        domain.id = qorin_get_objid(name.c_str(), static_cast<uint32_t>((name.size() + 1) * sizeof(wchar_t)), 3);
-        domain.importId = domain.id;
-        domain.capability = &capability;
-    }
-    ~HostNode() { free(domain.id); }
-    HostNode(const HostNode &) = delete;
-    HostNode &operator=(const HostNode &) = delete;
-    qrn_domain domain;
-    uint32_t capability = 0;
 };
 
 }  // namespace present_test

@@ -50,19 +50,15 @@ protected:
     Disk disk(const std::string &path)
     {
         for (const auto &row : array.table("disks")) {
-            if (row.size() >= 10 && row[1] == path) {
-                std::vector<std::string> shown;
-                std::istringstream list(row[7]);
-                std::string item;
-                while (std::getline(list, item, ',')) {
-                    shown.push_back(item);
-                }
+            if (row.at("path") == path) {
+                std::vector<std::string> shown = tamlin_test::splitFields(row.at("presentations"), ',');
                 std::sort(shown.begin(), shown.end());
                 std::string joined;
                 for (const std::string &s : shown) {
-                    joined += (joined.empty() ? "" : ",") + s;
+                    joined += (joined.empty() || s.empty() ? "" : ",") + s;
                 }
-                return {row[2], row[4], row[5], row[6], joined, row[9]};
+                return {row.at("type"), row.at("wwlunid"),   row.at("sharing"), row.at("parent"),
+                        joined,         row.at("writecache")};
             }
         }
         return {"<no disk>", "", "", "", "", ""};

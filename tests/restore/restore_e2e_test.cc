@@ -5,18 +5,16 @@
 
 #include <cstdlib>
 #include <map>
-#include <regex>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "host_context.h"
 #include "lock_directory.h"
-#include "provider_fixture.h"
 #include "provider_install.h"
+#include "provider_test.h"
 #include "qrn_results.h"
 #include "result_lists.h"
-#include "text.h"
+
+using tamlin_test::lastErrorKey;
 
 namespace {
 
@@ -27,51 +25,22 @@ const char kLogsClone[] = "\\Virtual Disks\\db\\logs_clone000\\ACTIVE";
 const char kVsnap[] = "\\Virtual Disks\\x\\tmp\\tmp_vsnap000";
 const char kTmp[] = "\\Virtual Disks\\x\\tmp\\ACTIVE";
 
-std::vector<std::string> split(const std::string &text, char separator)
-{
-    std::vector<std::string> fields;
-    std::string field;
-    std::istringstream in(text);
-    while (std::getline(in, field, separator)) {
-        fields.push_back(field);
-    }
-    return fields;
-}
-
 const ::testing::Environment *const kLocks = ::testing::AddGlobalTestEnvironment(new tamlin_test::LockDirectory);
 
 // One provider install against tests/restore/restore.scn, started for the test.
-class Restore : public ::testing::Test {
+class Restore : public ProviderTest {
 protected:
     Restore() : site({{"cv1", "admin", "secret"}}, ProviderInstall::sourceDir() + "/tests/restore/restore.scn") {}
     void SetUp() override
     {
         ASSERT_TRUE(site.ok()) << site.loadReport();
-        uint16_t version[4] = {0, 0, 0, 0};
-        ASSERT_EQ(provider()->init(host.get(), version), 0);
-        started = true;
+        ASSERT_EQ(start(), 0);
         // The delayed start-up's runs come before any restore.
         qrn_enclosure_node_list *cells = nullptr;
         int32_t count = 0;
         ASSERT_EQ(provider()->enumerate_enclosures(&cells, &count, nullptr), 0);
         ASSERT_EQ(count, 1);
         result_lists::freeList(cells);
-    }
-    void TearDown() override
-    {
-        if (started) {
-            provider()->fini();
-        }
-    }
-
-    // The UDID the provider gives the disk at path.
-    std::string udid(const std::string &path)
-    {
-        std::string id = "UDID##HP##HSV##5000-1FE1-5000-0001##" + shown(path, "wwlunid");
-        for (char &c : id) {
-            c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
-        }
-        return id;
     }
 
     // Restores pairs of paths (an empty path stands for a null entry); status starts at -1.
@@ -80,8 +49,9 @@ protected:
     {
         std::vector<std::wstring> texts;
         for (const auto &pair : pairs) {
-            texts.push_back(pair.first.empty() ? L"" : fromUtf8(udid(pair.first)));
-            texts.push_back(pair.second.empty() ? L"" : fromUtf8(udid(pair.second)));
+            for (const std::string &path : {pair.first, pair.second}) {
+                texts.push_back(path.empty() ? L"" : fromUtf8(tamlin_test::udidOf(kCell, site.disk(path, "wwlunid"))));
+            }
         }
         std::vector<qorin_objid> ids(texts.size());
         std::vector<qorin_objid *> primaries, secondaries;
@@ -91,73 +61,33 @@ protected:
             (i % 2 == 0 ? primaries : secondaries).push_back(id);
         }
         status.assign(pairs.size(), -1);
-        before = lastRun();
+        before = runs(true).size();
         messages.clear();
         return provider()->restore(primaries.data(), secondaries.data(), static_cast<int32_t>(pairs.size()), nullptr,
                                    nullptr, flags, status.data());
     }
 
-    // The commands of each SSSU run since the last restore, in order, without the script's
-    // fixed head (options, login, cell) and its exit.
-    std::vector<std::vector<std::string>> runs()
+    // The commands of each SSSU run since the last restore (or of every run kept), in order,
+    // without the script's fixed head (options, login, cell) and its exit.
+    std::vector<std::vector<std::string>> runs(bool all = false)
     {
         std::map<int, std::vector<std::string>> byRun;
-        for (const std::string &line : split(ProviderInstall::evasim("history --format tsv").output, '\n')) {
-            std::vector<std::string> row = split(line, '\t');
-            if (row.size() < 5 || row[0] == "run" || atoi(row[0].c_str()) <= before) {
-                continue;
+        for (const tamlin_test::TsvRow &row : ProviderInstall::history()) {
+            const std::string &command = row.at("command");
+            if (command.rfind("set option ", 0) != 0 && command.rfind("select ", 0) != 0 && command != "exit") {
+                byRun[atoi(row.at("run").c_str())].push_back(command);
             }
-            const std::string &command = row[4];
-            if (command.rfind("set option ", 0) == 0 || command.rfind("select ", 0) == 0 || command == "exit") {
-                continue;
-            }
-            byRun[atoi(row[0].c_str())].push_back(command);
         }
         std::vector<std::vector<std::string>> out;
         for (auto &run : byRun) {
             out.push_back(run.second);
         }
-        return out;
-    }
-    int lastRun()
-    {
-        int last = 0;
-        for (const std::string &line : split(ProviderInstall::evasim("history --format tsv").output, '\n')) {
-            last = std::max(last, atoi(line.c_str()));
-        }
-        return last;
-    }
-    // A column of the disk at path in `evasim show disks`.
-    std::string shown(const std::string &path, const char *column)
-    {
-        for (const auto &disk : ProviderInstall::table("disks")) {
-            if (disk.at("path") == path) {
-                return disk.at(column);
-            }
-        }
-        return "<no disk>";
-    }
-    std::string lastErrorKey()
-    {
-        qrn_msg_info *info = nullptr;
-        if (provider()->get_last_error(&info) != 0 || info == nullptr) {
-            return "<none>";
-        }
-        std::string text(info->text, info->length);
-        provider()->del_last_error(&info);
-        std::smatch found;
-        return std::regex_search(text, found, std::regex("MSGID=(\\w+)")) ? found[1].str() : text;
+        return all ? out : std::vector<std::vector<std::string>>(out.begin() + static_cast<long>(before), out.end());
     }
 
+    static constexpr const char *kCell = "5000-1FE1-5000-0001";
     ProviderInstall site;
-    HostContext host{"en", [this](const std::wstring &hostText, const std::wstring &, int) {
-                         if (!hostText.empty()) {
-                             messages.push_back(toUtf8(hostText));
-                         }
-                     }};
-    std::vector<std::string> messages;
-    bool started = false;
-    int before = 0;
+    size_t before = 0;
 };
 
 std::vector<std::string> find(const std::string &wwn)
@@ -187,10 +117,10 @@ TEST_F(Restore, TheScriptWithAndWithoutRestoreSettingsAfterTheRunThatRemovesTheP
     std::vector<std::string> deletes = {"DELETE LUN \"\\Hosts\\h1\\7\"", "DELETE LUN \"\\Hosts\\h2\\4\""};
     EXPECT_EQ(runs(),
               (std::vector<std::vector<std::string>>{find("6005-08b4-0001-0000-0000-0000-00aa-0000"),
-                                                     find(shown(kDataClone, "wwlunid")), deletes, script, read}))
+                                                     find(site.disk(kDataClone, "wwlunid")), deletes, script, read}))
         << "the copy ended at the first read";
-    EXPECT_EQ(shown(kData, "presentations"), "\\Hosts\\h1:7,\\Hosts\\h2:4");
-    EXPECT_EQ(shown(kDataClone, "writecache"), "writeback");
+    EXPECT_EQ(site.disk(kData, "presentations"), "\\Hosts\\h1:7,\\Hosts\\h2:4");
+    EXPECT_EQ(site.disk(kDataClone, "writecache"), "writeback");
 
     site.root().writeFile("ConfigFiles/tamlin.conf",
                           site.root().readFile("ConfigFiles/tamlin.conf") +
@@ -262,8 +192,8 @@ TEST_F(Restore, PairsStartedBeforeAFailingOneStayStartedAndUnawaited)
     EXPECT_EQ(restore({{kData, kDataClone}, {kLogs, kLogsClone}, {kTmp, kVsnap}}, 0, status), QRN_ERR_FAILED);
     EXPECT_EQ(lastErrorKey(), "MSG_ERROR_RESTORE_FROM_VSNAP_NOT_SUPPORTED");
     EXPECT_EQ(status, (std::vector<int32_t>{16, 16, -1}));
-    EXPECT_EQ(shown(kData, "sharing"), "snapclone_in_progress");
-    EXPECT_EQ(shown(kLogs, "sharing"), "snapclone_in_progress");
+    EXPECT_EQ(site.disk(kData, "sharing"), "snapclone_in_progress");
+    EXPECT_EQ(site.disk(kLogs, "sharing"), "snapclone_in_progress");
     for (const std::vector<std::string> &run : runs()) {
         EXPECT_NE(run[0].rfind("LS VDISK", 0), 0u) << "no copy was awaited";
     }

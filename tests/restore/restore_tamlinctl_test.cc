@@ -141,16 +141,6 @@ protected:
     void SetUp() override { ASSERT_TRUE(site.ok()) << site.loadReport(); }
 
     static std::string evasim(const std::string &arguments) { return ProviderInstall::evasim(arguments).output; }
-    // A column of the disk at path in `evasim show disks`.
-    static std::string shown(const std::string &path, const char *column)
-    {
-        for (const auto &disk : ProviderInstall::table("disks")) {
-            if (disk.at("path") == path) {
-                return disk.at(column);
-            }
-        }
-        return "<no disk>";
-    }
     // SSSU's script files left in the scripts directory.
     size_t leftScripts() const
     {
@@ -182,8 +172,8 @@ TEST_F(CtlRestore, RestoresPairsAndGivesTheOutcomeOfEach)
     const size_t first = run.out.find("\"outcome\":\"done\"");
     EXPECT_NE(first, std::string::npos) << run.out;
     EXPECT_NE(run.out.find("\"outcome\":\"done\"", first + 1), std::string::npos) << "both pairs: " << run.out;
-    EXPECT_EQ(shown(kData, "sharing"), "none");
-    EXPECT_EQ(shown(kData, "presentations"), "\\Hosts\\h1:7,\\Hosts\\h2:4");
+    EXPECT_EQ(site.disk(kData, "sharing"), "none");
+    EXPECT_EQ(site.disk(kData, "presentations"), "\\Hosts\\h1:7,\\Hosts\\h2:4");
 }
 
 TEST_F(CtlRestore, PairsThatTheArrayWouldRefuseHalfwayAreRefusedBeforeAnythingIsSent)
@@ -227,7 +217,7 @@ TEST_F(CtlRestore, AFailureHalfwayListsTheCommandsSent)
         << run.err;
     EXPECT_NE(run.err.find("  ADD LUN 4 HOST=\"\\Hosts\\h2\"  VDISK=\"data\" \n"), std::string::npos) << run.err;
     EXPECT_NE(run.out.find("failed, see the message above"), std::string::npos) << run.out;
-    EXPECT_EQ(shown(kData, "presentations"), "\\Hosts\\h1:7");
+    EXPECT_EQ(site.disk(kData, "presentations"), "\\Hosts\\h1:7");
 }
 
 TEST_F(CtlRestore, CtrlCStopsTheWaitingWhileTheCopiesGoOn)
@@ -243,8 +233,9 @@ TEST_F(CtlRestore, CtrlCStopsTheWaitingWhileTheCopiesGoOn)
               std::string::npos)
         << run.err;
     EXPECT_NE(run.out.find("0 of 2 disks restored"), std::string::npos) << run.out;
-    EXPECT_EQ(shown(kData, "sharing"), "snapclone_in_progress");
-    EXPECT_EQ(shown(kData, "presentations"), "\\Hosts\\h1:7,\\Hosts\\h2:4") << "presented again before the wait began";
+    EXPECT_EQ(site.disk(kData, "sharing"), "snapclone_in_progress");
+    EXPECT_EQ(site.disk(kData, "presentations"), "\\Hosts\\h1:7,\\Hosts\\h2:4")
+        << "presented again before the wait began";
     EXPECT_EQ(leftScripts(), 0u) << "no SSSU run was cut short";
 
     Ctl follow({"disks", "--udid", "UDID##HP##HSV##5000-1FE1-5000-0001##6005-08B4-0001-0000-0000-0000-00AA-0000"});
@@ -262,8 +253,8 @@ TEST_F(CtlRestore, CtrlCWhileThePairsAreStartedLetsEveryPairStartFirst)
     EXPECT_EQ(run.finish(15), 130) << run.err;
     EXPECT_NE(run.err.find("the restores are being started; the wait stops once all have started"), std::string::npos)
         << run.err;
-    EXPECT_EQ(shown(kData, "sharing"), "snapclone_in_progress");
-    EXPECT_EQ(shown("\\Virtual Disks\\db\\logs\\ACTIVE", "sharing"), "snapclone_in_progress")
+    EXPECT_EQ(site.disk(kData, "sharing"), "snapclone_in_progress");
+    EXPECT_EQ(site.disk("\\Virtual Disks\\db\\logs\\ACTIVE", "sharing"), "snapclone_in_progress")
         << "the second pair started too";
     EXPECT_EQ(leftScripts(), 0u);
 }

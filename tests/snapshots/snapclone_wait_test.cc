@@ -2,20 +2,16 @@
 // sleeps: SSSU runs for real (the simulator, whose copies progress by reads), the sleeps don't.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "cfiprivatedatamanager.h"
 #include "cfisession.h"
+#include "host_node.h"
 #include "hpeva_plugin.h"
 #include "hpeva_process.h"
 #include "lock_directory.h"
 #include "provider_install.h"
-#include "qorinutil.h"
 #include "qrn_results.h"
 #include "test_env.h"
 
@@ -34,14 +30,8 @@ protected:
     SnapcloneWait() :
         site({{"cv1", "admin", "secret"}}, ProviderInstall::sourceDir() + "/tests/snapshots/snapshots.scn")
     {
-        memset(&node, 0, sizeof node);
-        node.id = qorin_get_objid(kConf, static_cast<uint32_t>((wcslen(kConf) + 1) * sizeof(wchar_t)), 3);
     }
-    ~SnapcloneWait() override
-    {
-        plugin.deInitNode(&node);
-        free(node.id);
-    }
+    ~SnapcloneWait() override { plugin.deInitNode(&node.domain); }
 
     int makeClone(int reads)
     {
@@ -53,9 +43,9 @@ protected:
         EXPECT_EQ(plugin.init(), QRN_OK);
         plugin.setEnv(&clock);
         EXPECT_EQ(plugin.delayedInit(), QRN_OK);
-        EXPECT_EQ(plugin.initNode(&node, nullptr, 0, nullptr), QRN_OK);
+        EXPECT_EQ(plugin.initNode(&node.domain, nullptr, 0, nullptr), QRN_OK);
         char method[] = "HPEVA_Snapclone";
-        qrn_splitnode split{method, &node, nullptr};
+        qrn_splitnode split{method, &node.domain, nullptr};
         qrn_splitnode *list[] = {&split};
         EXPECT_EQ(plugin.select(nullptr, list, 1), QRN_OK);
         CFiSessionPtr session(new CFiSession("wait"));
@@ -64,27 +54,12 @@ protected:
     }
 
     // The clone's sharing column: snapclone_in_progress while its copy runs.
-    std::string sharing()
-    {
-        std::istringstream disks(site.evasim("show disks --format tsv").output);
-        std::string line;
-        while (std::getline(disks, line)) {
-            std::vector<std::string> cells;
-            std::istringstream fields(line);
-            for (std::string cell; std::getline(fields, cell, '\t');) {
-                cells.push_back(cell);
-            }
-            if (cells.size() > 5 && cells[1] == "\\Virtual Disks\\app\\conf_clone000\\ACTIVE") {
-                return cells[5];
-            }
-        }
-        return "<no clone>";
-    }
+    std::string sharing() { return site.disk("\\Virtual Disks\\app\\conf_clone000\\ACTIVE", "sharing"); }
 
     ProviderInstall site;
     tamlin_test::RecordingClock clock;
     CHpEvaPlugin plugin;
-    qrn_domain node;
+    HostNode node{kConf};
 };
 
 }  // namespace

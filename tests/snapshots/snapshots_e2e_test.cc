@@ -4,11 +4,9 @@
 // disks, and what it said from the host's callback and the last error.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <regex>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -20,6 +18,8 @@
 #include "snapshot_job.h"
 #include "text.h"
 
+using tamlin_test::lastError;
+
 namespace {
 
 const char kCell1[] = "5000-1FE1-5000-0001";
@@ -27,11 +27,7 @@ const char kCell2[] = "5000-1FE1-5000-0002";
 
 std::wstring udidOf(const std::string &cell, const std::string &wwlunid)
 {
-    std::string text = "UDID##HP##HSV##" + cell + "##" + wwlunid;
-    for (char &c : text) {
-        c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
-    }
-    return fromUtf8(text);
+    return fromUtf8(tamlin_test::udidOf(cell, wwlunid));
 }
 
 // Disks of the scenario, by the wwlunid it gives them.
@@ -45,34 +41,13 @@ ProviderInstall::Outcome evasim(const std::string &arguments)
     return ProviderInstall::evasim(arguments);
 }
 
-std::vector<std::string> splitTabs(const std::string &line)
-{
-    std::vector<std::string> cells;
-    std::string cell;
-    std::istringstream fields(line);
-    while (std::getline(fields, cell, '\t')) {
-        cells.push_back(cell);
-    }
-    if (!line.empty() && line.back() == '\t') {
-        cells.push_back("");
-    }
-    return cells;
-}
-
 // The runs since the history was last cleared, one text each: the selected cell, then each
 // command the provider sent (logins, options and EXIT left out), joined by " | ".
 std::vector<std::string> scripts()
 {
-    std::istringstream in(evasim("history --last 0 --format tsv").output);
-    std::string line;
-    std::getline(in, line);
     std::map<int, std::string> runs;
-    while (std::getline(in, line)) {
-        const std::vector<std::string> row = splitTabs(line);
-        if (row.size() < 5) {
-            continue;
-        }
-        std::string command = row[4];
+    for (const tamlin_test::TsvRow &row : ProviderInstall::history()) {
+        std::string command = row.at("command");
         std::smatch cell;
         if (std::regex_match(command, std::regex("(set option|select manager|exit).*", std::regex::icase))) {
             continue;
@@ -80,7 +55,7 @@ std::vector<std::string> scripts()
         if (std::regex_match(command, cell, std::regex("select (cell|system) \"(.*)\"", std::regex::icase))) {
             command = cell[2].str() + ">";
         }
-        std::string &run = runs[std::stoi(row[0])];
+        std::string &run = runs[std::stoi(row.at("run"))];
         run += (run.empty() || run.back() == '>' ? (run.empty() ? "" : " ") : " | ") + command;
     }
     std::vector<std::string> out;
@@ -112,11 +87,7 @@ std::string suspendState(const std::string &group)
 
 const ::testing::Environment *const kLocks = ::testing::AddGlobalTestEnvironment(new tamlin_test::LockDirectory);
 
-// The last error of the calling thread: its key and its arguments.
-struct Pushed {
-    std::string key;
-    std::vector<std::string> arguments;
-};
+using Pushed = tamlin_test::LastError;
 
 // One provider install for the suite, started once as a host does; every test starts from the
 // scenario's world with an empty history.
@@ -149,7 +120,7 @@ protected:
         std::unique_ptr<SnapshotJob> warmUp = job("HPEVA_VSnap", {disk("0001")});
         evasim("history --clear");
         s_said.clear();
-        dropLastError();
+        lastError();
     }
 
     std::unique_ptr<SnapshotJob> job(const std::string &method, const std::vector<std::wstring> &udids,
@@ -161,34 +132,6 @@ protected:
             EXPECT_EQ(made->add(udid), 0) << toUtf8(udid);
         }
         return made;
-    }
-
-    static void dropLastError()
-    {
-        qrn_msg_info *info = nullptr;
-        if (provider()->get_last_error(&info) == 0 && info != nullptr) {
-            provider()->del_last_error(&info);
-        }
-    }
-
-    static Pushed lastError()
-    {
-        Pushed pushed{"<none>", {}};
-        qrn_msg_info *info = nullptr;
-        if (provider()->get_last_error(&info) != 0 || info == nullptr) {
-            return pushed;
-        }
-        const std::string text(info->text, info->length);
-        provider()->del_last_error(&info);
-        std::smatch found;
-        if (std::regex_search(text, found, std::regex("MSGID=(\\w+)"))) {
-            pushed.key = found[1].str();
-        }
-        const std::regex argument("<ARGVALUE INDEX=\\d+ TYPE=\\d+>([\\s\\S]*?)</ARGVALUE>");
-        for (std::sregex_iterator it(text.begin(), text.end(), argument), end; it != end; ++it) {
-            pushed.arguments.push_back((*it)[1].str());
-        }
-        return pushed;
     }
 
     static bool said(const std::string &fragment)

@@ -3,7 +3,9 @@
 #define PROVIDER_FIXTURE_H
 
 #include <cstdlib>
+#include <regex>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -26,5 +28,40 @@ inline ProviderLibrary &provider()
     }
     return library;
 }
+
+namespace tamlin_test {
+
+// The calling thread's last error as the provider serialised it: its key ("<none>" without
+// one) and the text of each argument.
+struct LastError {
+    std::string key;
+    std::vector<std::string> arguments;
+};
+
+// Reads and deletes it.
+inline LastError lastError()
+{
+    LastError last{"<none>", {}};
+    qrn_msg_info *info = nullptr;
+    if (provider()->get_last_error(&info) != 0 || info == nullptr) {
+        return last;
+    }
+    const std::string text(info->text, info->length);
+    provider()->del_last_error(&info);
+    std::smatch found;
+    last.key = std::regex_search(text, found, std::regex("MSGID=(\\w+)")) ? found[1].str() : text;
+    const std::regex argument("<ARGVALUE INDEX=\\d+ TYPE=\\d+>([\\s\\S]*?)</ARGVALUE>");
+    for (std::sregex_iterator it(text.begin(), text.end(), argument), end; it != end; ++it) {
+        last.arguments.push_back((*it)[1].str());
+    }
+    return last;
+}
+
+inline std::string lastErrorKey()
+{
+    return lastError().key;
+}
+
+}  // namespace tamlin_test
 
 #endif

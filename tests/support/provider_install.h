@@ -9,27 +9,37 @@
 #ifndef PROVIDER_INSTALL_H
 #define PROVIDER_INSTALL_H
 
-#include <sys/wait.h>
-
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "scratch_files.h"
 #include "temp_install_root.h"
+#include "tsv_rows.h"
+
+namespace tamlin_test {
+
+// The UDID the provider gives a disk: "UDID##HP##HSV##<cell's WWN>##<wwlunid>", upper case.
+inline std::string udidOf(const std::string &cellWwn, const std::string &wwlunid)
+{
+    std::string text = "UDID##HP##HSV##" + cellWwn + "##" + wwlunid;
+    for (char &c : text) {
+        c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
+    }
+    return text;
+}
+
+}  // namespace tamlin_test
 
 class ProviderInstall {
 public:
     struct Login {
         std::string host, user, password;
     };
-    struct Outcome {
-        int status;
-        std::string output;  // standard output and error together
-    };
+    using Outcome = tamlin_test::CommandRun;  // standard output and error together
 
     static std::string buildDir() { return tamlin_test::buildDir(); }
     static std::string sourceDir() { return tamlin_test::sourceDir(); }
@@ -72,49 +82,28 @@ public:
     // Runs the simulator's administration with arguments (a shell word list).
     static Outcome evasim(const std::string &arguments)
     {
-        std::string command = buildDir() + "/bin/evasim " + arguments + " 2>&1";
-        Outcome result{-1, ""};
-        if (FILE *pipe = popen(command.c_str(), "r")) {
-            char buffer[4096];
-            size_t n;
-            while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
-                result.output.append(buffer, n);
-            }
-            const int status = pclose(pipe);
-            result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        }
-        return result;
+        return tamlin_test::runCommand(buildDir() + "/bin/evasim " + arguments + " 2>&1");
     }
 
-    // The rows of one table of `evasim show <what> --format tsv`, by header name.
-    static std::vector<std::map<std::string, std::string>> table(const std::string &what)
+    // The rows of `evasim show <what> --format tsv`, by column name.
+    static std::vector<tamlin_test::TsvRow> table(const std::string &what)
     {
-        std::vector<std::map<std::string, std::string>> rows;
-        std::istringstream in(evasim("show " + what + " --format tsv").output);
-        std::string line;
-        std::vector<std::string> header;
-        while (std::getline(in, line)) {
-            if (line.empty() || line[0] == '#') {
-                header.clear();
-                continue;
+        return tamlin_test::tsvRows(evasim("show " + what + " --format tsv").output);
+    }
+    // A column of the disk at path, "<no disk>" when there is none.
+    static std::string disk(const std::string &path, const std::string &column)
+    {
+        for (const tamlin_test::TsvRow &row : table("disks")) {
+            if (row.at("path") == path) {
+                return row.at(column);
             }
-            std::vector<std::string> cells;
-            std::string cell;
-            std::istringstream fields(line);
-            while (std::getline(fields, cell, '\t')) {
-                cells.push_back(cell);
-            }
-            if (header.empty()) {
-                header = cells;
-                continue;
-            }
-            std::map<std::string, std::string> row;
-            for (size_t i = 0; i < header.size(); ++i) {
-                row[header[i]] = i < cells.size() ? cells[i] : "";
-            }
-            rows.push_back(row);
         }
-        return rows;
+        return "<no disk>";
+    }
+    // Every command of the SSSU runs kept, oldest first: run, exit, seq, outcome, command, answer.
+    static std::vector<tamlin_test::TsvRow> history()
+    {
+        return tamlin_test::tsvRows(evasim("history --last 0 --format tsv").output);
     }
 
     // All trace log files, joined.

@@ -5,6 +5,7 @@
 #include <dirent.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <sys/wait.h>
 
 #include <fstream>
 #include <sstream>
@@ -23,19 +24,30 @@ inline std::string makeTempDir(const char *tag)
     return made != nullptr ? std::string(made) : std::string();
 }
 
-// Standard output of a shell command.
-inline std::string capture(const std::string &command)
+// A shell command's standard output and exit status (-1 when it did not exit).
+struct CommandRun {
+    int status;
+    std::string output;
+};
+
+inline CommandRun runCommand(const std::string &command)
 {
-    std::string out;
+    CommandRun run{-1, ""};
     if (FILE *pipe = popen(command.c_str(), "r")) {
         char buffer[4096];
         size_t n;
         while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
-            out.append(buffer, n);
+            run.output.append(buffer, n);
         }
-        pclose(pipe);
+        const int status = pclose(pipe);
+        run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
-    return out;
+    return run;
+}
+
+inline std::string capture(const std::string &command)
+{
+    return runCommand(command).output;
 }
 
 inline void removeTree(const std::string &dir)

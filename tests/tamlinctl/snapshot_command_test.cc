@@ -1,44 +1,16 @@
 // tamlinctl snapshot as an administrator runs it, against the simulator's small world.
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
-#include <cstdio>
 #include <string>
 
 #include "provider_install.h"
-#include "test_paths.h"
+#include "tamlinctl_run.h"
+
+using tamlin_test::CommandRun;
+using tamlin_test::holds;
+using tamlin_test::tamlinctl;
 
 namespace {
-
-struct CtlRun {
-    int status;
-    std::string out;
-};
-
-// Runs tamlinctl with arguments (a shell word list); stderr goes into the output too.
-CtlRun tamlinctl(const std::string &args)
-{
-    const std::string command = tamlin_test::envOr("TAMLINCTL", TAMLINCTL_DEFAULT) + " " + args + " 2>&1";
-    CtlRun run{-1, ""};
-    FILE *pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr) {
-        return run;
-    }
-    char buffer[4096];
-    size_t n;
-    while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
-        run.out.append(buffer, n);
-    }
-    const int status = pclose(pipe);
-    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return run;
-}
-
-bool holds(const CtlRun &run, const std::string &text)
-{
-    return run.out.find(text) != std::string::npos;
-}
 
 // Each test starts from the small world: EVA01 with d1, f\d2 and f\d3 (which has d3_vsnap000).
 class Snapshot : public ::testing::Test {
@@ -65,26 +37,26 @@ ProviderInstall *Snapshot::s_site = nullptr;
 
 TEST_F(Snapshot, CopiesOfDisksByNameAreShownWithTheirUdidsAndListedAfter)
 {
-    CtlRun made = tamlinctl("snapshot --method HPEVA_VSnap 'f\\d3' 'EVA01##d1'");
-    EXPECT_EQ(made.status, 0) << made.out;
+    CommandRun made = tamlinctl("snapshot --method HPEVA_VSnap 'f\\d3' 'EVA01##d1'");
+    EXPECT_EQ(made.status, 0) << made.output;
     EXPECT_TRUE(
         holds(made, "HP##HSV##EVA01##f\\d3  HP##HSV##EVA01##f\\d3\\d3_vsnap001  UDID##HP##HSV##5000-1FE1-5000-0001##"))
-        << made.out;
-    EXPECT_TRUE(holds(made, "HP##HSV##EVA01##d1    HP##HSV##EVA01##d1\\d1_vsnap000")) << made.out;
-    EXPECT_TRUE(holds(made, "2 copies made by HPEVA_VSnap")) << made.out;
+        << made.output;
+    EXPECT_TRUE(holds(made, "HP##HSV##EVA01##d1    HP##HSV##EVA01##d1\\d1_vsnap000")) << made.output;
+    EXPECT_TRUE(holds(made, "2 copies made by HPEVA_VSnap")) << made.output;
 
-    CtlRun listed = tamlinctl("disks --no-active");
-    EXPECT_TRUE(holds(listed, "HP##HSV##EVA01##d1\\d1_vsnap000")) << listed.out;
-    EXPECT_TRUE(holds(listed, "HP##HSV##EVA01##f\\d3\\d3_vsnap001")) << listed.out;
+    CommandRun listed = tamlinctl("disks --no-active");
+    EXPECT_TRUE(holds(listed, "HP##HSV##EVA01##d1\\d1_vsnap000")) << listed.output;
+    EXPECT_TRUE(holds(listed, "HP##HSV##EVA01##f\\d3\\d3_vsnap001")) << listed.output;
 
-    CtlRun json = tamlinctl("--json snapshot --method HPEVA_Snapclone 'HP##HSV##EVA01##f\\d2' 2>/dev/null");
-    EXPECT_EQ(json.status, 0) << json.out;
-    EXPECT_EQ(json.out.rfind("{\"method\":\"HPEVA_Snapclone\",\"complete\":true,\"copies\":[{\"source\":{\"name\":"
-                             "\"HP##HSV##EVA01##f\\\\d2\",\"udid\":\"UDID##HP##HSV##5000-1FE1-5000-0001##",
-                             0),
+    CommandRun json = tamlinctl("--json snapshot --method HPEVA_Snapclone 'HP##HSV##EVA01##f\\d2' 2>/dev/null");
+    EXPECT_EQ(json.status, 0) << json.output;
+    EXPECT_EQ(json.output.rfind("{\"method\":\"HPEVA_Snapclone\",\"complete\":true,\"copies\":[{\"source\":{\"name\":"
+                                "\"HP##HSV##EVA01##f\\\\d2\",\"udid\":\"UDID##HP##HSV##5000-1FE1-5000-0001##",
+                                0),
               0u)
-        << json.out;
-    EXPECT_TRUE(holds(json, "\"copy\":{\"name\":\"HP##HSV##EVA01##f\\\\d2_clone000\"")) << json.out;
+        << json.output;
+    EXPECT_TRUE(holds(json, "\"copy\":{\"name\":\"HP##HSV##EVA01##f\\\\d2_clone000\"")) << json.output;
 }
 
 TEST_F(Snapshot, RefusalsAreExplainedAndNothingIsMade)
@@ -96,39 +68,39 @@ TEST_F(Snapshot, RefusalsAreExplainedAndNothingIsMade)
     EXPECT_EQ(tamlinctl("snapshot --method HPEVA_VSnap d1 'EVA01##d1'").status, 2) << "the same disk twice";
 
     // The provider's check, in the host's language, ends the command before anything is made.
-    CtlRun refused = tamlinctl("--lang de snapshot --method HPEVA_Snapclone 'f\\d3'");
-    EXPECT_EQ(refused.status, 1) << refused.out;
+    CommandRun refused = tamlinctl("--lang de snapshot --method HPEVA_Snapclone 'f\\d3'");
+    EXPECT_EQ(refused.status, 1) << refused.output;
     EXPECT_TRUE(holds(refused, "kann für HPEVA_Snapclone_FIM_GROUP kein Snapclone angelegt werden: Die Platte hat "
                                "Snapshots."))
-        << refused.out;
-    EXPECT_TRUE(holds(refused, "nothing was made")) << refused.out;
-    EXPECT_EQ(tamlinctl("disks").out.find("_clone"), std::string::npos);
+        << refused.output;
+    EXPECT_TRUE(holds(refused, "nothing was made")) << refused.output;
+    EXPECT_EQ(tamlinctl("disks").output.find("_clone"), std::string::npos);
 }
 
 TEST_F(Snapshot, APartialFailureNamesTheCopiesMadeAndTheWayOn)
 {
     ASSERT_EQ(s_site->evasim("fault error --match 'ADD SNAPSHOT \"d2'").status, 0);
-    CtlRun partial = tamlinctl("snapshot --method HPEVA_VSnap 'f\\d2' d1");
-    EXPECT_EQ(partial.status, 1) << partial.out;
-    EXPECT_TRUE(holds(partial, "Error: Simulated failure")) << partial.out;
-    EXPECT_TRUE(holds(partial, "1 of 2 copies were made and remain on the arrays:")) << partial.out;
-    EXPECT_TRUE(holds(partial, "HP##HSV##EVA01##d1  HP##HSV##EVA01##d1\\d1_vsnap000")) << partial.out;
+    CommandRun partial = tamlinctl("snapshot --method HPEVA_VSnap 'f\\d2' d1");
+    EXPECT_EQ(partial.status, 1) << partial.output;
+    EXPECT_TRUE(holds(partial, "Error: Simulated failure")) << partial.output;
+    EXPECT_TRUE(holds(partial, "1 of 2 copies were made and remain on the arrays:")) << partial.output;
+    EXPECT_TRUE(holds(partial, "HP##HSV##EVA01##d1  HP##HSV##EVA01##d1\\d1_vsnap000")) << partial.output;
     EXPECT_TRUE(holds(partial, "make the copies still missing:\n  tamlinctl snapshot --method HPEVA_VSnap "
                                "'HP##HSV##EVA01##f\\d2'\n"))
-        << partial.out;
-    EXPECT_TRUE(holds(partial, "To give it up instead, delete the copies above")) << partial.out;
+        << partial.output;
+    EXPECT_TRUE(holds(partial, "To give it up instead, delete the copies above")) << partial.output;
 
-    CtlRun rest = tamlinctl("snapshot --method HPEVA_VSnap 'HP##HSV##EVA01##f\\d2'");
-    EXPECT_EQ(rest.status, 0) << rest.out;
-    EXPECT_TRUE(holds(rest, "HP##HSV##EVA01##f\\d2\\d2_vsnap000")) << rest.out;
+    CommandRun rest = tamlinctl("snapshot --method HPEVA_VSnap 'HP##HSV##EVA01##f\\d2'");
+    EXPECT_EQ(rest.status, 0) << rest.output;
+    EXPECT_TRUE(holds(rest, "HP##HSV##EVA01##f\\d2\\d2_vsnap000")) << rest.output;
 }
 
 // Slow: the provider's snapclone wait is four real seconds.
 TEST_F(Snapshot, SlowASnapcloneWaitIsShownWhileItRuns)
 {
     ASSERT_EQ(s_site->evasim("set snapclone_reads=2").status, 0);
-    CtlRun clone = tamlinctl("snapshot --method HPEVA_Snapclone 'f\\d2'");
-    EXPECT_EQ(clone.status, 0) << clone.out;
+    CommandRun clone = tamlinctl("snapshot --method HPEVA_Snapclone 'f\\d2'");
+    EXPECT_EQ(clone.status, 0) << clone.output;
     EXPECT_TRUE(holds(clone, "\\Virtual Disks\\f\\d2_clone000\\ACTIVE is still starting its copy; waiting 4 seconds"))
-        << clone.out;
+        << clone.output;
 }
