@@ -187,12 +187,9 @@ int runConfig(CliOptions &options)
     }
 
     ProviderSession session(options);
-    int status = session.start();
+    const int status = startWithArrays(session);
     if (status != 0) {
         return status;
-    }
-    if (session.initResult() != 0) {
-        return ProviderSession::kExitFailed;
     }
     HostNode host(fromUtf8(node), group);
     if (!host.ok()) {

@@ -24,21 +24,6 @@ std::string text(const wchar_t *value)
     return value != nullptr ? toUtf8(value) : std::string();
 }
 
-// Sizes for people: binary units with one decimal.
-std::string humanSize(uint64_t bytes)
-{
-    static const char *const units[] = {"B", "KiB", "MiB", "GiB", "TiB", "PiB"};
-    double value = static_cast<double>(bytes);
-    size_t unit = 0;
-    while (value >= 1024.0 && unit + 1 < sizeof units / sizeof units[0]) {
-        value /= 1024.0;
-        ++unit;
-    }
-    char buffer[32];
-    snprintf(buffer, sizeof buffer, unit == 0 ? "%.0f %s" : "%.1f %s", value, units[unit]);
-    return buffer;
-}
-
 // The provider's filter text from --filter KEY=VALUE items and the named shortcuts.
 bool buildFilter(cliutil::Args &args, const std::vector<std::pair<std::string, std::string>> &named,
                  std::wstring &filter)
@@ -71,9 +56,6 @@ template <class Record, class Entry>
 int listEntry(ProviderSession &session, const char *name, Entry entry, std::wstring &filter, Record *&list,
               int32_t &count)
 {
-    if (session.initResult() != 0) {
-        return ProviderSession::kExitFailed;
-    }
     session.beginCall();
     int32_t result = entry(&list, &count, filter.empty() ? nullptr : &filter[0]);
     if (result != 0) {
@@ -96,7 +78,7 @@ int runEnclosures(CliOptions &options)
         return ProviderSession::kExitUsage;
     }
     ProviderSession session(options);
-    int status = session.start();
+    int status = startWithArrays(session);
     if (status != 0) {
         return status;
     }
@@ -139,7 +121,7 @@ int runHosts(CliOptions &options)
         return ProviderSession::kExitUsage;
     }
     ProviderSession session(options);
-    int status = session.start();
+    int status = startWithArrays(session);
     if (status != 0) {
         return status;
     }
@@ -204,7 +186,7 @@ int runDisks(CliOptions &options)
         return ProviderSession::kExitUsage;
     }
     ProviderSession session(options);
-    int status = session.start();
+    int status = startWithArrays(session);
     if (status != 0) {
         return status;
     }

@@ -255,25 +255,6 @@ void printChange(const CliOptions &options, const CopyInfo &after, const Change 
     fprintf(options.out, "now presented to %s\n", listed(after.presentations).c_str());
 }
 
-// The session started and the words resolved; 0 or the exit status, having said why.
-int startAndResolve(ProviderSession &session, const char *command, const std::vector<std::string> &words,
-                    std::vector<KnownDisk> &disks)
-{
-    int status = session.start();
-    if (status != 0) {
-        return status;
-    }
-    if (session.initResult() != 0) {
-        return ProviderSession::kExitFailed;
-    }
-    DiskResolver resolver(diskLister(session));
-    status = resolver.resolve(words, disks);
-    if (status != 0 && !resolver.error().empty()) {
-        fprintf(stderr, "tamlinctl %s: %s\n", command, resolver.error().c_str());
-    }
-    return status;
-}
-
 // Reads the disk before, runs change (an entry's result), reads it after and shows the change.
 template <class Entry>
 int changePresentations(CliOptions &options, ProviderSession &session, const KnownDisk &disk, const char *entryName,
@@ -334,20 +315,6 @@ std::string age(const std::string &created, time_t now)
     return text;
 }
 
-std::string humanSize(uint64_t bytes)
-{
-    static const char *const units[] = {"B", "KiB", "MiB", "GiB", "TiB", "PiB"};
-    double value = static_cast<double>(bytes);
-    size_t unit = 0;
-    while (value >= 1024.0 && unit + 1 < sizeof units / sizeof units[0]) {
-        value /= 1024.0;
-        ++unit;
-    }
-    char buffer[32];
-    snprintf(buffer, sizeof buffer, unit == 0 ? "%.0f %s" : "%.1f %s", value, units[unit]);
-    return buffer;
-}
-
 bool confirmed(const std::vector<CopyInfo> &copies)
 {
     fprintf(stderr, "%zu cop%s will be deleted from the array%s, after their presentations:\n", copies.size(),
@@ -355,13 +322,7 @@ bool confirmed(const std::vector<CopyInfo> &copies)
     for (const CopyInfo &copy : copies) {
         fprintf(stderr, "  %s (presented to %s)\n", copy.name().c_str(), listed(copy.presentations).c_str());
     }
-    fprintf(stderr, "Type yes to delete: ");
-    char answer[64] = {0};
-    if (fgets(answer, sizeof answer, stdin) == nullptr) {
-        return false;
-    }
-    const std::string word(answer);
-    return word == "yes\n" || word == "yes";
+    return answeredYes("delete");
 }
 
 }  // namespace
@@ -384,8 +345,9 @@ int runPresent(CliOptions &options)
         return ProviderSession::kExitUsage;
     }
     ProviderSession session(options);
+    DiskResolver resolver(diskLister(session));
     std::vector<KnownDisk> disks;
-    int status = startAndResolve(session, "present", words, disks);
+    int status = startAndResolve(session, resolver, "present", words, disks);
     if (status != 0) {
         return status;
     }
@@ -433,8 +395,9 @@ int runUnpresent(CliOptions &options)
         return ProviderSession::kExitUsage;
     }
     ProviderSession session(options);
+    DiskResolver resolver(diskLister(session));
     std::vector<KnownDisk> disks;
-    int status = startAndResolve(session, "unpresent", words, disks);
+    int status = startAndResolve(session, resolver, "unpresent", words, disks);
     if (status != 0) {
         return status;
     }
@@ -471,14 +434,13 @@ int runDispose(CliOptions &options)
     if (!finishArgs(args, "dispose")) {
         return ProviderSession::kExitUsage;
     }
-    if (!yes && !isatty(STDIN_FILENO)) {
-        fprintf(stderr, "tamlinctl dispose: this deletes copies; give --yes to confirm when standard input is no "
-                        "terminal\n");
+    if (!mayConfirm(yes, "dispose", "deletes copies")) {
         return ProviderSession::kExitUsage;
     }
     ProviderSession session(options);
+    DiskResolver resolver(diskLister(session));
     std::vector<KnownDisk> disks;
-    int status = startAndResolve(session, "dispose", words, disks);
+    int status = startAndResolve(session, resolver, "dispose", words, disks);
     if (status != 0) {
         return status;
     }
@@ -558,12 +520,9 @@ int runLeftovers(CliOptions &options)
         return ProviderSession::kExitUsage;
     }
     ProviderSession session(options);
-    int status = session.start();
+    int status = startWithArrays(session);
     if (status != 0) {
         return status;
-    }
-    if (session.initResult() != 0) {
-        return ProviderSession::kExitFailed;
     }
     std::vector<CopyInfo> copies;
     std::vector<std::string> unreadable;

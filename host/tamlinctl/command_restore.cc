@@ -127,13 +127,8 @@ bool confirmed(const std::vector<Pair> &pairs)
         fprintf(stderr, "  %s  <-  %s\n", shortName(pair.primary.name).c_str(), shortName(pair.secondary.name).c_str());
     }
     fprintf(stderr, "Hosts lose these disks for a moment: the presentations are removed and given back on the\n"
-                    "same LUNs once the copy has started. Type yes to restore: ");
-    char answer[64] = {0};
-    if (fgets(answer, sizeof answer, stdin) == nullptr) {
-        return false;
-    }
-    const std::string word(answer);
-    return word == "yes\n" || word == "yes";
+                    "same LUNs once the copy has started. ");
+    return answeredYes("restore");
 }
 
 double secondsSince(std::chrono::steady_clock::time_point start)
@@ -276,26 +271,14 @@ int runRestore(CliOptions &options)
     if (!finishArgs(args, "restore")) {
         return ProviderSession::kExitUsage;
     }
-    if (!yes && !isatty(STDIN_FILENO)) {
-        fprintf(stderr, "tamlinctl restore: this replaces the content of disks; give --yes to confirm when standard "
-                        "input is no terminal\n");
+    if (!mayConfirm(yes, "restore", "replaces the content of disks")) {
         return ProviderSession::kExitUsage;
     }
     ProviderSession session(options);
-    int status = session.start();
-    if (status != 0) {
-        return status;
-    }
-    if (session.initResult() != 0) {
-        return ProviderSession::kExitFailed;
-    }
     DiskResolver resolver(diskLister(session));
     std::vector<KnownDisk> disks;
-    status = resolver.resolve(words, disks);
+    int status = startAndResolve(session, resolver, "restore", words, disks);
     if (status != 0) {
-        if (!resolver.error().empty()) {
-            fprintf(stderr, "tamlinctl restore: %s\n", resolver.error().c_str());
-        }
         return status;
     }
     std::vector<Pair> pairs;

@@ -210,20 +210,9 @@ int runSnapshot(CliOptions &options)
     }
 
     ProviderSession session(options);
-    int status = session.start();
-    if (status != 0) {
-        return status;
-    }
-    if (session.initResult() != 0) {
-        return ProviderSession::kExitFailed;
-    }
     DiskResolver resolver(diskLister(session));
     std::vector<KnownDisk> sources;
-    status = resolver.resolve(words, sources);
-    if (status == DiskResolver::kNotFound) {
-        fprintf(stderr, "tamlinctl snapshot: %s\n", resolver.error().c_str());
-        return ProviderSession::kExitUsage;
-    }
+    int status = startAndResolve(session, resolver, "snapshot", words, sources);
     if (status != 0) {
         return status;
     }
