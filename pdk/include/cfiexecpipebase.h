@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cfiexport.h"
+#include "cfioutputlines.h"
 #include "cfitraceable.h"
 #include "efiexecpipe.h"
 
@@ -50,6 +51,9 @@ public:
     // An empty user runs the child as the caller.
     virtual int Exec(std::string command, std::vector<std::string> &output, std::string extra, uint32_t seconds,
                      std::string directory, std::string user, std::string password);
+    // The same, with the lines kept as one text: for output that may run to many megabytes.
+    int Exec(std::string command, CFiOutputLines &output, std::string extra, uint32_t seconds, std::string directory,
+             std::string user, std::string password);
     // Asks a running Exec to stop before its next line; the child is then closed down.
     virtual void Abort();
     // The most memory the lines of one run may take, in bytes: each line counts its length
@@ -73,6 +77,12 @@ protected:
     std::string m_extra;
     bool m_closeAfterExec;
     uint64_t m_outputLimit = 0;
+
+private:
+    // What ExecMain does, into either kind of output.
+    template <class Output>
+    int run(const std::string &command, Output &output, const std::string &extra, uint32_t seconds,
+            const std::string &directory, const std::string &user, const std::string &password);
 };
 
 }  // namespace qorin_pdk_4_4

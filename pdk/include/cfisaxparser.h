@@ -10,6 +10,7 @@
 #include <xercesc/util/SecurityManager.hpp>
 
 #include "cfiexport.h"
+#include "cfioutputlines.h"
 
 namespace qorin_pdk_4_4 {
 
@@ -36,6 +37,7 @@ public:
     void parse(const std::string &text);
     // The lines as if joined with nothing between them (they are read in place, not copied).
     void parse(const std::vector<std::string> &lines);
+    void parse(const CFiOutputLines &lines);
 
     CFiSaxParser(const CFiSaxParser &) = delete;
     CFiSaxParser &operator=(const CFiSaxParser &) = delete;

@@ -1,6 +1,7 @@
 #include "cfiexecpipebase.h"
 
 #include <cwchar>
+#include <type_traits>
 
 #include "cfitracelogfunction.h"
 
@@ -64,8 +65,29 @@ int CFiExecPipeBase::Exec(std::string command, std::vector<std::string> &output,
     return result;
 }
 
+int CFiExecPipeBase::Exec(std::string command, CFiOutputLines &output, std::string extra, uint32_t seconds,
+                          std::string directory, std::string user, std::string password)
+{
+    CFiTraceLogFunction function(m_traceLog, "qorin_pdk_4_4::CFiExecPipeBase::Exec");
+    int result = run(command, output, extra, seconds, directory, user, password);
+    if (m_closeAfterExec) {
+        int closed = Close(10);
+        if (closed != 0) {
+            trace(2, "Close of the process returned %d", closed);
+        }
+    }
+    return result;
+}
+
 int CFiExecPipeBase::ExecMain(std::string command, std::vector<std::string> &output, std::string extra,
                               uint32_t seconds, std::string directory, std::string user, std::string password)
+{
+    return run(command, output, extra, seconds, directory, user, password);
+}
+
+template <class Output>
+int CFiExecPipeBase::run(const std::string &command, Output &output, const std::string &extra, uint32_t seconds,
+                         const std::string &directory, const std::string &user, const std::string &password)
 {
     CFiTraceLogFunction function(m_traceLog, "qorin_pdk_4_4::CFiExecPipeBase::ExecMain");
     std::vector<char> line(LINE_PIECE_SIZE + 1);
@@ -74,7 +96,14 @@ int CFiExecPipeBase::ExecMain(std::string command, std::vector<std::string> &out
     m_extra = extra;
 
     if (IsChildContext() != 0) {
-        return ExecCommandInChildContext(command, output);
+        if constexpr (std::is_same_v<Output, std::vector<std::string>>) {
+            return ExecCommandInChildContext(command, output);
+        } else {
+            std::vector<std::string> lines;
+            const int result = ExecCommandInChildContext(command, lines);
+            output = CFiOutputLines(lines);
+            return result;
+        }
     }
     int started = ExecPipe(command, directory);
     if (started != 0) {
@@ -100,7 +129,9 @@ int CFiExecPipeBase::ExecMain(std::string command, std::vector<std::string> &out
             return QRN_EXEC_PIPE_READ_TIMEOUT;
         }
         if (got == 1) {
-            output.emplace_back(line.data());
+            // Up to the first NUL, as the line's C string reads. The limit counts a string per
+            // line whichever way the lines are kept, so that it means the same for both.
+            output.push_back(line.data());
             held += output.back().size() + sizeof(std::string);
             if (m_outputLimit != 0 && held > m_outputLimit) {
                 // A child that floods its output must not take the host's memory with it.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <mutex>
+#include <string_view>
 
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/sax/InputSource.hpp>
@@ -30,9 +31,10 @@ bool xercesKept = false;
 
 // The lines read one after the other, as if joined: a listing of many megabytes is parsed
 // without a second copy of it.
+template <class Lines>
 class LinesInputStream : public BinInputStream {
 public:
-    explicit LinesInputStream(const std::vector<std::string> &lines) : m_lines(lines) {}
+    explicit LinesInputStream(const Lines &lines) : m_lines(lines) {}
 
     XMLFilePos curPos() const override { return m_position; }
 
@@ -40,7 +42,7 @@ public:
     {
         XMLSize_t filled = 0;
         while (filled < maxToRead && m_line < m_lines.size()) {
-            const std::string &line = m_lines[m_line];
+            const std::string_view line = m_lines[m_line];
             const size_t count = std::min<size_t>(maxToRead - filled, line.size() - m_offset);
             std::memcpy(toFill + filled, line.data() + m_offset, count);
             filled += count;
@@ -57,20 +59,21 @@ public:
     const XMLCh *getContentType() const override { return nullptr; }
 
 private:
-    const std::vector<std::string> &m_lines;
+    const Lines &m_lines;
     size_t m_line = 0;
     size_t m_offset = 0;
     XMLFilePos m_position = 0;
 };
 
+template <class Lines>
 class LinesInputSource : public InputSource {
 public:
-    explicit LinesInputSource(const std::vector<std::string> &lines) : InputSource(BUFFER_ID), m_lines(lines) {}
+    explicit LinesInputSource(const Lines &lines) : InputSource(BUFFER_ID), m_lines(lines) {}
 
-    BinInputStream *makeStream() const override { return new LinesInputStream(m_lines); }
+    BinInputStream *makeStream() const override { return new LinesInputStream<Lines>(m_lines); }
 
 private:
-    const std::vector<std::string> &m_lines;
+    const Lines &m_lines;
 };
 
 }  // namespace
@@ -176,7 +179,17 @@ void CFiSaxParser::parse(const std::vector<std::string> &lines)
         reportNoReader();
         return;
     }
-    LinesInputSource source(lines);
+    LinesInputSource<std::vector<std::string>> source(lines);
+    run(source);
+}
+
+void CFiSaxParser::parse(const CFiOutputLines &lines)
+{
+    if (m_reader == nullptr) {
+        reportNoReader();
+        return;
+    }
+    LinesInputSource<CFiOutputLines> source(lines);
     run(source);
 }
 

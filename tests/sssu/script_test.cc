@@ -271,7 +271,7 @@ TEST(ErrorProcessor, WhichErrorLinesFailARun)
         }
     }
     try {
-        CHpEvaCliErrorProcessor::processBuffer({}, command);
+        CHpEvaCliErrorProcessor::processBuffer(std::vector<std::string>(), command);
         ADD_FAILURE() << "no lines";
     } catch (const CHpEvaCliException &e) {
         EXPECT_EQ(e.getKind(), CHpEvaCliException::CLI_NO_DATA);

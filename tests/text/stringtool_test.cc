@@ -1,5 +1,5 @@
 // The string tool: conversions between the four kinds of text, numbers, hex identifiers,
-// searching and the buffers handed to the host.
+// searching, the buffers handed to the host and the lines of a run kept as one text.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "cfioutputlines.h"
 #include "cfistringtool.h"
 
 using namespace qorin_pdk_4_4;
@@ -246,4 +247,38 @@ TEST(HostBuffers, CopiesAreTerminatedAndListsEndInNull)
     ASSERT_NE(none, nullptr);
     EXPECT_EQ(none[0], nullptr);
     T::tstrfreelist(none);
+}
+
+TEST(OutputLines, KeepEveryLineAcrossBlocksAndMovesAndEdits)
+{
+    // Lines of every length from empty to longer than the largest block, enough of them to
+    // fill many blocks, so that no view points where a block ended or moved.
+    std::vector<std::string> expected;
+    for (size_t i = 0; i < 60000; ++i) {
+        expected.push_back(std::string(i % 97, static_cast<char>('a' + i % 26)));
+    }
+    expected.push_back(std::string(5000, 'L'));
+    expected.push_back(std::string(3 << 20, 'H'));
+    expected.push_back("after the long ones");
+    CFiOutputLines lines;
+    for (const std::string &line : expected) {
+        lines.push_back(line);
+    }
+    CFiOutputLines moved(std::move(lines));
+    EXPECT_TRUE(lines.empty());
+    CFiOutputLines assigned;
+    assigned = std::move(moved);
+    ASSERT_EQ(assigned.strings(), expected);
+
+    assigned.replace(1, "longer than it was");
+    assigned.replace(2, "");
+    assigned.insert(0, "first");
+    assigned.push_back("last");
+    EXPECT_EQ(assigned.strings(3), (std::vector<std::string>{"first", "", "longer than it was"}));
+    EXPECT_EQ(assigned[3], "");
+    EXPECT_EQ(assigned[4], expected[3]);
+    EXPECT_EQ(assigned.back(), "last");
+    EXPECT_EQ(CFiOutputLines(expected).strings(), expected);
+    assigned.clear();
+    EXPECT_TRUE(assigned.strings().empty());
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <string_view>
 
 #include "cfistringtool.h"
 #include "cfitracelogfunction.h"
@@ -22,21 +23,49 @@ const char *const kTolerated[] = {
 
 }  // namespace
 
-void CHpEvaCliErrorProcessor::cleanPassword(std::vector<std::string> &lines)
+namespace {
+
+// Where what follows the login's password key starts in line, or npos. SSSU may echo the
+// keyword as it was typed or in its own spelling (PASSWORD=).
+size_t afterPasswordKey(std::string_view line)
 {
     const size_t keyLength = std::char_traits<char>::length(kPasswordKey);
+    const auto at = std::search(line.begin(), line.end(), kPasswordKey, kPasswordKey + keyLength,
+                                [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; });
+    return at == line.end() ? std::string_view::npos : static_cast<size_t>(at - line.begin()) + keyLength;
+}
+
+const char kMask[] = "********";
+
+}  // namespace
+
+void CHpEvaCliErrorProcessor::cleanPassword(std::vector<std::string> &lines)
+{
     for (std::string &line : lines) {
-        // SSSU may echo the keyword as it was typed or in its own spelling (PASSWORD=).
-        const auto at = std::search(line.begin(), line.end(), kPasswordKey, kPasswordKey + keyLength,
-                                    [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; });
-        if (at != line.end()) {
-            line.erase(static_cast<size_t>(at - line.begin()) + keyLength);
-            line += "********";
+        const size_t after = afterPasswordKey(line);
+        if (after != std::string_view::npos) {
+            line.erase(after);
+            line += kMask;
+        }
+    }
+}
+
+void CHpEvaCliErrorProcessor::cleanPassword(CFiOutputLines &lines)
+{
+    for (size_t i = 0; i < lines.size(); ++i) {
+        const size_t after = afterPasswordKey(lines[i]);
+        if (after != std::string_view::npos) {
+            lines.replace(i, std::string(lines[i].substr(0, after)) + kMask);
         }
     }
 }
 
 bool CHpEvaCliErrorProcessor::processBuffer(const std::vector<std::string> &lines, const ACE_WString &command)
+{
+    return processBuffer(CFiOutputLines(lines), command);
+}
+
+bool CHpEvaCliErrorProcessor::processBuffer(const CFiOutputLines &lines, const ACE_WString &command)
 {
     CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliErrorProcessor::processBuffer");
@@ -45,13 +74,13 @@ bool CHpEvaCliErrorProcessor::processBuffer(const std::vector<std::string> &line
         throw CHpEvaCliException(CHpEvaCliException::CLI_NO_DATA, command, __FILE__, __LINE__);
     }
     bool tolerated = false;
-    for (const std::string &line : lines) {
-        if (line.find(kErrorMarker) == std::string::npos) {
+    for (const std::string_view line : lines) {
+        if (line.find(kErrorMarker) == std::string_view::npos) {
             continue;
         }
         bool known = false;
         for (const char *text : kTolerated) {
-            if (line.find(text) != std::string::npos) {
+            if (line.find(text) != std::string_view::npos) {
                 known = true;
                 break;
             }
@@ -60,13 +89,15 @@ bool CHpEvaCliErrorProcessor::processBuffer(const std::vector<std::string> &line
             tolerated = true;
             continue;
         }
+        const std::string text(line);
+        const std::vector<std::string> output = lines.strings();
         log->trace(2,
                    "CHpEvaCliErrorProcessor::processBuffer Found unexpected ERROR in output at line [%s] for "
                    "command [%S].",
-                   line.c_str(), command.c_str());
+                   text.c_str(), command.c_str());
         log->trace(3, "Dumping the command output and throwing exception [\n%s]",
-                   CFiStringTool::vec2str(lines, "").c_str());
-        throw CHpEvaCliException(CHpEvaCliException::CLI_COMMAND_FAILED, command, line, lines, __FILE__, __LINE__);
+                   CFiStringTool::vec2str(output, "").c_str());
+        throw CHpEvaCliException(CHpEvaCliException::CLI_COMMAND_FAILED, command, text, output, __FILE__, __LINE__);
     }
     return tolerated;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <string_view>
 
 #include "cfisemaphoreguard.h"
 #include "cfistringtool.h"
@@ -34,12 +35,12 @@ std::string whyNothing(int status, const EFiExecPipe &failure, const ACE_WString
 
 }  // namespace
 
-void CHpEvaCliTool::stopFlood(const ACE_WString &command, const std::vector<std::string> &lines) const
+void CHpEvaCliTool::stopFlood(const ACE_WString &command, const CFiOutputLines &lines) const
 {
     CFiTraceLogPtr log = processTraceLog();
     log->trace(1, "SSSU's output for [%S] passed the limit of %u MB after %d lines; the run was stopped.",
                command.c_str(), static_cast<unsigned>(m_outputLimitMb), static_cast<int>(lines.size()));
-    std::vector<std::string> first(lines.begin(), lines.begin() + std::min(lines.size(), kFloodLinesShown));
+    std::vector<std::string> first = lines.strings(kFloodLinesShown);
     CHpEvaCliErrorProcessor::cleanPassword(first);
     throw CHpEvaCliException(CHpEvaCliException::CLI_COMMAND_FAILED, command,
                              "SSSU printed more than " + std::to_string(m_outputLimitMb) +
@@ -64,6 +65,18 @@ ACE_WString CHpEvaCliTool::getPath() const
 }
 
 void CHpEvaCliTool::execSSSU(const ACE_WString &arguments, std::vector<std::string> &lines, int timeout) const
+{
+    CFiOutputLines output;
+    try {
+        execSSSU(arguments, output, timeout);
+    } catch (...) {
+        lines = output.strings();
+        throw;
+    }
+    lines = output.strings();
+}
+
+void CHpEvaCliTool::execSSSU(const ACE_WString &arguments, CFiOutputLines &lines, int timeout) const
 {
     CFiTraceLogPtr log = processTraceLog();
     CFiTraceLogFunction function(log, "CHpEvaCliTool::execSSSU");
@@ -99,8 +112,8 @@ void CHpEvaCliTool::execSSSU(const ACE_WString &arguments, std::vector<std::stri
         if (lines.empty()) {
             break;
         }
-        size_t start = 0;
-        if (CFiStringTool::find(lines, kConnectionFailed, start, false) != std::string::npos) {
+        if (std::any_of(lines.begin(), lines.end(),
+                        [](std::string_view line) { return line.find(kConnectionFailed) != std::string_view::npos; })) {
             log->trace(2, "Command [%S] returned https connection error, retrying!!! ", command.c_str());
             repeat = true;
             --attemptsLeft;
@@ -115,12 +128,13 @@ void CHpEvaCliTool::execSSSU(const ACE_WString &arguments, std::vector<std::stri
         log->trace(1, "execSSSU: %s: [%s]", silent.c_str(), narrow.c_str());
         throw CHpEvaCliException(lines.empty() ? CHpEvaCliException::CLI_NO_DATA
                                                : CHpEvaCliException::CLI_COMMAND_FAILED,
-                                 command, silent, lines, __FILE__, __LINE__);
+                                 command, silent, lines.strings(), __FILE__, __LINE__);
     }
     if (lines.empty()) {
         const std::string nothing = whyNothing(status, pipe->getLastError(), getPath());
         log->trace(2, "No output was found for command [%S]: %s", command.c_str(), nothing.c_str());
-        throw CHpEvaCliException(CHpEvaCliException::CLI_NO_DATA, command, nothing, lines, __FILE__, __LINE__);
+        throw CHpEvaCliException(CHpEvaCliException::CLI_NO_DATA, command, nothing, lines.strings(), __FILE__,
+                                 __LINE__);
     }
     const bool tolerated = CHpEvaCliErrorProcessor::processBuffer(lines, command);
     if (status != 0 && !tolerated) {
@@ -133,8 +147,8 @@ void CHpEvaCliTool::execSSSU(const ACE_WString &arguments, std::vector<std::stri
                    "Execution pipe returned exit status error [%d] for command [%s] which was not caught by the "
                    "HP EVA error processor.",
                    status, narrow.c_str());
-        for (const std::string &line : lines) {
-            log->trace(1, "CLIDATA: [%s]", line.c_str());
+        for (const std::string_view line : lines) {
+            log->trace(1, "CLIDATA: [%s]", std::string(line).c_str());
         }
         log->trace(6, "execSSSU : Releasing the lock .");
         throw failure;

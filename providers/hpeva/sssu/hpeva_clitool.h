@@ -8,6 +8,7 @@
 #include <ace/SString.h>
 
 #include "cfienv.h"
+#include "cfioutputlines.h"
 #include "hpeva_cell.h"
 #include "hpeva_drgroup.h"
 #include "hpeva_host.h"
@@ -61,13 +62,15 @@ public:
     // the reason: not started, exit status), a run stopped after timeout seconds of silence,
     // an unexpected "Error: " line or output beyond the limit (CLI_COMMAND_FAILED, the run
     // stopped), and EFiExecPipe for a failed run whose output shows no error. lines keeps
-    // what was read.
+    // what was read. Listings, which may run to many megabytes, take the lines as one text.
     void execSSSU(const ACE_WString &arguments, std::vector<std::string> &lines, int timeout) const;
+    void execSSSU(const ACE_WString &arguments, qorin_pdk_4_4::CFiOutputLines &lines, int timeout) const;
 
     // Cuts the output of an XML listing down to one document: the objects between the first
     // "<object>" and the last "</object>" line, wrapped in one root. Lines are blanked, not
     // removed.
     static void massageOutput(std::vector<std::string> &lines);
+    static void massageOutput(qorin_pdk_4_4::CFiOutputLines &lines);
 
     // Beginnings of SSSU version lines accepted beside the built-in table ("Version: 9."), from
     // the setting ACCEPTED_VERSIONS of CLI_TOOL_INFO.
@@ -137,7 +140,7 @@ public:
 
 private:
     // Throws the failure of a run whose output passed the limit.
-    [[noreturn]] void stopFlood(const ACE_WString &command, const std::vector<std::string> &lines) const;
+    [[noreturn]] void stopFlood(const ACE_WString &command, const qorin_pdk_4_4::CFiOutputLines &lines) const;
 
     ACE_WString m_fileName;
     ACE_WString m_directory;

@@ -91,7 +91,7 @@ SHpEvaVdisk CHpEvaCliTool::findVirtualDisk(const SHpEvaCell &cell, const std::st
     find += wide(CFiStringTool::tostrlower(wwn));
     find += L" XML";
     log->trace(2, "executing command [%S]", find.c_str());
-    std::vector<std::string> lines;
+    CFiOutputLines lines;
     runListingScript(*this, cell, {ACE_WString(L"REFRESH"), find}, cellOf(cell), lines, __FILE__, __LINE__);
     CHpEvaLsVdiskHandler handler(cell);
     parseXmlOutput(lines, handler, find, __FILE__, __LINE__);
