@@ -40,7 +40,7 @@ struct World {
     std::string dir;
     CHpEvaCliTool tool;
     SHpEvaCell cell;
-    std::vector<std::string> raw;  // SSSU's lines as execSSSU gives them
+    std::vector<std::string> raw;  // SSSU's lines
     std::string document;          // the same after massaging, joined
     bool ready = false;
 };
@@ -123,9 +123,9 @@ void captureListing(World &made)
         CHpEvaCommandTempFile script(made.cell, ACE_WString(L"LS VDISK FULL XML"), ACE_WString(L"EVA01"));
         made.tool.execSSSU(script.getCommandFileOption(), made.raw, CHpEvaCliTool::DEFAULT_TIMEOUT);
     }
-    std::vector<std::string> massaged = made.raw;
+    CFiOutputLines massaged(made.raw);
     CHpEvaCliTool::massageOutput(massaged);
-    for (const std::string &line : massaged) {
+    for (const std::string_view line : massaged) {
         made.document += line;
     }
 }
@@ -217,10 +217,10 @@ void BM_ParseListing(benchmark::State &state)
                 floor = emptyHandlerParse(w.document);
                 continue;
             }
-            // The lines as execSSSU leaves them: strings made one after the other in a heap
-            // where the last round's lines are merged back, not scattered through its free lists.
+            // The lines as execSSSU leaves them for a listing, read into a heap where the last
+            // round's are merged back, not scattered through its free lists.
             malloc_trim(0);
-            std::vector<std::string> lines(w.raw);
+            CFiOutputLines lines(w.raw);
             const double start = bench::threadSeconds();
             CHpEvaCliTool::massageOutput(lines);
             massage = bench::threadSeconds() - start;
