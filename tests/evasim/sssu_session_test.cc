@@ -205,7 +205,7 @@ TEST_F(SssuSession, AScriptThatCannotBeReadIsAnError)
     EXPECT_TRUE(r.has("Error: Could not open command file"));
 }
 
-TEST_F(SssuSession, StateLiesBesideThePathTheProgramWasStartedByUnlessEvasimHomeIsSet)
+TEST_F(SssuSession, StateLiesBesideThePathTheProgramWasStartedByUnlessEvasimHomeIsSetOrThatIsASystemDirectory)
 {
     std::string const dir = h.home() + "/opt";
     ASSERT_EQ(::mkdir(dir.c_str(), 0755), 0);
@@ -213,6 +213,12 @@ TEST_F(SssuSession, StateLiesBesideThePathTheProgramWasStartedByUnlessEvasimHome
     ASSERT_EQ(::symlink(Harness::binary().c_str(), link.c_str()), 0);
     EXPECT_EQ(tamlin_test::capture("env -u EVASIM_HOME " + link + " where"), dir + "/evasim.d/evasim.db\n");
     EXPECT_EQ(h.evasim({"where"}).out, h.home() + "/evasim.db\n");
+    // Started from a system directory (as the package installs it), nothing goes beside it.
+    const std::string installed = "exec -a /usr/bin/evasim " + Harness::binary() + " where";
+    EXPECT_EQ(tamlin_test::capture("env -u EVASIM_HOME -u XDG_STATE_HOME HOME=" + dir + " bash -c '" + installed + "'"),
+              dir + "/.local/state/evasim/evasim.db\n");
+    EXPECT_EQ(tamlin_test::capture("env -u EVASIM_HOME XDG_STATE_HOME=" + dir + "/xdg bash -c '" + installed + "'"),
+              dir + "/xdg/evasim/evasim.db\n");
 }
 
 }  // namespace

@@ -151,7 +151,8 @@ Removes the state file: the simulator then behaves as SSSU that reaches no serve
 const char *const kWhereHelp = R"(Usage: evasim where
 
 Prints the path of the state file: $EVASIM_HOME/evasim.db, else evasim.d/evasim.db in the
-directory of the path the program was started by.
+directory of the path the program was started by; started from a system directory such as
+/usr/bin, $XDG_STATE_HOME/evasim/evasim.db (else ~/.local/state/evasim/evasim.db).
 )";
 
 std::string exitText(const HistoryRun &r)
@@ -399,7 +400,8 @@ std::string AdminCli::usage()
 
 evasim stands in for HP's SSSU, the Command View servers behind it and the EVA arrays behind
 them. Installed under an SSSU file name (such as sssu_linux_x64) it runs the scripts it is given.
-The state lies in $EVASIM_HOME/evasim.db, else in evasim.d/ beside the program.
+The state lies in $EVASIM_HOME/evasim.db, else in evasim.d/ beside the program (for a program
+in /usr/bin and the like, in $XDG_STATE_HOME/evasim/, else ~/.local/state/evasim/).
 )";
 }
 

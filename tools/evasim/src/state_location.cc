@@ -60,6 +60,17 @@ std::string startedFrom(const char *argv0)
     return ".";
 }
 
+// The directories a package puts programs in: nothing may be written beside them.
+bool systemProgramDirectory(const std::string &dir)
+{
+    for (const char *system : {"/usr/bin", "/usr/sbin", "/bin", "/sbin", "/usr/local/bin", "/usr/local/sbin"}) {
+        if (dir == system) {
+            return true;
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
 std::string StateLocation::directory(const char *argv0)
@@ -68,7 +79,17 @@ std::string StateLocation::directory(const char *argv0)
     if (home && *home) {
         return home;
     }
-    return startedFrom(argv0) + "/evasim.d";
+    const std::string started = startedFrom(argv0);
+    if (!systemProgramDirectory(started)) {
+        return started + "/evasim.d";
+    }
+    // An installed evasim keeps each user's world in that user's state directory.
+    const char *state = std::getenv("XDG_STATE_HOME");
+    if (state && *state == '/') {
+        return std::string(state) + "/evasim";
+    }
+    const char *user = std::getenv("HOME");
+    return std::string(user && *user ? user : "/tmp") + "/.local/state/evasim";
 }
 
 std::string StateLocation::database(const char *argv0)

@@ -1,4 +1,5 @@
-// Where the state file lies: $EVASIM_HOME/evasim.db, else evasim.d/evasim.db beside the program.
+// Where the state file lies: $EVASIM_HOME/evasim.db, else evasim.d/evasim.db beside the program,
+// else (a program in a system directory) in the user's state directory.
 // "Beside the program" is the directory of the path it was started by, not of a symlink's target:
 // argv[0] when it holds a '/', else the first match of argv[0] on $PATH, else /proc/self/exe.
 // So an SSSU name that links to evasim keeps its own state beside the link.
