@@ -1,5 +1,5 @@
-// A private evasim world behind a recording tool, and a recorder of the process's pushed
-// messages, for the array command tests.
+// A private evasim world behind the SSSU stand-in, which records each script, and a recorder
+// of the process's pushed messages, for the array command tests.
 #ifndef ARRAYCLI_SUPPORT_H
 #define ARRAYCLI_SUPPORT_H
 
@@ -16,7 +16,7 @@
 #include "hpeva_cell.h"
 #include "hpeva_clitool.h"
 #include "hpeva_process.h"
-#include "message_recorder.h"
+#include "process_recorder.h"
 #include "scratch_files.h"
 #include "test_paths.h"
 #include "tsv_rows.h"
@@ -59,7 +59,7 @@ inline const std::string &lockDirectory()
     return dir;
 }
 
-// An evasim world loaded from a scenario text, reached through the recording tool. Scripts,
+// An evasim world loaded from a scenario text, reached through the SSSU stand-in. Scripts,
 // the SSSU lock and the world all stay below one private directory.
 class Array {
 public:
@@ -71,8 +71,8 @@ public:
         mkdir((root + "/tmp").c_str(), 0755);
         mkdir((root + "/home").c_str(), 0755);
         bin = tamlin_test::buildDir() + "/bin/";
-        setenv("ARRAYCLI_DIR", record.c_str(), 1);
-        setenv("ARRAYCLI_EVASIM", (bin + "evasim").c_str(), 1);
+        setenv("STANDIN_DIR", record.c_str(), 1);
+        setenv("STANDIN_EVASIM", (bin + "evasim").c_str(), 1);
         setenv("EVASIM_HOME", (root + "/home").c_str(), 1);
         setenv("TMPDIR", (root + "/tmp").c_str(), 1);
         setenv("QORIN_LOCK_DIR", lockDirectory().c_str(), 1);
@@ -88,7 +88,7 @@ public:
 
     CHpEvaCliTool tool() const
     {
-        return CHpEvaCliTool(qorin_pdk_4_4::CFiStringTool::str2tstr(bin), ACE_WString(L"arraycli_recorder"));
+        return CHpEvaCliTool(qorin_pdk_4_4::CFiStringTool::str2tstr(bin), ACE_WString(L"sssu_standin"));
     }
     int runs() const { return atoi(readFile(record + "/count").c_str()); }
     std::string script(int run) const { return readFile(record + "/script." + std::to_string(run)); }

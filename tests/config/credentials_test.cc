@@ -10,6 +10,7 @@
 #include "cfierrormanager.h"
 #include "cfistringtool.h"
 #include "cfitracelog.h"
+#include "message_recorder.h"
 #include "qrn_results.h"
 #include "temp_install_root.h"
 
@@ -22,52 +23,28 @@ std::string narrow(const std::wstring &text)
     return CFiStringTool::wstr2str(text);
 }
 
-// Keeps the warnings a parser traces; the log is on a private install root at level 6.
-class Warnings : public CFiErrorHandlerBase {
-public:
-    explicit Warnings(TempInstallRoot &root) : m_log(new CFiTraceLog), m_errors(new CFiErrorManager)
+// The warnings a parser traces, from a log on a private install root at level 6.
+struct Warnings {
+    explicit Warnings(TempInstallRoot &root) : log(new CFiTraceLog), errors(new CFiErrorManager)
     {
         root.writeFile("ConfigFiles/tamlin.conf", "[DEBUG_TRACE_INFO]\n\"TRACELEVEL\"=dword:00000006\n");
-        m_log->initialize(L"tamlin", ACE_WString(), ACE_WString(), 1, false);
-        m_errors->registerHandler(this);
-        m_log->registerErrorManager(m_errors);
+        log->initialize(L"tamlin", ACE_WString(), ACE_WString(), 1, false);
+        errors->registerHandler(&recorder);
+        log->registerErrorManager(errors);
     }
-    int handleText(char *text, qrn_eseverity severity) override
-    {
-        m_everything.push_back(text);
-        if (severity == 2) {
-            std::string line = text;
-            m_lines.push_back(line.substr(line.find("> ") + 2));
-        }
-        return 0;
-    }
-    int handleMessage(CFiMessagePtr) override { return 0; }
-
-    const CFiTraceLogPtr &log() const { return m_log; }
     bool saw(const std::string &warning) const
     {
-        for (const std::string &line : m_lines) {
+        for (const std::string &line : recorder.texts(2)) {
             if (line.rfind(warning, 0) == 0) {
                 return true;
             }
         }
         return false;
     }
-    size_t count() const { return m_lines.size(); }
-    std::string all() const
-    {
-        std::string text;
-        for (const std::string &line : m_everything) {
-            text += line + "\n";
-        }
-        return text;
-    }
 
-private:
-    CFiTraceLogPtr m_log;
-    CFiErrorManagerPtr m_errors;
-    std::vector<std::string> m_lines;
-    std::vector<std::string> m_everything;
+    tamlin_test::MessageRecorder recorder;
+    CFiTraceLogPtr log;
+    CFiErrorManagerPtr errors;
 };
 
 std::vector<SFiCredential> parse(const std::string &blob, bool openArray = false, const std::string &vendor = "HP",
@@ -159,7 +136,7 @@ TEST(CredentialsParser, MalformedLinesAreSkippedWithTheirWarnings)
     TempInstallRoot root;
     Warnings warnings(root);
     CFiCredentialsParser parser;
-    parser.setTraceLog(warnings.log());
+    parser.setTraceLog(warnings.log);
     std::vector<SFiCredential> list;
     parser.parse("[STORAGE_MANAGEMENT_SERVICE\\HP_HSV\\1]\n"
                  "HOSTNAME=\"unquoted key\"\n"
@@ -182,8 +159,8 @@ TEST(CredentialsParser, MalformedLinesAreSkippedWithTheirWarnings)
     // Whatever shape a password line has, its value never reaches a trace line.
     EXPECT_TRUE(warnings.saw("WARNING: Invalid credentials section 'PASSWORD=********'"));
     EXPECT_TRUE(warnings.saw("WARNING: Invalid value '********' for key section 'PASSWORD'"));
-    EXPECT_EQ(warnings.count(), 7u);
-    EXPECT_EQ(warnings.all().find("Sesame"), std::string::npos) << warnings.all();
+    EXPECT_EQ(warnings.recorder.texts(2).size(), 7u);
+    EXPECT_EQ(warnings.recorder.count("Sesame"), 0u);
 
     list.clear();
     parser.parse("[STORAGE_MANAGEMENT_SERVICE\\HP_HSV\\1]\n\"HOSTNAME\"=\"h\"\n", "HP", "HSV", list, false);

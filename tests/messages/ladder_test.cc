@@ -1,6 +1,5 @@
 // The catch ladder around every provider operation: which exception gives which message,
-// result and trace line, and what passes through to the entry, where it ends. Also the
-// plug-in's error entries.
+// result and trace line, and what passes through to the entry, where it ends.
 #include <gtest/gtest.h>
 
 #include <stdlib.h>
@@ -19,8 +18,6 @@
 #include "cfitracelog.h"
 #include "efiexecpipe.h"
 #include "hpeva_guard.h"
-#include "hpeva_messages.h"
-#include "hpeva_plugin.h"
 #include "hpeva_singletons.h"
 #include "message_recorder.h"
 #include "qrn_results.h"
@@ -251,27 +248,4 @@ TEST(LadderWithoutServices, StillGivesItsResult)
     EXPECT_EQ(guard.run([]() -> int { throw 3; }), QRN_ERR_FAILED);
     CHpEvaGuard init(CFiErrorManagerPtr(), CFiTraceLogPtr(), "init", kSite, 1, true);
     EXPECT_EQ(init.run([]() -> int { throw std::runtime_error("x"); }), QRN_ERR_INIT_FAILED);
-}
-
-TEST(PluginErrors, APushedMessageIsReadUntilDeleted)
-{
-    CFiSmartPtr<CHpEvaPlugin> plugin(new CHpEvaPlugin);
-    CFiErrorManagerPtr errors(new CFiErrorManager);
-    plugin->registerErrorManager(errors);
-
-    icu::Formattable path(icu::UnicodeString("/opt/HP/SSSU/sssu"));
-    pushMessage(errors, hpeva_msg::MSG_ERROR_CLI_NOT_FOUND, QRN_SEVERITY_WARNING, kSite, 5, path,
-                icu::Formattable(static_cast<int32_t>(2)));
-    qrn_msg_info *info = nullptr;
-    EXPECT_EQ(plugin->getLastError(&info), 0);
-    ASSERT_NE(info, nullptr);
-    EXPECT_EQ(std::string(info->text, info->length), "<SERIALIZED_MESSAGE MSGID=MSG_ERROR_CLI_NOT_FOUND SEVERITY=2>\n"
-                                                     "\t<ARGVALUE INDEX=0 TYPE=3>/opt/HP/SSSU/sssu</ARGVALUE>\n"
-                                                     "\t<ARGVALUE INDEX=1 TYPE=2>2</ARGVALUE>\n"
-                                                     "</SERIALIZED_MESSAGE>\n");
-
-    EXPECT_EQ(plugin->delLastError(&info), 0);
-    qrn_msg_info *after = reinterpret_cast<qrn_msg_info *>(0x1);
-    plugin->getLastError(&after);
-    EXPECT_EQ(after, nullptr);
 }

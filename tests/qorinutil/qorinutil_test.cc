@@ -1,5 +1,5 @@
-// The host library as the provider and hosts rely on it: every builder copies what it is
-// given, and each record's next field sits where the provider links it.
+// The host library as the provider and hosts rely on it: identifiers, the record builders and
+// the settings it reads from the environment.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -11,53 +11,9 @@
 
 #include "qorinutil.h"
 #include "result_lists.h"
+#include "temp_install_root.h"
 
-namespace {
-
-// Reads the pointer at a byte offset, as the provider's list code does.
-void *pointerAt(const void *record, size_t offset)
-{
-    void *value;
-    memcpy(&value, static_cast<const char *>(record) + offset, sizeof value);
-    return value;
-}
-
-void setPointerAt(void *record, size_t offset, void *value)
-{
-    memcpy(static_cast<char *>(record) + offset, &value, sizeof value);
-}
-
-class ScopedEnv {
-public:
-    ScopedEnv(const char *name, const char *value) : m_name(name)
-    {
-        const char *old = getenv(name);
-        m_had = old != nullptr;
-        if (m_had) {
-            m_old = old;
-        }
-        if (value != nullptr) {
-            setenv(name, value, 1);
-        } else {
-            unsetenv(name);
-        }
-    }
-    ~ScopedEnv()
-    {
-        if (m_had) {
-            setenv(m_name.c_str(), m_old.c_str(), 1);
-        } else {
-            unsetenv(m_name.c_str());
-        }
-    }
-
-private:
-    std::string m_name;
-    std::string m_old;
-    bool m_had;
-};
-
-}  // namespace
+using tamlin_test::EnvScope;
 
 TEST(QorinObjid, CopiesTextAndComparesByContent)
 {
@@ -82,143 +38,66 @@ TEST(QorinObjid, CopiesTextAndComparesByContent)
     free(c);
 }
 
-TEST(QorinBuilders, ProviderListCopiesEverythingAndLinksAt40)
+// What each record holds is shown through the list factories (tests/lists); here, that the
+// builders copy the caller's texts, keep the node's identifier and stop at a list's end.
+TEST(QorinBuilders, CopyTheCallersTextsKeepTheIdentifierAndStopAtTheListsEnd)
 {
-    wchar_t name[] = L"tamlin";
-    wchar_t pattern[] = L"UDID##HP##HSV##";
-    wchar_t *patterns[] = {pattern, nullptr};
+    wchar_t text[] = L"tamlin";
+    wchar_t *list[] = {text, text, nullptr};
     uint16_t version[4] = {7, 0, 0, 0};
-    qrn_provider_list *first = qorin_build_providerlist_node(name, 1, 2, version, patterns);
-    qrn_provider_list *second = qorin_build_providerlist_node(L"other", 3, 4, version, nullptr);
-    ASSERT_NE(first, nullptr);
-    ASSERT_NE(second, nullptr);
-    name[0] = L'X';
-    pattern[0] = L'X';
-    version[0] = 9;
-    EXPECT_STREQ(first->provider, L"tamlin");
-    EXPECT_NE(first->claimPatterns, patterns);
-    EXPECT_STREQ(first->claimPatterns[0], L"UDID##HP##HSV##");
-    EXPECT_EQ(first->claimPatterns[1], nullptr);
-    EXPECT_EQ(first->version[0], 7);
-    EXPECT_EQ(first->word1, 1u);
-    EXPECT_EQ(first->word2, 2u);
-    ASSERT_NE(second->claimPatterns, nullptr) << "a missing pattern array still reads as an empty list";
-    EXPECT_EQ(second->claimPatterns[0], nullptr);
-
-    EXPECT_EQ(first->next, nullptr);
-    setPointerAt(first, 40, second);
-    EXPECT_EQ(first->next, second);
-    result_lists::freeList(first);
-}
-
-TEST(QorinBuilders, FimListCopiesWordsAndTextsAndLinksAt64)
-{
-    wchar_t description[] = L"Snapclone of a virtual disk";
-    wchar_t version[] = L"4.1";
-    qrn_fim_words words = {{1, 2, 3, 4, 5, 6}, description, version};
-    qrn_fim_list *rec = qorin_build_fim_list_node(L"HPEVA_Snapclone", &words, L"", L"tamlin");
-    ASSERT_NE(rec, nullptr);
-    description[0] = L'X';
-    version[0] = L'X';
-    EXPECT_STREQ(rec->name, L"HPEVA_Snapclone");
-    EXPECT_STREQ(rec->description, L"Snapclone of a virtual disk");
-    EXPECT_STREQ(rec->version, L"4.1");
-    EXPECT_STREQ(rec->extra, L"");
-    EXPECT_STREQ(rec->provider, L"tamlin");
-    for (int i = 0; i < 6; ++i) {
-        EXPECT_EQ(rec->words[i], static_cast<uint32_t>(i + 1));
-    }
-    setPointerAt(rec, 64, rec);
-    EXPECT_EQ(rec->next, rec);
-    rec->next = nullptr;
-    result_lists::freeList(rec);
-}
-
-TEST(QorinBuilders, NodeListKeepsTheIdentifierAndCopiesTextsLinksAt48)
-{
-    wchar_t display[] = L"\\Virtual Disks\\db\\ACTIVE";
+    qrn_provider_list *provider = qorin_build_providerlist_node(text, 1, 2, version, list);
+    qrn_provider_list *bare = qorin_build_providerlist_node(text, 3, 4, version, nullptr);
+    qrn_fim_words words = {{1, 2, 3, 4, 5, 6}, text, text};
+    qrn_fim_list *fim = qorin_build_fim_list_node(text, &words, text, text);
     qorin_objid *id = qorin_get_objid(L"UDID##HP##HSV##X##Y", 80, 3);
-    qrn_node_name name = {display, id};
-    qrn_node_words words = {10, 20, 30, 2147483648ull};
-    qrn_node_list *rec = qorin_build_nodelist_node(&name, &words, L"tamlin");
-    ASSERT_NE(rec, nullptr);
-    display[0] = L'X';
-    EXPECT_STREQ(rec->displayName, L"\\Virtual Disks\\db\\ACTIVE");
-    EXPECT_EQ(rec->id, id);
-    EXPECT_EQ(rec->word1, 10u);
-    EXPECT_EQ(rec->word2, 20u);
-    EXPECT_EQ(rec->word3, 30u);
-    EXPECT_EQ(rec->size, 2147483648ull);
-    EXPECT_STREQ(rec->provider, L"tamlin");
-    setPointerAt(rec, 48, rec);
-    EXPECT_EQ(rec->next, rec);
-    rec->next = nullptr;
-    result_lists::freeList(rec);
-}
+    qrn_node_name name = {text, id};
+    qrn_node_words sizes = {10, 20, 30, 40};
+    qrn_node_list *node = qorin_build_nodelist_node(&name, &sizes, text);
+    qrn_enclosure_node_list *enclosure = qorin_build_enclosure_list_node(text, text, text, text, text, 1, 2, 3);
+    qrn_host_node_list *host = qorin_build_host_list_node(text, list, 9, text);
+    ASSERT_TRUE(provider && bare && fim && node && enclosure && host);
+    text[0] = L'X';
+    version[0] = 9;
 
-TEST(QorinBuilders, EnclosureListCopiesTextsLinksAt64)
-{
-    wchar_t cellName[] = L"EVA-1";
-    qrn_enclosure_node_list *rec =
-        qorin_build_enclosure_list_node(cellName, L"tamlin", L"5000-1FE1", L"HP", L"HSV", 100, 200, 7);
-    ASSERT_NE(rec, nullptr);
-    cellName[0] = L'X';
-    EXPECT_STREQ(rec->name, L"EVA-1");
-    EXPECT_STREQ(rec->enclosureId, L"5000-1FE1");
-    EXPECT_STREQ(rec->vendor, L"HP");
-    EXPECT_STREQ(rec->product, L"HSV");
-    EXPECT_EQ(rec->available, 100u);
-    EXPECT_EQ(rec->total, 200u);
-    EXPECT_EQ(rec->lastWord, 7u);
-    setPointerAt(rec, 64, rec);
-    EXPECT_EQ(pointerAt(rec, 64), rec);
-    EXPECT_EQ(rec->next, rec);
-    rec->next = nullptr;
-    result_lists::freeList(rec);
-}
-
-TEST(QorinBuilders, HostListCopiesPortsBoundedByCountLinksAt32)
-{
-    wchar_t p1[] = L"50060B0000C26204";
-    wchar_t p2[] = L"50060B0000C26206";
-    wchar_t *ports[] = {p1, p2, nullptr};
-    qrn_host_node_list *rec = qorin_build_host_list_node(L"backup01", ports, 2, L"5000-1FE1");
-    ASSERT_NE(rec, nullptr);
-    p1[0] = L'X';
-    EXPECT_STREQ(rec->hostName, L"backup01");
-    EXPECT_EQ(rec->portCount, 2u);
-    EXPECT_STREQ(rec->ports[0], L"50060B0000C26204");
-    EXPECT_STREQ(rec->ports[1], L"50060B0000C26206");
-    EXPECT_EQ(rec->ports[2], nullptr);
-    EXPECT_STREQ(rec->enclosureId, L"5000-1FE1");
-
-    // A count larger than the array never reads past its terminator.
-    qrn_host_node_list *short_ = qorin_build_host_list_node(L"h", ports, 9, L"e");
-    ASSERT_NE(short_, nullptr);
-    EXPECT_EQ(short_->ports[2], nullptr);
-    setPointerAt(rec, 32, short_);
-    EXPECT_EQ(rec->next, short_);
-    result_lists::freeList(rec);
+    EXPECT_STREQ(provider->provider, L"tamlin");
+    EXPECT_NE(provider->claimPatterns, list);
+    EXPECT_STREQ(provider->claimPatterns[1], L"tamlin");
+    EXPECT_EQ(provider->version[0], 7);
+    ASSERT_NE(bare->claimPatterns, nullptr) << "a missing pattern array still reads as an empty list";
+    EXPECT_EQ(bare->claimPatterns[0], nullptr);
+    EXPECT_STREQ(fim->description, L"tamlin");
+    EXPECT_STREQ(fim->version, L"tamlin");
+    EXPECT_STREQ(node->displayName, L"tamlin");
+    EXPECT_EQ(node->id, id) << "the identifier is handed over, not copied";
+    EXPECT_STREQ(enclosure->name, L"tamlin");
+    EXPECT_STREQ(host->ports[1], L"tamlin");
+    EXPECT_EQ(host->ports[2], nullptr) << "a count beyond the terminator reads no further";
+    provider->next = bare;
+    result_lists::freeList(provider);
+    result_lists::freeList(fim);
+    result_lists::freeList(node);
+    result_lists::freeList(enclosure);
+    result_lists::freeList(host);
 }
 
 TEST(QorinSettings, InstallRootGetsATrailingSlash)
 {
     wchar_t *root = nullptr;
     {
-        ScopedEnv env("QORIN_INSTALL_ROOT", "/opt/qorin");
+        EnvScope env("QORIN_INSTALL_ROOT", "/opt/qorin");
         qorin_get_install_root(&root);
         ASSERT_NE(root, nullptr);
         EXPECT_STREQ(root, L"/opt/qorin/");
         free(root);
     }
     {
-        ScopedEnv env("QORIN_INSTALL_ROOT", "/opt/qorin/");
+        EnvScope env("QORIN_INSTALL_ROOT", "/opt/qorin/");
         qorin_get_install_root(&root);
         EXPECT_STREQ(root, L"/opt/qorin/");
         free(root);
     }
     {
-        ScopedEnv env("QORIN_INSTALL_ROOT", nullptr);
+        EnvScope env("QORIN_INSTALL_ROOT", std::nullopt);
         root = reinterpret_cast<wchar_t *>(1);
         qorin_get_install_root(&root);
         EXPECT_EQ(root, nullptr);
@@ -229,7 +108,7 @@ TEST(QorinSettings, ConsumerAndCredentialBlobAreWidenedFromUtf8)
 {
     wchar_t *consumer = nullptr;
     {
-        ScopedEnv env("QORIN_CONSUMER", "Sauvegarde-\xc3\xa9t\xc3\xa9");
+        EnvScope env("QORIN_CONSUMER", "Sauvegarde-\xc3\xa9t\xc3\xa9");
         qorin_get_consumer_name(&consumer);
         ASSERT_NE(consumer, nullptr);
         EXPECT_STREQ(consumer, L"Sauvegarde-\u00e9t\u00e9");
@@ -244,7 +123,7 @@ TEST(QorinSettings, ConsumerAndCredentialBlobAreWidenedFromUtf8)
     close(fd);
     wchar_t *text = nullptr;
     {
-        ScopedEnv env("QORIN_CREDENTIAL_BLOB", path);
+        EnvScope env("QORIN_CREDENTIAL_BLOB", path);
         qorin_get_credential_blob(&text);
     }
     unlink(path);
@@ -253,7 +132,7 @@ TEST(QorinSettings, ConsumerAndCredentialBlobAreWidenedFromUtf8)
     free(text);
 
     {
-        ScopedEnv env("QORIN_CREDENTIAL_BLOB", "/nonexistent/blob");
+        EnvScope env("QORIN_CREDENTIAL_BLOB", "/nonexistent/blob");
         text = reinterpret_cast<wchar_t *>(1);
         qorin_get_credential_blob(&text);
         EXPECT_EQ(text, nullptr) << "an unreadable blob is no blob";
@@ -262,8 +141,8 @@ TEST(QorinSettings, ConsumerAndCredentialBlobAreWidenedFromUtf8)
 
 TEST(QorinSettings, MalformedUtf8IsReplacedNotDropped)
 {
-    ScopedEnv env("QORIN_CONSUMER", "a\xff"
-                                    "b");
+    EnvScope env("QORIN_CONSUMER", "a\xff"
+                                   "b");
     wchar_t *consumer = nullptr;
     qorin_get_consumer_name(&consumer);
     ASSERT_NE(consumer, nullptr);

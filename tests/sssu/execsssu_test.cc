@@ -79,23 +79,6 @@ void expectNoOverlap(const std::vector<Interval> &runs)
 
 }  // namespace
 
-TEST_F(ExecSSSU, ARealRunGetsOneArgumentAndItsScript)
-{
-    site.output("default", "NoSystemSelected> LS CELL\n\ncell1\n");
-    std::vector<std::string> lines;
-    std::string scriptPath;
-    {
-        CHpEvaCommandTempFile script(login(), ACE_WString(L"LS CELL"), ACE_WString());
-        scriptPath = CFiStringTool::tstr2str(script.getPath());
-        site.tool().execSSSU(script.getCommandFileOption(), lines, 30);
-    }
-    EXPECT_EQ(site.runs(), 1);
-    EXPECT_EQ(site.argv(1), "FILE " + scriptPath + "\n") << "one argument after the tool";
-    EXPECT_NE(site.script(1).find("password=s3cret word\nLS CELL\nexit\n"), std::string::npos);
-    EXPECT_EQ(lines, (std::vector<std::string>{"NoSystemSelected> LS CELL", "", "cell1"}));
-    EXPECT_TRUE(filesIn(site.tmp).empty()) << "the script is gone after the run";
-}
-
 TEST_F(ExecSSSU, AToolThatCannotStartGivesNoData)
 {
     CHpEvaCliTool missing(CFiStringTool::str2tstr(site.root + "/nowhere/"), ACE_WString(L"sssu"));

@@ -14,7 +14,7 @@
 #include "cfitracelog.h"
 #include "hpeva_clitool.h"
 #include "hpeva_process.h"
-#include "message_recorder.h"
+#include "process_recorder.h"
 #include "scratch_files.h"
 #include "temp_install_root.h"
 
@@ -70,12 +70,10 @@ public:
                              qorin_pdk_4_4::CFiStringTool::str2tstr(path.substr(slash + 1)));
     }
     void output(const std::string &run, const std::string &text) const { writeFile(dir + "/out." + run, text); }
-    void status(const std::string &run, int rc) const { writeFile(dir + "/rc." + run, std::to_string(rc)); }
     void hold(int milliseconds) const { writeFile(dir + "/hold", std::to_string(milliseconds)); }
     void flood(const std::string &line) const { writeFile(dir + "/flood", line); }
     int runs() const { return atoi(readFile(dir + "/count").c_str()); }
     std::string script(int run) const { return readFile(dir + "/script." + std::to_string(run)); }
-    std::string argv(int run) const { return readFile(dir + "/argv." + std::to_string(run)); }
     std::string runsLog() const { return readFile(dir + "/runs.log"); }
 
     std::string root, dir, tmp;

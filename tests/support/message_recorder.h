@@ -10,16 +10,16 @@
 
 #include "cfierrorhandlerbase.h"
 #include "cfimessage.h"
-#include "hpeva_process.h"
 
 namespace tamlin_test {
 
 class MessageRecorder : public qorin_pdk_4_4::CFiErrorHandlerBase {
 public:
-    int handleText(char *text, qrn_eseverity) override
+    int handleText(char *text, qrn_eseverity severity) override
     {
         std::lock_guard<std::mutex> hold(m_lock);
         lines.push_back(text);
+        severities.push_back(severity);
         return 0;
     }
     int handleMessage(qorin_pdk_4_4::CFiMessagePtr message) override
@@ -39,33 +39,34 @@ public:
         return n;
     }
     bool traced(const std::string &fragment) const { return count(fragment) != 0; }
+    // The text of each trace line of a severity, without the line's frame up to "> ".
+    std::vector<std::string> texts(int severity) const
+    {
+        std::vector<std::string> out;
+        for (size_t i = 0; i < lines.size(); ++i) {
+            if (severities[i] == severity) {
+                const size_t mark = lines[i].find("> ");
+                out.push_back(mark == std::string::npos ? lines[i] : lines[i].substr(mark + 2));
+            }
+        }
+        return out;
+    }
     void clear()
     {
         lines.clear();
+        severities.clear();
         keys.clear();
         messages.clear();
     }
 
     std::vector<std::string> lines;
+    std::vector<int> severities;
     std::vector<std::string> keys;
     std::vector<qorin_pdk_4_4::CFiMessagePtr> messages;
 
 private:
     std::mutex m_lock;
 };
-
-// One recorder on the process's error manager, made at the first call and kept for good.
-inline MessageRecorder &processRecorder()
-{
-    static MessageRecorder *recorder = [] {
-        auto *r = new MessageRecorder;
-        qorin_pdk_4_4::CFiErrorManagerPtr errors;
-        getErrorManagerSingleton(errors, false);
-        errors->registerHandler(r);
-        return r;
-    }();
-    return *recorder;
-}
 
 }  // namespace tamlin_test
 

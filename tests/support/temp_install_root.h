@@ -23,6 +23,47 @@
 
 #include "test_paths.h"
 
+namespace tamlin_test {
+
+// Environment variables set for the life of this object: each gets its value, or its absence,
+// back at the end.
+class EnvScope {
+public:
+    EnvScope() = default;
+    EnvScope(const std::string &name, const std::optional<std::string> &value) { set(name, value); }
+    ~EnvScope()
+    {
+        for (const auto &saved : m_saved) {
+            if (saved.second) {
+                setenv(saved.first.c_str(), saved.second->c_str(), 1);
+            } else {
+                unsetenv(saved.first.c_str());
+            }
+        }
+    }
+    EnvScope(const EnvScope &) = delete;
+    EnvScope &operator=(const EnvScope &) = delete;
+
+    // Sets name to value; no value unsets it.
+    void set(const std::string &name, const std::optional<std::string> &value)
+    {
+        if (m_saved.count(name) == 0) {
+            const char *old = getenv(name.c_str());
+            m_saved[name] = old != nullptr ? std::optional<std::string>(old) : std::nullopt;
+        }
+        if (value) {
+            setenv(name.c_str(), value->c_str(), 1);
+        } else {
+            unsetenv(name.c_str());
+        }
+    }
+
+private:
+    std::map<std::string, std::optional<std::string>> m_saved;
+};
+
+}  // namespace tamlin_test
+
 class TempInstallRoot {
 public:
     TempInstallRoot()
@@ -40,13 +81,6 @@ public:
 
     ~TempInstallRoot()
     {
-        for (const auto &saved : m_saved) {
-            if (saved.second) {
-                setenv(saved.first.c_str(), saved.second->c_str(), 1);
-            } else {
-                unsetenv(saved.first.c_str());
-            }
-        }
         std::error_code ignored;
         if (!m_dir.empty()) {
             std::filesystem::remove_all(m_dir, ignored);
@@ -117,22 +151,11 @@ public:
     }
 
     // Sets a variable for the life of this object (null unsets it).
-    void setEnv(const std::string &name, const std::optional<std::string> &value)
-    {
-        if (m_saved.count(name) == 0) {
-            const char *old = getenv(name.c_str());
-            m_saved[name] = old != nullptr ? std::optional<std::string>(old) : std::nullopt;
-        }
-        if (value) {
-            setenv(name.c_str(), value->c_str(), 1);
-        } else {
-            unsetenv(name.c_str());
-        }
-    }
+    void setEnv(const std::string &name, const std::optional<std::string> &value) { m_env.set(name, value); }
 
 private:
+    tamlin_test::EnvScope m_env;
     std::string m_dir;
-    std::map<std::string, std::optional<std::string>> m_saved;
 };
 
 #endif

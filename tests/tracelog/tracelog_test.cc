@@ -18,6 +18,7 @@
 #include "cfistringtool.h"
 #include "cfitracelog.h"
 #include "cfitracelogfunction.h"
+#include "message_recorder.h"
 #include "qrn_results.h"
 #include "temp_install_root.h"
 
@@ -108,38 +109,17 @@ CFiTraceLogPtr openLog(bool toStdout = false)
     return log;
 }
 
-// Keeps what the error manager forwards: each trace line with its severity.
-class Handler : public CFiErrorHandlerBase {
-public:
-    int handleText(char *text, qrn_eseverity severity) override
-    {
-        std::lock_guard<std::mutex> guard(m_lock);
-        m_lines.emplace_back(text, severity);
-        return 0;
-    }
-    int handleMessage(CFiMessagePtr) override { return 0; }
-
-    int severityOf(const std::string &text)
-    {
-        std::lock_guard<std::mutex> guard(m_lock);
-        for (const auto &line : m_lines) {
-            if (line.first.size() > text.size() + 1 &&
-                line.first.compare(line.first.size() - text.size() - 1, text.size(), text) == 0) {
-                return line.second;
-            }
+// The severity of the forwarded line whose text is text.
+int severityOf(const tamlin_test::MessageRecorder &handler, const std::string &text)
+{
+    for (size_t i = 0; i < handler.lines.size(); ++i) {
+        const std::string &line = handler.lines[i];
+        if (line.size() > text.size() + 1 && line.compare(line.size() - text.size() - 1, text.size(), text) == 0) {
+            return handler.severities[i];
         }
-        return -1;
     }
-    std::vector<std::pair<std::string, int>> all()
-    {
-        std::lock_guard<std::mutex> guard(m_lock);
-        return m_lines;
-    }
-
-private:
-    std::mutex m_lock;
-    std::vector<std::pair<std::string, int>> m_lines;
-};
+    return -1;
+}
 
 }  // namespace
 
@@ -231,7 +211,7 @@ TEST(TraceLog, HandlersGetEveryLevelWithItsSeverity)
     writeSettings(root, "\"TRACELEVEL\"=dword:00000003\n");
     CFiTraceLogPtr log = openLog();
     CFiErrorManagerPtr errors(new CFiErrorManager);
-    Handler handler;
+    tamlin_test::MessageRecorder handler;
     errors->registerHandler(&handler);
     log->registerErrorManager(errors);
 
@@ -240,15 +220,15 @@ TEST(TraceLog, HandlersGetEveryLevelWithItsSeverity)
     log->trace(3, "three");
     log->trace(4, "four");
     log->trace(6, "six");
-    EXPECT_EQ(handler.severityOf("one"), QRN_SEVERITY_ERROR);
-    EXPECT_EQ(handler.severityOf("two"), 2);
-    EXPECT_EQ(handler.severityOf("three"), QRN_SEVERITY_INFO);
-    EXPECT_EQ(handler.severityOf("four"), QRN_SEVERITY_DETAIL);
-    EXPECT_EQ(handler.severityOf("six"), QRN_SEVERITY_DETAIL) << "above the level, still forwarded";
+    EXPECT_EQ(severityOf(handler, "one"), QRN_SEVERITY_ERROR);
+    EXPECT_EQ(severityOf(handler, "two"), 2);
+    EXPECT_EQ(severityOf(handler, "three"), QRN_SEVERITY_INFO);
+    EXPECT_EQ(severityOf(handler, "four"), QRN_SEVERITY_DETAIL);
+    EXPECT_EQ(severityOf(handler, "six"), QRN_SEVERITY_DETAIL) << "above the level, still forwarded";
     EXPECT_EQ(texts(root), (std::vector<std::string>{"one", "two", "three"}));
 
     // "<provider>:<timestamp> <Thread id - t> <text>\n"
-    std::string line = handler.all().front().first;
+    std::string line = handler.lines.front();
     EXPECT_EQ(line.rfind("tamlin:", 0), 0u) << line;
     EXPECT_TRUE(std::regex_search(line, std::regex(R"( <Thread id - \d+> one\n$)"))) << line;
 }
@@ -281,7 +261,7 @@ TEST(TraceLog, LongMessagesAreCutTo8191Bytes)
     writeSettings(root, "\"TRACELEVEL\"=dword:00000001\n");
     CFiTraceLogPtr log = openLog();
     CFiErrorManagerPtr errors(new CFiErrorManager);
-    Handler handler;
+    tamlin_test::MessageRecorder handler;
     errors->registerHandler(&handler);
     log->registerErrorManager(errors);
 
@@ -294,7 +274,7 @@ TEST(TraceLog, LongMessagesAreCutTo8191Bytes)
     ASSERT_EQ(got.size(), 2u);
     EXPECT_EQ(got[0], longText.substr(0, 8191));
     EXPECT_EQ(got[1], std::string(1500, 'y')) << "a text beyond the first buffer is kept whole";
-    std::string forwarded = handler.all().front().first;
+    std::string forwarded = handler.lines.front();
     EXPECT_NE(forwarded.find("> " + longText.substr(0, 8191) + "\n"), std::string::npos);
 }
 
