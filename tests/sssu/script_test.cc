@@ -229,6 +229,7 @@ TEST(ErrorProcessor, CleanPasswordKeepsTheKeyInAnyCaseAndDropsTheRestOfTheLine)
         "NoSystemSelected> SELECT MANAGER cv USERNAME=admin PASSWORD=upper too",
         "Password=mixed",
     };
+    CFiOutputLines text(lines);
     CHpEvaCliErrorProcessor::cleanPassword(lines);
     EXPECT_EQ(lines, (std::vector<std::string>{
                          "select manager cv user=admin password=********",
@@ -238,4 +239,7 @@ TEST(ErrorProcessor, CleanPasswordKeepsTheKeyInAnyCaseAndDropsTheRestOfTheLine)
                          "NoSystemSelected> SELECT MANAGER cv USERNAME=admin PASSWORD=********",
                          "Password=********",
                      }));
+    // The same for the lines of a listing, kept as one text.
+    CHpEvaCliErrorProcessor::cleanPassword(text);
+    EXPECT_EQ(text.strings(), lines);
 }

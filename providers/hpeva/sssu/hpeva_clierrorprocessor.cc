@@ -21,18 +21,19 @@ const char *const kTolerated[] = {
     "Error: Error the call to present the virtual disk has failed. [Logical disk Presented]",
 };
 
-}  // namespace
-
-namespace {
-
 // Where what follows the login's password key starts in line, or npos. SSSU may echo the
-// keyword as it was typed or in its own spelling (PASSWORD=).
+// keyword as it was typed or in its own spelling (PASSWORD=). Every line of a listing passes
+// here: the rare '=' is looked for first, then the word before it.
 size_t afterPasswordKey(std::string_view line)
 {
-    const size_t keyLength = std::char_traits<char>::length(kPasswordKey);
-    const auto at = std::search(line.begin(), line.end(), kPasswordKey, kPasswordKey + keyLength,
-                                [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; });
-    return at == line.end() ? std::string_view::npos : static_cast<size_t>(at - line.begin()) + keyLength;
+    const size_t word = std::char_traits<char>::length(kPasswordKey) - 1;
+    for (size_t equals = line.find('=', word); equals != std::string_view::npos; equals = line.find('=', equals + 1)) {
+        if (std::equal(kPasswordKey, kPasswordKey + word, line.begin() + static_cast<std::ptrdiff_t>(equals - word),
+                       [](char key, char c) { return std::tolower(static_cast<unsigned char>(c)) == key; })) {
+            return equals + 1;
+        }
+    }
+    return std::string_view::npos;
 }
 
 const char kMask[] = "********";
