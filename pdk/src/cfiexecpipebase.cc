@@ -131,7 +131,11 @@ int CFiExecPipeBase::run(const std::string &command, Output &output, const std::
         if (got == 1) {
             // Up to the first NUL, as the line's C string reads. The limit counts a string per
             // line whichever way the lines are kept, so that it means the same for both.
-            output.push_back(line.data());
+            if constexpr (std::is_same_v<Output, std::vector<std::string>>) {
+                output.emplace_back(line.data());
+            } else {
+                output.push_back(line.data());
+            }
             held += output.back().size() + sizeof(std::string);
             if (m_outputLimit != 0 && held > m_outputLimit) {
                 // A child that floods its output must not take the host's memory with it.
