@@ -108,16 +108,6 @@ public:
     bool loaded = false;
 };
 
-inline SHpEvaCell cellFor(const wchar_t *server, const wchar_t *password, const wchar_t *name)
-{
-    SHpEvaCell cell;
-    cell.hostname = server;
-    cell.username = L"admin";
-    cell.password = password;
-    cell.cellname = name;
-    return cell;
-}
-
 }  // namespace arraycli
 
 #endif

@@ -11,6 +11,7 @@
 #include "arraycli_support.h"
 #include "cfinetwork.h"
 #include "cfistringtool.h"
+#include "eva_cells.h"
 #include "hpeva_cliexception.h"
 #include "hpeva_clitool.h"
 #include "qrn_results.h"
@@ -67,7 +68,7 @@ std::string world()
 
 class ArrayCli : public ::testing::Test {
 protected:
-    ArrayCli() : array(world()), tool(array.tool()), eva01(arraycli::cellFor(L"cvA", L"secret", L"EVA01"))
+    ArrayCli() : array(world()), tool(array.tool()), eva01(tamlin_test::cell(L"EVA01", L"cvA"))
     {
         arraycli::processRecorder().clear();
     }
@@ -116,13 +117,12 @@ TEST_F(ArrayCli, DiscoveryGivesEachCellOnceAndSkipsServersThatFail)
     // EVA02's detail fails; EVA03 behind it on the same server still counts.
     array.evasim("fault error --match 'LS CELL \"EVA02\"'");
     std::vector<SFiCredential> credentials(5);
-    credentials[0].hostname = L"cvA";
-    credentials[0].username = L"admin";  // no password: never run
-    credentials[1] = arraycli::cellFor(L"cvBad", L"wrong", L"");
-    credentials[2] = arraycli::cellFor(L"cvDown", L"secret", L"");
-    credentials[3] = arraycli::cellFor(L"cvA", L"secret", L"");
+    credentials[0] = tamlin_test::login(L"cvA", L"admin", L"");  // no password: never run
+    credentials[1] = tamlin_test::login(L"cvBad", L"admin", L"wrong");
+    credentials[2] = tamlin_test::login(L"cvDown");
+    credentials[3] = tamlin_test::login(L"cvA");
     credentials[3].port = 2372;
-    credentials[4] = arraycli::cellFor(L"cvB", L"two words", L"");
+    credentials[4] = tamlin_test::login(L"cvB", L"admin", L"two words");
 
     const std::vector<SHpEvaCell> cells = tool.enumerateCells(credentials);
 
@@ -146,7 +146,7 @@ TEST_F(ArrayCli, DiscoveryGivesEachCellOnceAndSkipsServersThatFail)
 
 TEST_F(ArrayCli, CellDetailInBytesAndTheCellFound)
 {
-    SHpEvaCell small = arraycli::cellFor(L"cvB", L"two words", L"EVA03");
+    SHpEvaCell small = tamlin_test::cell(L"EVA03", L"cvB", L"two words");
     tool.getCellDetail(small);
     EXPECT_EQ(small.totalstoragespace, 1610612736ull);
     EXPECT_EQ(small.availablestoragespace, 1610612736ull);
@@ -265,7 +265,7 @@ TEST_F(ArrayCli, HostEntryEqualToTheMachinesAddressMatches)
 TEST_F(ArrayCli, DiskFoundByWwnInAnyCase)
 {
     tool.getCellDetail(eva01);
-    const std::vector<SHpEvaCell> cells = {arraycli::cellFor(L"cvB", L"two words", L"EVA02"), eva01};
+    const std::vector<SHpEvaCell> cells = {tamlin_test::cell(L"EVA02", L"cvB", L"two words"), eva01};
     std::string upper = CFiStringTool::tostrupper(D1_WWN);
     std::string mixed = upper;
     mixed[7] = 'b';

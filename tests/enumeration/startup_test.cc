@@ -7,6 +7,7 @@
 
 #include <string>
 
+#include "eva_cells.h"
 #include "hpeva_plugin.h"
 #include "qrn_results.h"
 #include "scratch_files.h"
@@ -27,15 +28,12 @@ protected:
     {
         tmp = tamlin_test::makeTempDir("startup");
         setenv("TMPDIR", tmp.c_str(), 1);
-        login.hostname = L"cv1";
-        login.username = L"admin";
-        login.password = L"secret";
     }
     ~Startup() override { tamlin_test::removeTree(tmp); }
 
     tamlin_test::RecordingClock clock;
     tamlin_test::CannedSssu sssu;
-    qorin_pdk_4_4::SFiCredential login;
+    qorin_pdk_4_4::SFiCredential login = tamlin_test::login();
     std::string tmp;
 };
 

@@ -2,12 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -16,11 +11,10 @@
 #include <sstream>
 #include <thread>
 
+#include "child_process.h"
 #include "scratch_files.h"
 #include "test_paths.h"
 #include "tsv_rows.h"
-
-extern char **environ;
 
 namespace evasim_test {
 
@@ -56,91 +50,37 @@ Outcome Harness::evasim(const std::vector<std::string> &args, const std::functio
 {
     const auto start = std::chrono::steady_clock::now();
     auto elapsed = [&]() { return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(); };
-    std::vector<std::string> env;
-    for (char **e = environ; *e; ++e) {
-        if (std::strncmp(*e, "EVASIM_HOME=", 12) != 0) {
-            env.push_back(*e);
-        }
-    }
-    env.push_back("EVASIM_HOME=" + m_home);
-    std::vector<char *> envp;
-    for (std::string &e : env) {
-        envp.push_back(e.data());
-    }
-    envp.push_back(nullptr);
-
-    std::string const bin = binary();
-    std::vector<std::string> argStore{bin};
-    argStore.insert(argStore.end(), args.begin(), args.end());
-    std::vector<char *> argv;
-    for (std::string &a : argStore) {
-        argv.push_back(a.data());
-    }
-    argv.push_back(nullptr);
-
-    int outPipe[2], errPipe[2];
-    if (::pipe(outPipe) != 0 || ::pipe(errPipe) != 0) {
-        throw std::runtime_error("pipe failed");
-    }
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, outPipe[1], 1);
-    posix_spawn_file_actions_adddup2(&actions, errPipe[1], 2);
-    posix_spawn_file_actions_addclose(&actions, outPipe[0]);
-    posix_spawn_file_actions_addclose(&actions, errPipe[0]);
-    pid_t pid = 0;
-    const int rc = posix_spawn(&pid, bin.c_str(), &actions, nullptr, argv.data(), envp.data());
-    posix_spawn_file_actions_destroy(&actions);
-    ::close(outPipe[1]);
-    ::close(errPipe[1]);
-    Outcome run;
-    if (rc != 0) {
-        ::close(outPipe[0]);
-        ::close(errPipe[0]);
-        throw std::runtime_error("cannot start " + bin);
+    // env replaces itself with evasim: the child's process id stays evasim's.
+    std::vector<std::string> argv{"/usr/bin/env", "EVASIM_HOME=" + m_home, binary()};
+    argv.insert(argv.end(), args.begin(), args.end());
+    tamlin_test::ChildProcess child(argv);
+    if (child.pid() <= 0) {
+        throw std::runtime_error("cannot start " + binary());
     }
     std::thread helper;
     if (meanwhile) {
-        helper = std::thread(meanwhile, pid);
+        helper = std::thread(meanwhile, child.pid());
     }
-    pollfd fds[2] = {{outPipe[0], POLLIN, 0}, {errPipe[0], POLLIN, 0}};
-    int open = 2;
-    char buf[65536];
-    while (open > 0) {
-        if (::poll(fds, 2, -1) < 0) {
-            break;
-        }
-        for (int i = 0; i < 2; ++i) {
-            if (fds[i].fd < 0 || !(fds[i].revents & (POLLIN | POLLHUP))) {
-                continue;
-            }
-            const ssize_t n = ::read(fds[i].fd, buf, sizeof buf);
-            if (n <= 0) {
-                ::close(fds[i].fd);
-                fds[i].fd = -1;
-                --open;
-            } else {
-                (i == 0 ? run.out : run.err).append(buf, static_cast<size_t>(n));
-                if (i == 0) {
-                    for (ssize_t k = 0; k < n; ++k) {
-                        if (buf[k] == '\n') {
-                            run.lineTimes.push_back(elapsed());
-                        }
-                        if (killAtLine && run.lineTimes.size() == killAtLine && buf[k] == '\n') {
-                            ::kill(pid, SIGKILL);
-                        }
-                    }
+    Outcome run;
+    bool more = true;
+    for (size_t seen = 0; more; seen = child.out.size()) {
+        more = child.readSome(-1);
+        for (size_t k = seen; k < child.out.size(); ++k) {
+            if (child.out[k] == '\n') {
+                run.lineTimes.push_back(elapsed());
+                if (killAtLine != 0 && run.lineTimes.size() == killAtLine) {
+                    child.signal(SIGKILL);
                 }
             }
         }
     }
-    int status = 0;
-    ::waitpid(pid, &status, 0);
+    run.status = child.finish();
     if (helper.joinable()) {
         helper.join();
     }
+    run.out = child.out;
+    run.err = child.err;
     run.seconds = elapsed();
-    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     return run;
 }
 

@@ -16,6 +16,7 @@
 #include "cfiicumessage.h"
 #include "cfistringtool.h"
 #include "cfitracelog.h"
+#include "cfiudid.h"
 #include "efiexecpipe.h"
 #include "hpeva_guard.h"
 #include "hpeva_singletons.h"
@@ -122,6 +123,9 @@ TEST_F(Ladder, EachRowPushesItsKeyAndArgumentsAndFails)
         {[] { throw CFiError(5, L"no \u00FC path", L"pdk/src/x", 3, L"openIt"); },
          "MSG_ERROR_UNHANDLED_FIERROR_EXCEPTION",
          {"no \xC3\xBC path", "openIt", kSite, "77"}},
+        {[] { CFiUdid udid(std::string("UDID##HP##HSV")); },
+         "MSG_ERROR_UDID_PARSING_EXCEPTION",
+         {"UDID##HP##HSV", "4"}},
         {[] { throw std::runtime_error("boom"); },
          "MSG_ERROR_UNHANDLED_RUNTIME_EXCEPTION",
          {"std::runtime_error", "boom", kSite, "77"}},

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "cfierrormanager.h"
+#include "eva_cells.h"
 #include "hpeva_plugin.h"
 #include "message_recorder.h"
 #include "qrn_results.h"
@@ -53,13 +54,7 @@ class Plugin : public CHpEvaPlugin {
 public:
     Plugin()
     {
-        SHpEvaCell cell;
-        cell.hostname = L"cv1";
-        cell.username = L"admin";
-        cell.password = L"secret";
-        cell.cellname = L"EVA01";
-        cell.objectwwn = "5000-1FE1-5000-0001";
-        cells = {cell};
+        cells = {tamlin_test::cell(L"EVA01", L"cv1", L"secret", "5000-1FE1-5000-0001")};
         postUnmaskWait = 4;
     }
 };

@@ -10,6 +10,7 @@
 
 #include "arraycli_support.h"
 #include "efiexecpipe.h"
+#include "eva_cells.h"
 #include "hpeva_cliexception.h"
 #include "hpeva_clitool.h"
 
@@ -43,7 +44,7 @@ struct Disk {
 
 class ArrayRestore : public ::testing::Test {
 protected:
-    ArrayRestore() : array(kWorld), tool(array.tool()), eva01(arraycli::cellFor(L"cvA", L"secret", L"EVA01")) {}
+    ArrayRestore() : array(kWorld), tool(array.tool()), eva01(tamlin_test::cell(L"EVA01", L"cvA")) {}
     void SetUp() override { ASSERT_TRUE(array.loaded) << array.evasim("show all"); }
 
     // The disk at path, its presentations sorted.

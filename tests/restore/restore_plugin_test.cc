@@ -11,6 +11,7 @@
 #include "cfierrormanager.h"
 #include "cfistringtool.h"
 #include "cfitracelog.h"
+#include "eva_cells.h"
 #include "hpeva_configuration.h"
 #include "hpeva_plugin.h"
 #include "message_recorder.h"
@@ -46,13 +47,7 @@ public:
         log->initialize(L"tamlin", CFiStringTool::str2tstr(logDir), L"trace", 6, false);
         log->registerErrorManager(errors);
         setTraceLog(log);
-        SHpEvaCell cell;
-        cell.hostname = L"cv1";
-        cell.username = L"admin";
-        cell.password = L"secret";
-        cell.cellname = L"EVA01";
-        cell.objectwwn = "5000-1FE1-5000-0001";
-        cells = {cell};
+        cells = {tamlin_test::cell(L"EVA01", L"cv1", L"secret", "5000-1FE1-5000-0001")};
         errors->registerHandler(&recorder);
         registerErrorManager(errors);
         setEnv(&sssu);

@@ -2,128 +2,33 @@
 // state on the way, the pairs it refuses before anything is sent, and Ctrl-C during a slow copy.
 #include <gtest/gtest.h>
 
-#include <dirent.h>
-#include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <chrono>
-#include <cstdlib>
 #include <filesystem>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "child_process.h"
 #include "provider_install.h"
 #include "scratch_files.h"
 #include "test_paths.h"
-
-extern char **environ;
 
 namespace {
 
 const char kData[] = "\\Virtual Disks\\db\\data\\ACTIVE";
 
-// One run of tamlinctl with its standard output and error apart; stdin is /dev/null.
-class Ctl {
+// One run of tamlinctl with its standard output and error apart.
+class Ctl : public tamlin_test::ChildProcess {
 public:
-    explicit Ctl(const std::vector<std::string> &args)
-    {
-        std::vector<std::string> argv = {tamlin_test::envOr("TAMLINCTL", TAMLINCTL_DEFAULT)};
-        argv.insert(argv.end(), args.begin(), args.end());
-        std::vector<char *> pointers;
-        for (std::string &a : argv) {
-            pointers.push_back(&a[0]);
-        }
-        pointers.push_back(nullptr);
-        int out[2], err[2];
-        if (pipe(out) != 0 || pipe(err) != 0) {
-            return;
-        }
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_adddup2(&actions, out[1], 1);
-        posix_spawn_file_actions_adddup2(&actions, err[1], 2);
-        posix_spawnattr_t attributes;
-        posix_spawnattr_init(&attributes);
-        // Ctrl-C as at a terminal, whatever this test inherited.
-        sigset_t defaults;
-        sigemptyset(&defaults);
-        sigaddset(&defaults, SIGINT);
-        posix_spawnattr_setsigdefault(&attributes, &defaults);
-        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
-        posix_spawn(&m_pid, pointers[0], &actions, &attributes, pointers.data(), environ);
-        posix_spawn_file_actions_destroy(&actions);
-        posix_spawnattr_destroy(&attributes);
-        close(out[1]);
-        close(err[1]);
-        m_out = out[0];
-        m_err = err[0];
-    }
-
-    // Reads until standard error holds text or the run ends; false after seconds without it.
-    bool waitFor(const std::string &text, int seconds)
-    {
-        const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
-        while (err.find(text) == std::string::npos) {
-            if (std::chrono::steady_clock::now() > until || !readSome(200)) {
-                return err.find(text) != std::string::npos;
-            }
-        }
-        return true;
-    }
-    void interrupt() { kill(m_pid, SIGINT); }
-    // Reads to the end and gives the exit status (-1: not ended within seconds, then killed).
-    int finish(int seconds = 60)
-    {
-        const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
-        while (readSome(200) || (m_out >= 0 || m_err >= 0)) {
-            if (std::chrono::steady_clock::now() > until) {
-                kill(m_pid, SIGKILL);
-                break;
-            }
-        }
-        int status = 0;
-        waitpid(m_pid, &status, 0);
-        return std::chrono::steady_clock::now() > until ? -1 : WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
-    std::string out, err;
+    explicit Ctl(std::vector<std::string> args) : ChildProcess(withProgram(std::move(args))) {}
+    void interrupt() { signal(SIGINT); }
 
 private:
-    // False once both streams have ended.
-    bool readSome(int milliseconds)
+    static std::vector<std::string> withProgram(std::vector<std::string> args)
     {
-        struct pollfd fds[2] = {{m_out, POLLIN, 0}, {m_err, POLLIN, 0}};
-        if (m_out < 0 && m_err < 0) {
-            return false;
-        }
-        poll(fds, 2, milliseconds);
-        drain(fds[0], m_out, out);
-        drain(fds[1], m_err, err);
-        return m_out >= 0 || m_err >= 0;
+        args.insert(args.begin(), tamlin_test::envOr("TAMLINCTL", TAMLINCTL_DEFAULT));
+        return args;
     }
-    static void drain(const pollfd &ready, int &fd, std::string &to)
-    {
-        if (fd < 0 || ready.revents == 0) {
-            return;
-        }
-        char buffer[4096];
-        const ssize_t n = read(fd, buffer, sizeof buffer);
-        if (n > 0) {
-            to.append(buffer, static_cast<size_t>(n));
-        } else {
-            close(fd);
-            fd = -1;
-        }
-    }
-
-    pid_t m_pid = -1;
-    int m_out = -1, m_err = -1;
 };
 
 // The world of tests/restore/restore.scn behind an installed provider; SSSU's scripts and

@@ -17,6 +17,7 @@
 #include <thread>
 
 #include "cfisemaphoreposix.h"
+#include "eva_cells.h"
 #include "hpeva_cliexception.h"
 #include "hpeva_commandtempfile.h"
 #include "sssu_support.h"
@@ -28,11 +29,7 @@ namespace {
 
 SFiCredential login()
 {
-    SFiCredential c;
-    c.hostname = L"cv1";
-    c.username = L"admin";
-    c.password = L"s3cret word";
-    return c;
+    return tamlin_test::login(L"cv1", L"admin", L"s3cret word");
 }
 
 class ExecSSSU : public ::testing::Test {

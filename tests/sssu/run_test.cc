@@ -13,6 +13,7 @@
 #include "cfiexecpipeposix.h"
 #include "cfiudidexception.h"
 #include "efiexecpipe.h"
+#include "eva_cells.h"
 #include "hpeva_cliexception.h"
 #include "hpeva_commandtempfile.h"
 #include "qrn_results.h"
@@ -25,26 +26,6 @@ using namespace sssu_test;
 namespace {
 
 const char kConnection[] = "\n\nError opening https connection\n";
-
-SFiCredential login()
-{
-    SFiCredential c;
-    c.hostname = L"cv1";
-    c.username = L"admin";
-    c.password = L"s3cret word";
-    return c;
-}
-
-// The cell EVA01 behind server cvA.
-SHpEvaCell eva01Cell()
-{
-    SHpEvaCell cell;
-    cell.hostname = L"cvA";
-    cell.username = L"admin";
-    cell.password = L"secret";
-    cell.cellname = L"EVA01";
-    return cell;
-}
 
 class SssuRun : public ::testing::Test {
 protected:
@@ -61,7 +42,8 @@ protected:
     // One run of a one-command script, as an array operation makes it.
     void run(std::vector<std::string> &lines, const wchar_t *command = L"LS CELL")
     {
-        CHpEvaCommandTempFile script(login(), ACE_WString(command), ACE_WString());
+        CHpEvaCommandTempFile script(tamlin_test::login(L"cv1", L"admin", L"s3cret word"), ACE_WString(command),
+                                     ACE_WString());
         tool.execSSSU(script.getCommandFileOption(), lines, 30);
     }
 
@@ -70,7 +52,7 @@ protected:
     CHpEvaCliTool tool;
     Recorder *recorder = nullptr;
     std::string tmp;
-    const SHpEvaCell eva01 = eva01Cell();
+    const SHpEvaCell eva01 = tamlin_test::cell(L"EVA01", L"cvA");
 };
 
 }  // namespace
@@ -83,7 +65,8 @@ TEST_F(SssuRun, OneArgumentAfterTheToolAMaskedOutputAndNoPasswordInTheTrace)
     std::vector<std::string> lines;
     std::string scriptPath;
     {
-        CHpEvaCommandTempFile script(login(), ACE_WString(L"LS CELL"), ACE_WString());
+        CHpEvaCommandTempFile script(tamlin_test::login(L"cv1", L"admin", L"s3cret word"), ACE_WString(L"LS CELL"),
+                                     ACE_WString());
         scriptPath = CFiStringTool::tstr2str(script.getPath());
         tool.execSSSU(script.getCommandFileOption(), lines, 30);
     }
@@ -213,11 +196,7 @@ TEST_F(SssuRun, CellNamesEndAtTheEchoOfExitAndCellsWithoutAWwnAreAllKept)
     sssu.answer(1, "\nSystems available on this Manager:\nX1\n  X2 \nNoSystemSelected> exit");
     sssu.answer(2, "X1 information:\n<object>\n<objectname>X1</objectname>\n</object>\nNoSystemSelected> exit");
     sssu.answer(3, "X2 information:\n<object>\n<objectname>X2</objectname>\n</object>\nNoSystemSelected> exit");
-    SHpEvaCell server;
-    server.hostname = L"cvA";
-    server.username = L"admin";
-    server.password = L"secret";
-    const std::vector<SHpEvaCell> cells = tool.enumerateCells({server});
+    const std::vector<SHpEvaCell> cells = tool.enumerateCells({tamlin_test::login(L"cvA")});
     ASSERT_EQ(cells.size(), 2u);
     EXPECT_EQ(cells[0].cellname, L"X1");
     EXPECT_EQ(cells[1].cellname, L"X2");

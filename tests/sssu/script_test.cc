@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "cfiicumessage.h"
+#include "eva_cells.h"
 #include "hpeva_clierrorprocessor.h"
 #include "hpeva_cliexception.h"
 #include "hpeva_commandtempfile.h"
@@ -28,14 +29,7 @@ namespace {
 const std::string kPrelude =
     "set option NOCOMMAND_DELAY\nset option DISPLAY_WIDTH=200\nset option ON_ERROR=EXIT_ON_ERROR\n";
 
-SFiCredential credential(const wchar_t *host, const wchar_t *user, const wchar_t *password)
-{
-    SFiCredential c;
-    c.hostname = host;
-    c.username = user;
-    c.password = password;
-    return c;
-}
+using tamlin_test::login;
 
 class ScriptFile : public ::testing::Test {
 protected:
@@ -113,7 +107,7 @@ TEST_F(ScriptFile, ScriptsOfProcessesThatAreGoneGoAtTheNextStart)
 TEST_F(ScriptFile, LoginCellAndCommandsAsTheyStand)
 {
     std::vector<ACE_WString> commands{L"ls cell", L"ls  vdisk \"\\Virtual Disks\\a b\\ACTIVE\" xml", L"refresh"};
-    CHpEvaCommandTempFile file(credential(L"cv1.example.com", L"admin", L"pa ss wörd"), commands, L"Cell One");
+    CHpEvaCommandTempFile file(login(L"cv1.example.com", L"admin", L"pa ss wörd"), commands, L"Cell One");
     EXPECT_EQ(text(file), kPrelude + "select manager cv1.example.com user=admin password=pa ss wörd\n"
                                      "select cell \"Cell One\"\n"
                                      "ls cell\n"
@@ -127,9 +121,9 @@ TEST_F(ScriptFile, LoginCellAndCommandsAsTheyStand)
 
 TEST_F(ScriptFile, EmptyCellAndEmptyCommandList)
 {
-    CHpEvaCommandTempFile noCell(credential(L"h", L"u", L"p"), ACE_WString(L"ls cell"), ACE_WString());
+    CHpEvaCommandTempFile noCell(login(L"h", L"u", L"p"), ACE_WString(L"ls cell"), ACE_WString());
     EXPECT_EQ(text(noCell), kPrelude + "select manager h user=u password=p\nls cell\nexit\n");
-    CHpEvaCommandTempFile noCommands(credential(L"h", L"u", L"p"), std::vector<ACE_WString>(), L"c");
+    CHpEvaCommandTempFile noCommands(login(L"h", L"u", L"p"), std::vector<ACE_WString>(), L"c");
     EXPECT_EQ(text(noCommands), kPrelude + "select manager h user=u password=p\nselect cell \"c\"\nexit\n");
 }
 
@@ -139,9 +133,9 @@ TEST_F(ScriptFile, AnEmptyLoginFieldDropsTheLoginAndNamesOnlyTheFirstGap)
         SFiCredential login;
         const char *message;
     } rows[] = {
-        {credential(L"", L"", L""), "hostname is empty"},
-        {credential(L"h", L"", L"secret"), "username is empty"},
-        {credential(L"h", L"u", L""), "password is empty"},
+        {login(L"", L"", L""), "hostname is empty"},
+        {login(L"h", L"", L"secret"), "username is empty"},
+        {login(L"h", L"u", L""), "password is empty"},
     };
     for (const Row &row : rows) {
         recorder->clear();
@@ -160,11 +154,11 @@ TEST_F(ScriptFile, ALineBreakInAnyValueIsRefusedBeforeAFileExists)
         std::vector<ACE_WString> commands;
         const char *named;
     } rows[] = {
-        {credential(L"h\nls cell", L"u", L"p"), L"c", {L"ls cell"}, "manager name \"h\\nls cell\""},
-        {credential(L"h", L"u\r", L"p"), L"c", {L"ls cell"}, "user name \"u\\r\""},
-        {credential(L"h", L"u", L"top\nsecret"), L"c", {L"ls cell"}, "password of user \"u\""},
-        {credential(L"h", L"u", L"p"), L"c\ndelete vdisk x", {L"ls cell"}, "cell name"},
-        {credential(L"h", L"u", L"p"), L"c", {L"ls cell", L"ls vdisk\r\nexit"}, "command \"ls vdisk\\r\\nexit\""},
+        {login(L"h\nls cell", L"u", L"p"), L"c", {L"ls cell"}, "manager name \"h\\nls cell\""},
+        {login(L"h", L"u\r", L"p"), L"c", {L"ls cell"}, "user name \"u\\r\""},
+        {login(L"h", L"u", L"top\nsecret"), L"c", {L"ls cell"}, "password of user \"u\""},
+        {login(L"h", L"u", L"p"), L"c\ndelete vdisk x", {L"ls cell"}, "cell name"},
+        {login(L"h", L"u", L"p"), L"c", {L"ls cell", L"ls vdisk\r\nexit"}, "command \"ls vdisk\\r\\nexit\""},
     };
     for (const Row &row : rows) {
         try {
@@ -188,7 +182,7 @@ TEST_F(ScriptFile, ARefusalReachesTheHostAsACommandFailure)
     for (bool initialisation : {false, true}) {
         recorder->clear();
         int result = CHpEvaGuard(errors, log, "prepare", "providers/hpeva/site", 9, initialisation).run([] {
-            CHpEvaCommandTempFile file(credential(L"h", L"u", L"p"), ACE_WString(L"a\nb"), ACE_WString());
+            CHpEvaCommandTempFile file(login(L"h", L"u", L"p"), ACE_WString(L"a\nb"), ACE_WString());
             return 0;
         });
         EXPECT_EQ(result, QRN_ERR_FAILED) << "the report's result, also for an initialisation";
