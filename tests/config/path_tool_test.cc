@@ -83,11 +83,15 @@ TEST(PathTool, RegistryStandInComesBeforeTheFramework)
     EXPECT_EQ(CFiConfigurationPathTool::getInstallPath(path), 0);
     EXPECT_EQ(narrow(path), "/srv/acme/");
 
-    // A consumer key without the value falls back to the framework.
+    // A consumer without a key, or a key without the value, falls back to the framework.
     root.setEnv("QORIN_CONSUMER", std::string("other"));
     path = ACE_WString();
     EXPECT_NE(CFiConfigurationPathTool::getInstallPath(path), 0);
     EXPECT_EQ(narrow(path), root.dir());
+    root.writeFile("registry.conf", std::string(kRegistry) + "[SOFTWARE\\Orvanta\\Qorin\\other]\n\"Other\"=\"x\"\n");
+    path = ACE_WString(L"/kept/");
+    EXPECT_NE(CFiConfigurationPathTool::getInstallPath(path), 0);
+    EXPECT_EQ(narrow(path), "/kept/") << "a path the caller already holds is kept";
 
     // The registry is read once, and again when it changes.
     root.setEnv("QORIN_CONSUMER", std::nullopt);
@@ -110,19 +114,6 @@ TEST(PathTool, AMalformedRegistryIsNoRegistry)
     ACE_WString path;
     EXPECT_NE(CFiConfigurationPathTool::getInstallPath(path), 0);
     EXPECT_EQ(narrow(path), root.dir());
-}
-
-TEST(PathTool, InstallKeyWithoutTheValueFallsBackToTheFramework)
-{
-    TempInstallRoot root;
-    root.writeFile("registry.conf", "[SOFTWARE\\Orvanta\\Qorin]\n\"Other\"=\"x\"\n");
-    ACE_WString path;
-    EXPECT_NE(CFiConfigurationPathTool::getInstallPath(path), 0);
-    EXPECT_EQ(narrow(path), root.dir());
-    // A path the caller already holds is kept.
-    path = ACE_WString(L"/kept/");
-    CFiConfigurationPathTool::getInstallPath(path);
-    EXPECT_EQ(narrow(path), "/kept/");
 }
 
 TEST(PathTool, WithoutAnInstallDirectoryNothingIsCreated)

@@ -302,17 +302,6 @@ TEST_F(Provider, HostsByTheirLastPathComponentWithPlainPorts)
     freeList(list);
 }
 
-TEST_F(Provider, ABadServerAloneDoesNotStopDiscovery)
-{
-    Site site({{"cvdown", "admin", "secret"}, {"cv1", "admin", "wrong"}, kCv2});
-    ASSERT_EQ(start(), 0);
-    qrn_enclosure_node_list *list = nullptr;
-    int32_t count = 0;
-    ASSERT_EQ(provider()->enumerate_enclosures(&list, &count, nullptr), 0);
-    EXPECT_EQ(count, 2) << "the cells of cv2";
-    freeList(list);
-}
-
 TEST_F(Provider, NoServerThatAnswersFailsTheFirstEntryAndTheNextGoesOn)
 {
     Site site({{"cvdown", "admin", "secret"}});

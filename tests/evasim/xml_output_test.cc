@@ -15,6 +15,8 @@
 #include <regex>
 #include <set>
 
+#include "tsv_rows.h"
+
 using evasim_test::Harness;
 using evasim_test::Outcome;
 using namespace xercesc;
@@ -110,56 +112,17 @@ TEST_F(XmlOutput, EveryVdiskObjectCarriesTheElementsTheProviderKnows)
     const Listing l = list("LS VDISK FULL XML");
     ASSERT_TRUE(l.wellFormed) << l.error;
     ASSERT_EQ(l.objects.size(), 6u);
-    const std::vector<std::string> wanted{"objectid",
-                                          "objectname",
-                                          "objecttype",
-                                          "objectwwn",
-                                          "objecthexuid",
-                                          "partitionname",
-                                          "uid",
-                                          "parentstoragecellinfo",
-                                          "storagecellname",
-                                          "storagecellid",
-                                          "storagecellwwn",
-                                          "objectparentuid",
-                                          "objectparenthexuid",
-                                          "objectparentid",
-                                          "comments",
-                                          "creationdatetime",
-                                          "timestampmodify",
-                                          "familyname",
-                                          "wwlunid",
-                                          "operationalstate",
-                                          "operationalstatedetail",
-                                          "allocatedcapacity",
-                                          "allocatedcapacityblocks",
-                                          "virtualdisktype",
-                                          "requestedcapacity",
-                                          "requestedcapacityblocks",
-                                          "sharingrelationship",
-                                          "sharinginformation",
-                                          "parentvdiskhexuid",
-                                          "parentvdiskid",
-                                          "parentvdiskname",
-                                          "childvdiskhexuid",
-                                          "childvdiskid",
-                                          "childvdiskname",
-                                          "redundancy",
-                                          "writecacheactual",
-                                          "writecache",
-                                          "vdisksecondarystate",
-                                          "mirrorcache",
-                                          "readcache",
-                                          "virtualdiskpresented",
-                                          "presentations",
-                                          "writeprotect",
-                                          "osunitid",
-                                          "diskgroupname",
-                                          "diskgroupid",
-                                          "preferredpath",
-                                          "drmgroupname",
-                                          "drmnode",
-                                          "remotevirtualdiskname"};
+    const std::vector<std::string> wanted = tamlin_test::splitFields(
+        "objectid objectname objecttype objectwwn objecthexuid partitionname uid parentstoragecellinfo "
+        "storagecellname storagecellid storagecellwwn objectparentuid objectparenthexuid objectparentid "
+        "comments creationdatetime timestampmodify familyname wwlunid operationalstate "
+        "operationalstatedetail allocatedcapacity allocatedcapacityblocks virtualdisktype "
+        "requestedcapacity requestedcapacityblocks sharingrelationship sharinginformation "
+        "parentvdiskhexuid parentvdiskid parentvdiskname childvdiskhexuid childvdiskid childvdiskname "
+        "redundancy writecacheactual writecache vdisksecondarystate mirrorcache readcache "
+        "virtualdiskpresented presentations writeprotect osunitid diskgroupname diskgroupid preferredpath "
+        "drmgroupname drmnode remotevirtualdiskname",
+        ' ');
     std::regex const lunId("([0-9a-f]{4}-){7}[0-9a-f]{4}");
     for (size_t i = 0; i < l.objects.size(); ++i) {
         const auto &o = l.objects[i];
