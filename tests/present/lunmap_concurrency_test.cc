@@ -50,11 +50,11 @@ std::string narrow(const std::wstring &text)
 // One importer process, its output read line by line; it tells its process id first.
 class Importer {
 public:
-    Importer(const std::string &host, int firstDisk)
+    Importer(const std::string &host, int firstDisk, int count = kDisksPerProcess)
     {
         std::string command =
             "exec " + tamlin_test::buildDir() + "/bin/lunmap_importer " + builtProviderPath() + " " + host;
-        for (int i = 0; i < kDisksPerProcess; ++i) {
+        for (int i = 0; i < count; ++i) {
             command += " '" + narrow(udid(kFirstShared + firstDisk + i)) + "'";
         }
         m_out = popen(command.c_str(), "r");
@@ -158,13 +158,14 @@ TEST_F(LunMapConcurrency, TwoProcessesNeverRecordOneLunTwiceEvenWhenOneIsKilledH
         checkRecords(site, 2u * kDisksPerProcess * (round + 1));
     }
 
-    // One is killed at some moment after half its disks: the other finishes, the map stays
+    // One is killed at some moment after a few of its disks: the other finishes, the map stays
     // whole, and the machine-wide lock dies with its holder.
     std::mt19937 random(std::random_device{}());
     {
-        Importer killed("backup01", next);
-        Importer survivor("h1", next + kDisksPerProcess);
-        next += 2 * kDisksPerProcess;
+        // Twice the disks, so that the kill comes while it still imports.
+        Importer killed("backup01", next, 2 * kDisksPerProcess);
+        Importer survivor("h1", next + 2 * kDisksPerProcess);
+        next += 3 * kDisksPerProcess;
         ASSERT_TRUE(killed.started() && survivor.started());
         ASSERT_TRUE(killed.waitForDone(kDisksPerProcess / 2));
         std::this_thread::sleep_for(std::chrono::milliseconds(random() % 150));

@@ -1,6 +1,6 @@
 // The provider's rules on records made in the test: which flags are refused, which filters pass
-// the provider, a cell and a disk, how a host is named, the checks of a snapshot group and the
-// free snapshot name.
+// the provider, a cell and a disk, how a host is named, the checks of a snapshot group, the
+// free snapshot name and the flags that start a restore.
 #include <gtest/gtest.h>
 
 #include "hpeva_rules.h"
@@ -221,4 +221,15 @@ TEST(SnapshotNameRules, NoNameForASnapshotAndALongNameEndsTheSearch)
         freeSnapshotName(longName, true, "_vsnap", {"\\Virtual Disks\\f\\" + std::string(300, 'x')}, name, path));
     EXPECT_EQ(name.size(), SNAPSHOT_NAME_MAX);
     EXPECT_EQ(path.size(), SNAPSHOT_NAME_MAX);
+}
+
+// The command lists as they reach the array: restore_array_test and restore_e2e_test.
+TEST(RestoreRules, FlagsThatStartAPair)
+{
+    for (int32_t flags : {0, 0x1, 0x100, 0x101, 0x3, 0x102}) {
+        EXPECT_TRUE(restoreStarts(flags)) << flags;
+    }
+    for (int32_t flags : {0x2, 0x10, 0x200, -0x102}) {
+        EXPECT_FALSE(restoreStarts(flags)) << flags;
+    }
 }
