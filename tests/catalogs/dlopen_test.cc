@@ -169,3 +169,23 @@ TEST(CatalogsThroughDlopen, WithoutTheBundleTheKeyComesBack)
     EXPECT_EQ(errmsg(6006), L"<MSG_ERROR_TAMLIN_0006>");
     provider()->fini();
 }
+
+TEST(CatalogsThroughDlopen, AnInitAgainReportsToItsOwnHostOnly)
+{
+    TempInstallRoot root;
+    prepare(root, true);
+    uint16_t version[4] = {};
+    Host first("de");
+    provider()->init(first.context.get(), version);
+    ASSERT_FALSE(first.messages().empty());
+    const size_t heardBefore = first.calls.size();
+
+    // The host tries again with a new context, without fini, and may free the first.
+    Host second("");
+    provider()->init(second.context.get(), version);
+    EXPECT_EQ(first.calls.size(), heardBefore) << "the earlier context is no longer called";
+    std::vector<Call> messages = second.messages();
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_TRUE(startsWith(messages.front().defaultText, L"tamlin: SSSU is not installed"));
+    provider()->fini();
+}

@@ -18,6 +18,7 @@
 
 #include "provider_fixture.h"
 #include "provider_install.h"
+#include "result_lists.h"
 
 namespace {
 
@@ -97,8 +98,9 @@ protected:
         ASSERT_TRUE(provider().isOpen());
         ASSERT_EQ(provider()->init(nullptr, version), 0);
         // The delayed initialisation once, here, rather than in every child.
-        qrn_enclosure_node_list *none = nullptr;
-        provider()->enumerate_enclosures(&none, nullptr, nullptr);
+        qrn_enclosure_node_list *enclosures = nullptr;
+        provider()->enumerate_enclosures(&enclosures, nullptr, nullptr);
+        result_lists::freeList(enclosures);
     }
     static void TearDownTestSuite()
     {

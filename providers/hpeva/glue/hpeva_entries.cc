@@ -159,7 +159,14 @@ try {
         catalogs->setNativeLanguage(host->language->name);
     }
     {
+        // A host may call init again without fini (after a failed init, say) with a new
+        // context, and the one it gave before may be gone: only the latest hears messages.
+        // An earlier handler stays alive until fini, as a message pushed on another thread
+        // may still be passing through it.
         std::lock_guard<std::mutex> guard(g_handlersLock);
+        for (const std::unique_ptr<CFiErrorHandlerBase> &earlier : handlers()) {
+            errors->unregisterHandler(earlier.get());
+        }
         handlers().emplace_back(new CFiErrorHandler(host, catalogs));
         errors->registerHandler(handlers().back().get());
     }
