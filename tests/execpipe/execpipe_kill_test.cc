@@ -48,11 +48,10 @@ class ExecPipeKill : public TracedTest {};
 
 TEST_F(ExecPipeKill, SilenceBeyondTheTimeoutGives5AndTheChildIsBroughtDown)
 {
-    CFiExecPipePosix pipe(1);
+    PatientStart pipe(1);
     pipe.setTraceLog(m_log);
     pipe.setCloseWait(1);
     Lines output;
-    // Two seconds leave the child time to start and say its first line.
     EXPECT_EQ(pipe.Exec(childCommand("silent 60"), output, "", 2, "", "", ""), QRN_EXEC_PIPE_READ_TIMEOUT);
     EXPECT_EQ(output, Lines{"started"}) << "lines before the silence stay";
 
@@ -71,7 +70,7 @@ TEST_F(ExecPipeKill, SilenceBeyondTheTimeoutGives5AndTheChildIsBroughtDown)
 
 TEST_F(ExecPipeKill, ChildIgnoringSigintAndSigtermEndsWith1067)
 {
-    CFiExecPipePosix pipe(1);
+    PatientStart pipe(1);
     pipe.setTraceLog(m_log);
     pipe.setCloseWait(1);
     Lines output;
@@ -94,7 +93,7 @@ TEST(ExecPipeWaitPid, ForcedEndOfAChildThatIgnoresThePoliteSignals)
     EXPECT_STREQ(line, "ignoring");
     EXPECT_EQ(pipe.WaitPid(1), QRN_EXEC_PIPE_FORCED_EXIT_STATUS);
     EXPECT_EQ(pipe.getChildPid(), -1);
-    EXPECT_NE(kill(child, 0), 0) << "the child is gone and reaped";
+    EXPECT_TRUE(endsWithin(child, 10)) << "the child is gone";
     EXPECT_EQ(pipe.WaitPid(1), QRN_EXEC_PIPE_FORCED_EXIT_STATUS) << "the status stays until Close";
     EXPECT_EQ(pipe.Close(10), QRN_EXEC_PIPE_CMD_FAILED);
     EXPECT_EQ(pipe.WaitPid(1), -1) << "no child after Close";
@@ -205,5 +204,5 @@ TEST(ExecPipeClose, DestroyingAPipeEndsItsRunningChild)
         int timedOut = 0;
         ASSERT_EQ(pipe.ReadLine(line, 8191, &timedOut, 30), 1);
     }
-    EXPECT_NE(kill(child, 0), 0) << "ended and reaped";
+    EXPECT_TRUE(endsWithin(child, 10)) << "the child outlived its pipe";
 }

@@ -6,6 +6,7 @@
 #include <signal.h>
 #include <time.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -20,6 +21,7 @@
 
 #include "cfierrorhandlerbase.h"
 #include "cfierrormanager.h"
+#include "cfiexecpipeposix.h"
 #include "cfitracelog.h"
 #include "temp_install_root.h"
 
@@ -54,6 +56,28 @@ inline bool endsWithin(int pid, int seconds)
     }
     return true;
 }
+
+// A pipe whose first read of a run waits as long as a loaded machine may take to start the
+// child; the caller's time-out holds from the first line on. A test of a silence then never
+// races the child's start, nor a signal the child's own handling of it.
+class PatientStart : public qorin_pdk_4_4::CFiExecPipePosix {
+public:
+    using CFiExecPipePosix::CFiExecPipePosix;
+    int ExecPipe(std::string command, std::string directory) override
+    {
+        m_started = false;
+        return CFiExecPipePosix::ExecPipe(command, directory);
+    }
+    int ReadLine(char *line, int size, int *timedOut, int32_t seconds) override
+    {
+        int got = CFiExecPipePosix::ReadLine(line, size, timedOut, m_started ? seconds : std::max(seconds, 120));
+        m_started = m_started || got == 1;
+        return got;
+    }
+
+private:
+    bool m_started = false;
+};
 
 // Collects every trace line that reaches the error manager's handlers.
 class TraceLines : public qorin_pdk_4_4::CFiErrorHandlerBase {
