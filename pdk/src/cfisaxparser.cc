@@ -44,7 +44,10 @@ public:
         while (filled < maxToRead && m_line < m_lines.size()) {
             const std::string_view line = m_lines[m_line];
             const size_t count = std::min<size_t>(maxToRead - filled, line.size() - m_offset);
-            std::memcpy(toFill + filled, line.data() + m_offset, count);
+            // An empty line may have no storage at all, and memcpy takes no null pointer.
+            if (count > 0) {
+                std::memcpy(toFill + filled, line.data() + m_offset, count);
+            }
             filled += count;
             m_offset += count;
             if (m_offset == line.size()) {
