@@ -31,7 +31,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const char kInstallKey[] = "SOFTWARE\\Orvanta\\Qorin";
 const char kServersSection[] = "MANAGEMENT_APPLIANCE_INFO";
 // The provider's own search, in its order.
 const char *const kSssuNames[] = {"sssu_linux_x64", "sssu_linux_x86", "sssu_linux_ia64", "sssu", "SSSU"};
@@ -93,20 +92,6 @@ std::string packagedRoot()
 {
     const std::string root = fs::path(exeDir() + "/" TAMLIN_BIN_TO_ROOT).lexically_normal().string();
     return isDir(root + "/ConfigFiles") && isDir(root + "/Messages/libtamlin") ? withSlash(root) : std::string();
-}
-
-std::string registryKey()
-{
-    std::string key = kInstallKey;
-    wchar_t *consumer = nullptr;
-    qorin_get_consumer_name(&consumer);
-    if (consumer != nullptr) {
-        if (*consumer != L'\0') {
-            key += "\\" + CFiStringTool::wstr2str(consumer);
-        }
-        qorin_free_buf(consumer, (wcslen(consumer) + 1) * sizeof(wchar_t));
-    }
-    return key;
 }
 
 // A configuration file read whole, or nothing when it doesn't exist yet. One that exists but
@@ -193,7 +178,7 @@ std::string writeRegistry(const std::string &root, std::string &file)
     CFiConfiguration registry(wide(withSlash(fs::path(file).parent_path().string())).c_str(),
                               wide(fs::path(file).filename().string()).c_str(), false);
     load(registry, file);
-    const std::string key = registryKey();
+    const std::string key = CFiConfigurationPathTool::installKey();
     ACE_Configuration_Section_Key section;
     if (registry.openSection(wide(key).c_str(), section, 1) != 0) {
         throw SetupError{"could not make [" + key + "] in " + file};
@@ -423,8 +408,8 @@ int setup(CliOptions &options, cliutil::Args &args)
     fprintf(options.out, "install root  %s (%s)\n", root.c_str(), rootHow.c_str());
     std::string registryFile;
     const std::string before = writeRegistry(root, registryFile);
-    fprintf(options.out, "registry      %s: InstallDir64 of [%s]%s\n", registryFile.c_str(), registryKey().c_str(),
-            before.empty() ? "" : (" (was " + before + ")").c_str());
+    fprintf(options.out, "registry      %s: InstallDir64 of [%s]%s\n", registryFile.c_str(),
+            CFiConfigurationPathTool::installKey().c_str(), before.empty() ? "" : (" (was " + before + ")").c_str());
 
     // A file that is about to hold passwords is made private before they are in it.
     struct stat info {};

@@ -1,6 +1,8 @@
 #ifndef CFICONFIGURATIONPATHTOOL_H
 #define CFICONFIGURATIONPATHTOOL_H
 
+#include <string>
+
 #include <ace/SString.h>
 
 #include "cfiexport.h"
@@ -25,6 +27,9 @@ public:
     // 0 when the registry stand-in names the directory; otherwise its non-zero status, and
     // path (if empty) is taken from the framework, which may leave it empty.
     static int getInstallPath(ACE_WString &path);
+    // The registry stand-in's key that names the install directory (its value "InstallDir64"):
+    // the framework's own, below it the consumer's when the framework names one.
+    static std::string installKey();
     // 0 if the path exists.
     static int verify(const wchar_t *path);
     // The registry's "ProgramFilesDir" and "ProgramFilesDir (x86)"; when missing, "/opt"

@@ -146,7 +146,7 @@ ACE_WString CFiConfigurationPathTool::registryFile()
                                                                                           : kDefaultRegistryFile);
 }
 
-int CFiConfigurationPathTool::getInstallPath(ACE_WString &path)
+std::string CFiConfigurationPathTool::installKey()
 {
     std::string key = kInstallKey;
     wchar_t *consumer = nullptr;
@@ -157,9 +157,13 @@ int CFiConfigurationPathTool::getInstallPath(ACE_WString &path)
         }
         qorin_free_buf(consumer, (wcslen(consumer) + 1) * sizeof(wchar_t));
     }
+    return key;
+}
 
+int CFiConfigurationPathTool::getInstallPath(ACE_WString &path)
+{
     ACE_WString fromRegistry;
-    int status = readRegistryString(key, kInstallValue, fromRegistry);
+    int status = readRegistryString(installKey(), kInstallValue, fromRegistry);
     if (status == 0) {
         path = fromRegistry;
     } else if (path.length() == 0) {

@@ -14,6 +14,7 @@
 #include <sstream>
 #include <string>
 
+#include "scratch_files.h"
 #include "temp_install_root.h"
 #include "test_paths.h"
 
@@ -21,24 +22,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct Outcome {
-    int status;
-    std::string out;  // standard output and error
-};
+using Outcome = tamlin_test::CommandRun;
 
+// Standard output and error together.
 Outcome shell(const std::string &command)
 {
-    Outcome run{-1, ""};
-    if (FILE *pipe = popen((command + " 2>&1").c_str(), "r")) {
-        char buffer[4096];
-        size_t n;
-        while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
-            run.out.append(buffer, n);
-        }
-        const int status = pclose(pipe);
-        run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    return run;
+    return tamlin_test::runCommand(command + " 2>&1");
 }
 
 std::string shellWord(const std::string &word)
@@ -77,8 +66,8 @@ public:
         stage = scratch->path("stage");
         Outcome run = shell("DESTDIR=" + shellWord(stage) + " " + shellWord(INSTALLED(CMAKE)) + " --install " +
                             shellWord(tamlin_test::buildDir()));
-        ASSERT_EQ(run.status, 0) << run.out;
-        report = run.out;
+        ASSERT_EQ(run.status, 0) << run.output;
+        report = run.output;
     }
     void TearDown() override { delete scratch; }
 
@@ -126,7 +115,7 @@ std::string simulatedSssu()
     Staged::scratch->setEnv("EVASIM_HOME", Staged::scratch->path("evasim"));
     Outcome init = shell(shellWord(sssu) + " init --scenario " +
                          shellWord(tamlin_test::sourceDir() + "/tools/evasim/scenarios/small.scn"));
-    EXPECT_EQ(init.status, 0) << init.out;
+    EXPECT_EQ(init.status, 0) << init.output;
     return sssu;
 }
 
@@ -158,7 +147,7 @@ TEST(Install, LaysOutTheProviderItsToolsAndTheKitButNotTheSimulator)
     writeFile(conf, edited);
     Outcome again = shell("DESTDIR=" + shellWord(Staged::stage) + " " + shellWord(INSTALLED(CMAKE)) + " --install " +
                           shellWord(tamlin_test::buildDir()));
-    EXPECT_EQ(again.status, 0) << again.out;
+    EXPECT_EQ(again.status, 0) << again.output;
     EXPECT_EQ(readFile(conf), edited);
 
     // The completion, as bash runs it, offers the commands, options and values of the help texts.
@@ -167,7 +156,7 @@ TEST(Install, LaysOutTheProviderItsToolsAndTheKitButNotTheSimulator)
         return shell("bash -c " + shellWord("source " + shellWord(completion) + "; COMP_WORDS=(tamlinctl " + words +
                                             "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _tamlinctl; "
                                             "echo \"${COMPREPLY[*]}\""))
-            .out;
+            .output;
     };
     EXPECT_EQ(complete("se"), "setup\n");
     EXPECT_EQ(complete("--json di"), "disks dispose\n");
@@ -187,10 +176,10 @@ TEST(Install, SetupTakesTheInstalledRootAndTamlinctlThenListsTheSimulatorsDisks)
     const std::string registry = Staged::scratch->path("etc/qorin/registry.conf");
     Outcome setup =
         tamlinctl(registry, "setup --sssu " + shellWord(simulatedSssu()) + " --server cv1 --user admin", "secret\n");
-    ASSERT_EQ(setup.status, 0) << setup.out;
-    EXPECT_NE(setup.out.find("install root  " + root + " (as installed)"), std::string::npos) << setup.out;
-    EXPECT_NE(setup.out.find("init       ok"), std::string::npos) << setup.out;
-    EXPECT_NE(setup.out.find("EVA01"), std::string::npos) << setup.out;
+    ASSERT_EQ(setup.status, 0) << setup.output;
+    EXPECT_NE(setup.output.find("install root  " + root + " (as installed)"), std::string::npos) << setup.output;
+    EXPECT_NE(setup.output.find("init       ok"), std::string::npos) << setup.output;
+    EXPECT_NE(setup.output.find("EVA01"), std::string::npos) << setup.output;
     EXPECT_EQ(readFile(registry), "[SOFTWARE\\Orvanta\\Qorin]\n\"InstallDir64\"=\"" + root + "\"\n");
     struct stat info {};
     ASSERT_EQ(stat(registry.c_str(), &info), 0);
@@ -200,12 +189,13 @@ TEST(Install, SetupTakesTheInstalledRootAndTamlinctlThenListsTheSimulatorsDisks)
     EXPECT_NE(conf.find("[MANAGEMENT_APPLIANCE_INFO\\cv1]"), std::string::npos) << conf;
 
     Outcome check = tamlinctl(registry, "check");
-    EXPECT_EQ(check.status, 0) << check.out;
+    EXPECT_EQ(check.status, 0) << check.output;
     // The provider beside the installed tamlinctl, not the one of the build tree.
-    EXPECT_NE(check.out.find("provider   " + Staged::at(INSTALLED(INSTALL_LIBDIR))), std::string::npos) << check.out;
+    EXPECT_NE(check.output.find("provider   " + Staged::at(INSTALLED(INSTALL_LIBDIR))), std::string::npos)
+        << check.output;
     Outcome disks = tamlinctl(registry, "disks");
-    EXPECT_EQ(disks.status, 0) << disks.out;
-    EXPECT_NE(disks.out.find("UDID##HP##HSV##"), std::string::npos) << disks.out;
+    EXPECT_EQ(disks.status, 0) << disks.output;
+    EXPECT_NE(disks.output.find("UDID##HP##HSV##"), std::string::npos) << disks.output;
     EXPECT_FALSE(fs::is_empty(root + "Logs")) << "the trace log belongs in the installed root";
 }
 
@@ -231,16 +221,16 @@ TEST(Install, SetupKeepsWhatTheFilesHoldAndChangesNothingWhenRefused)
     // account or a server name that can't be used, though the password is there.
     const std::string before = readFile(conf);
     Outcome onCommandLine = tamlinctl(registry, arguments + " --password hunter2", "secret\n");
-    EXPECT_EQ(onCommandLine.status, 2) << onCommandLine.out;
-    EXPECT_EQ(onCommandLine.out.find("hunter2"), std::string::npos) << onCommandLine.out;
+    EXPECT_EQ(onCommandLine.status, 2) << onCommandLine.output;
+    EXPECT_EQ(onCommandLine.output.find("hunter2"), std::string::npos) << onCommandLine.output;
     Outcome noPassword = tamlinctl(registry, arguments, "");
-    EXPECT_EQ(noPassword.status, 1) << noPassword.out;
+    EXPECT_EQ(noPassword.status, 1) << noPassword.output;
     Outcome noAccount = tamlinctl(registry, arguments + " --owner no-such-account", "secret\n");
-    EXPECT_EQ(noAccount.status, 1) << noAccount.out;
-    EXPECT_NE(noAccount.out.find("there is no account no-such-account"), std::string::npos) << noAccount.out;
+    EXPECT_EQ(noAccount.status, 1) << noAccount.output;
+    EXPECT_NE(noAccount.output.find("there is no account no-such-account"), std::string::npos) << noAccount.output;
     for (const char *host : {"''", "'cv 2'", "'cv]2'"}) {
         Outcome badHost = tamlinctl(registry, arguments + " --server " + host, "secret\nsecret\n");
-        EXPECT_EQ(badHost.status, 2) << host << ": " << badHost.out;
+        EXPECT_EQ(badHost.status, 2) << host << ": " << badHost.output;
     }
     EXPECT_EQ(readFile(conf), before);
     EXPECT_EQ(readFile(registry), others);
@@ -248,9 +238,9 @@ TEST(Install, SetupKeepsWhatTheFilesHoldAndChangesNothingWhenRefused)
 
     const bool asRoot = geteuid() == 0;
     Outcome setup = tamlinctl(registry, arguments + (asRoot ? " --owner nobody" : ""), "secret\n");
-    ASSERT_EQ(setup.status, 0) << setup.out;
-    EXPECT_NE(setup.out.find("login replaced"), std::string::npos) << setup.out;
-    EXPECT_NE(setup.out.find("EVA01"), std::string::npos) << setup.out;
+    ASSERT_EQ(setup.status, 0) << setup.output;
+    EXPECT_NE(setup.output.find("login replaced"), std::string::npos) << setup.output;
+    EXPECT_NE(setup.output.find("EVA01"), std::string::npos) << setup.output;
     EXPECT_EQ(readFile(registry), others + "\n[SOFTWARE\\Orvanta\\Qorin]\n\"InstallDir64\"=\"" + root + "\"\n");
     const std::string after = readFile(conf);
     for (const char *kept : {"# tuned for the night", "\"POST_UNMASK_WAIT_IN_SEC\"=dword:00000005",
@@ -277,15 +267,15 @@ TEST(Install, AProviderBuiltOnTheInstalledKitLoadsInTamlinctl)
         " -B " + shellWord(build) + " -DCMAKE_PREFIX_PATH=" + shellWord(Staged::stage + INSTALLED(INSTALL_PREFIX)) +
         " -DTAMLIN_ENTRIES_HEADER=" +
         shellWord(tamlin_test::sourceDir() + "/providers/hpeva/include/tamlin_entries.h"));
-    ASSERT_EQ(configure.status, 0) << configure.out;
+    ASSERT_EQ(configure.status, 0) << configure.output;
     Outcome compile = shell(shellWord(INSTALLED(CMAKE)) + " --build " + shellWord(build));
-    ASSERT_EQ(compile.status, 0) << compile.out;
+    ASSERT_EQ(compile.status, 0) << compile.output;
 
     TempInstallRoot root;
     root.installMessages();
     Outcome check =
         tamlinctl(registryNaming(root.path("")), "--provider " + shellWord(build + "/libtiny.so") + " check");
-    EXPECT_EQ(check.status, 0) << check.out;
-    EXPECT_NE(check.out.find("tiny provider started on the kit"), std::string::npos) << check.out;
-    EXPECT_NE(check.out.find("interface  4.4.0.1"), std::string::npos) << check.out;
+    EXPECT_EQ(check.status, 0) << check.output;
+    EXPECT_NE(check.output.find("tiny provider started on the kit"), std::string::npos) << check.output;
+    EXPECT_NE(check.output.find("interface  4.4.0.1"), std::string::npos) << check.output;
 }
