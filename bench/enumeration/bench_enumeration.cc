@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "../bench_support.h"
+#include "../provider_child.h"
 #include "host_context.h"
 #include "provider_library.h"
 #include "result_lists.h"
@@ -37,17 +38,6 @@ struct Sample {
     long providerPeakKb = 0;
 };
 
-double seconds(const timeval &t)
-{
-    return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) / 1e6;
-}
-
-int run(const std::string &command)
-{
-    int status = std::system(command.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 int32_t listAll(ProviderLibrary &lib, int32_t &count, double &wall)
 {
     qrn_node_list *list = nullptr;
@@ -63,28 +53,15 @@ int32_t listAll(ProviderLibrary &lib, int32_t &count, double &wall)
 [[noreturn]] void measure(const std::string &library, int fd)
 {
     Sample s;
-    ProviderLibrary lib;
-    if (lib.open(library)) {
-        // Every trace line reaches the host's callback; a host shows only what matters to it.
-        HostContext host("en", [](const std::wstring &text, const std::wstring &, int severity) {
-            if (severity == 3) {
-                std::fprintf(stderr, "%ls\n", text.c_str());
-            }
-        });
-        uint16_t version[4] = {0, 0, 0, 0};
-        if (lib->init(host.get(), version) == 0) {
-            s.firstResult = listAll(lib, s.disks, s.firstWall);
-            s.secondResult = listAll(lib, s.disks, s.secondWall);
-        }
-        lib->fini();
-    } else {
-        std::fprintf(stderr, "bench_enumeration: %s\n", lib.error().c_str());
-    }
+    bench::withStartedProvider("bench_enumeration", library, [&s](ProviderLibrary &lib) {
+        s.firstResult = listAll(lib, s.disks, s.firstWall);
+        s.secondResult = listAll(lib, s.disks, s.secondWall);
+    });
     rusage self{}, children{};
     getrusage(RUSAGE_SELF, &self);
     getrusage(RUSAGE_CHILDREN, &children);
-    s.providerCpu = seconds(self.ru_utime) + seconds(self.ru_stime);
-    s.evasimCpu = seconds(children.ru_utime) + seconds(children.ru_stime);
+    s.providerCpu = bench::seconds(self.ru_utime) + bench::seconds(self.ru_stime);
+    s.evasimCpu = bench::seconds(children.ru_utime) + bench::seconds(children.ru_stime);
     s.providerPeakKb = self.ru_maxrss;
     ssize_t written = write(fd, &s, sizeof s);
     _exit(written == static_cast<ssize_t>(sizeof s) ? 0 : 1);
@@ -188,8 +165,8 @@ int main(int argc, char **argv)
 
     std::printf("Making a cell of %d disks with evasim ...\n", disks);
     std::fflush(stdout);
-    if (run(bin + "/evasim init --servers 1 --cells 1 --hosts 4 --disks " + std::to_string(disks) + " >/dev/null") !=
-        0) {
+    if (bench::run(bin + "/evasim init --servers 1 --cells 1 --hosts 4 --disks " + std::to_string(disks) +
+                   " >/dev/null") != 0) {
         std::fprintf(stderr, "bench_enumeration: evasim init failed\n");
         return 1;
     }

@@ -24,8 +24,7 @@
 #include <string>
 #include <vector>
 
-#include "host_context.h"
-#include "provider_library.h"
+#include "../provider_child.h"
 #include "snapshot_job.h"
 #include "text.h"
 
@@ -39,18 +38,6 @@ struct Sample {
     double providerCpu = 0, evasimCpu = 0;
 };
 
-double seconds(const timeval &t)
-{
-    return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) / 1e6;
-}
-
-double cpu(int who)
-{
-    rusage usage{};
-    getrusage(who, &usage);
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
 std::string output(const std::string &command)
 {
     std::string text;
@@ -63,12 +50,6 @@ std::string output(const std::string &command)
         pclose(pipe);
     }
     return text;
-}
-
-int run(const std::string &command)
-{
-    const int status = std::system(command.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 // The UDIDs of count active disks spread over the cell.
@@ -111,41 +92,29 @@ std::vector<std::wstring> pickDisks(const std::string &evasim, int count)
                           int fd)
 {
     Sample s;
-    ProviderLibrary lib;
-    if (lib.open(library)) {
-        // Every trace line reaches the host's callback; a host shows only what matters to it.
-        HostContext host("en", [](const std::wstring &text, const std::wstring &, int severity) {
-            if (severity == 3) {
-                std::fprintf(stderr, "%ls\n", text.c_str());
-            }
-        });
-        uint16_t version[4] = {0, 0, 0, 0};
-        if (lib->init(host.get(), version) == 0) {
-            SnapshotJob job(lib, "HPEVA_VSnap", "bench");
-            bool added = true;
-            for (const std::wstring &udid : udids) {
-                added = added && job.add(udid) == 0;  // the first one starts the provider's arrays
-            }
-            if (added && run(evasim + " history --clear >/dev/null") == 0) {
-                const double selfBefore = cpu(RUSAGE_SELF);
-                const double childrenBefore = cpu(RUSAGE_CHILDREN);
-                const auto begun = std::chrono::steady_clock::now();
-                s.selectResult = job.select();
-                s.selectWall = std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
-                std::vector<std::wstring> targets;
-                s.makeResult = job.make(targets);
-                s.wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
-                s.providerCpu = cpu(RUSAGE_SELF) - selfBefore;
-                s.evasimCpu = cpu(RUSAGE_CHILDREN) - childrenBefore;
-                for (const std::wstring &target : targets) {
-                    s.targets += target.empty() ? 0 : 1;
-                }
-            }
+    bench::withStartedProvider("bench_snapshots", library, [&](ProviderLibrary &lib) {
+        SnapshotJob job(lib, "HPEVA_VSnap", "bench");
+        bool added = true;
+        for (const std::wstring &udid : udids) {
+            added = added && job.add(udid) == 0;  // the first one starts the provider's arrays
         }
-        lib->fini();
-    } else {
-        std::fprintf(stderr, "bench_snapshots: %s\n", lib.error().c_str());
-    }
+        if (!added || bench::run(evasim + " history --clear >/dev/null") != 0) {
+            return;
+        }
+        const double selfBefore = bench::cpuSeconds(RUSAGE_SELF);
+        const double childrenBefore = bench::cpuSeconds(RUSAGE_CHILDREN);
+        const auto begun = std::chrono::steady_clock::now();
+        s.selectResult = job.select();
+        s.selectWall = std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
+        std::vector<std::wstring> targets;
+        s.makeResult = job.make(targets);
+        s.wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
+        s.providerCpu = bench::cpuSeconds(RUSAGE_SELF) - selfBefore;
+        s.evasimCpu = bench::cpuSeconds(RUSAGE_CHILDREN) - childrenBefore;
+        for (const std::wstring &target : targets) {
+            s.targets += target.empty() ? 0 : 1;
+        }
+    });
     const ssize_t written = write(fd, &s, sizeof s);
     _exit(written == static_cast<ssize_t>(sizeof s) ? 0 : 1);
 }
@@ -255,8 +224,8 @@ int main(int argc, char **argv)
     int failures = 0;
     std::map<std::string, int> kinds;
     for (int round = 1; round <= rounds; ++round) {
-        if (run(evasim + " init --servers 1 --cells 1 --hosts 4 --disks " + std::to_string(disks) + " >/dev/null") !=
-            0) {
+        if (bench::run(evasim + " init --servers 1 --cells 1 --hosts 4 --disks " + std::to_string(disks) +
+                       " >/dev/null") != 0) {
             std::fprintf(stderr, "bench_snapshots: evasim init failed\n");
             return 1;
         }
