@@ -44,22 +44,6 @@ TEST_F(Admin, EveryCommandHasHelpAndBadUsageExitsTwo)
     EXPECT_EQ(h.evasim({"reset", "now"}).status, 2);
 }
 
-TEST_F(Admin, DemoScenarioBuildsTheWorldItDescribes)
-{
-    const Outcome r = h.evasim({"init", "--scenario", Harness::scenario("demo.scn")});
-    ASSERT_EQ(r.status, 0) << r.err;
-    EXPECT_TRUE(r.has("2 servers, 3 cells, 11 disks, 5 hosts, 4 presentations, 1 DR groups"));
-    const auto servers = h.table("servers");
-    ASSERT_EQ(servers.size(), 2u);
-    EXPECT_EQ(servers[0].at("cells"), "EVA-EAST,EVA-DR");
-    EXPECT_EQ(servers[1].at("cells"), "EVA-WEST,EVA-DR");
-    const auto groups = h.table("drgroups");
-    ASSERT_EQ(groups.size(), 1u);
-    EXPECT_EQ(groups[0].at("source"), "EVA-EAST");
-    EXPECT_EQ(groups[0].at("destination"), "EVA-DR");
-    EXPECT_EQ(h.disk("\\Virtual Disks\\Replicas\\ora_data\\ACTIVE").at("drgroup"), "DRG_Oracle");
-}
-
 TEST_F(Admin, ScenarioErrorsNameTheLineAndWhatIsWrong)
 {
     struct Case {

@@ -46,22 +46,6 @@ protected:
     Harness h;
 };
 
-TEST_F(ArrayRules, TextListingsGiveTheMarkerThenOneFullPathALine)
-{
-    const Outcome r = ok({"LS VDISK", "LS HOST"});
-    EXPECT_TRUE(r.has("EVA01> LS VDISK\n\nVdisks available on this Cell:\n"
-                      "\\Virtual Disks\\d1\\ACTIVE\n\\Virtual Disks\\f\\d2\\ACTIVE\n\\Virtual Disks\\f\\d3\\ACTIVE\n"
-                      "\\Virtual Disks\\f\\d3\\d3_vsnap000\nEVA01> LS HOST\n"));
-    EXPECT_TRUE(r.has("\nHosts available on this Cell:\n\\Hosts\\h1\n\\Hosts\\lab\\h2\nEVA01> exit"));
-}
-
-TEST_F(ArrayRules, HostTextListingNamesEachPresentedDiskAfterVirtualDisk)
-{
-    const Outcome r = ok({"LS HOST \\Hosts\\h1"});
-    EXPECT_TRUE(r.has("\\Hosts\\h1 information:"));
-    EXPECT_TRUE(r.has(" Virtual_disk : \\Virtual Disks\\d1\\ACTIVE\n"));
-}
-
 TEST_F(ArrayRules, SnapshotsLieInTheFamilyAndTakeSpaceByTheirAllocation)
 {
     const double before = usedGb("EVA01");
@@ -108,15 +92,6 @@ TEST_F(ArrayRules, DeletingGivesTheSpaceBack)
     EXPECT_TRUE(h.disk("\\Virtual Disks\\d1\\ACTIVE").empty());
 }
 
-TEST_F(ArrayRules, DeletionQuirkReportsSuccessAsAnErrorThatStopsTheScript)
-{
-    ASSERT_EQ(h.evasim({"set", "quirk_deletion_completed=on"}).status, 0);
-    const Outcome r = h.sssu({"DELETE LUN \"\\Hosts\\h1\\1\"", "LS HOST"});
-    EXPECT_EQ(r.status, 1);
-    EXPECT_EQ(r.lines().back(), "Error: Deletion completed");
-    EXPECT_EQ(h.disk("\\Virtual Disks\\d1\\ACTIVE").at("presentations"), "") << "the delete took effect";
-}
-
 TEST_F(ArrayRules, AddLunTakesTheProvidersTemplateAndKeepsLunsUniquePerHost)
 {
     ok({"ADD LUN 5 HOST=\"\\Hosts\\h1\"  VDISK=\"\\Virtual Disks\\f\\d3\\ACTIVE\" "});
@@ -134,15 +109,6 @@ TEST_F(ArrayRules, AddLunTakesTheProvidersTemplateAndKeepsLunsUniquePerHost)
     ok({"DELETE LUN \"\\Hosts\\h1\\2\"", "DELETE LUN \"\\Hosts\\lab\\h2\\1\""});
     EXPECT_EQ(h.disk("\\Virtual Disks\\f\\d2\\ACTIVE").at("presentations"), "");
     EXPECT_EQ(refused("DELETE LUN \"\\Hosts\\h1\\9\""), "Error: \\Hosts\\h1\\9 not found");
-}
-
-TEST_F(ArrayRules, PresentQuirkReportsTheToleratedErrorAfterASuccessfulAddLun)
-{
-    ASSERT_EQ(h.evasim({"set", "quirk_present_failed=on"}).status, 0);
-    const Outcome r = h.sssu({"ADD LUN 3 HOST=\"\\Hosts\\h1\"  VDISK=\"\\Virtual Disks\\f\\d3\\ACTIVE\" "});
-    EXPECT_EQ(r.lines().back(),
-              "Error: Error the call to present the virtual disk has failed. [Logical disk Presented]");
-    EXPECT_EQ(h.disk("\\Virtual Disks\\f\\d3\\ACTIVE").at("presentations"), "\\Hosts\\h1:3");
 }
 
 // The script that a restore sends, with the secondary a finished snapclone of the primary.
@@ -169,15 +135,6 @@ TEST_F(ArrayRules, RestoreTurnsThePrimaryIntoAContainerAndCopiesTheCloneIntoIt)
     EXPECT_EQ(sharing(primary), "none");
 }
 
-TEST_F(ArrayRules, ContainersAreListedAsSuchAndHoldTheirSpace)
-{
-    ok({"SET VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\" writecache=writethrough"});
-    ok({"ADD VDISK \"\\Virtual Disks\\box\" SIZE=20GB REDUNDANCY=vraid0", "SET VDISK \"box\" CHANGE_INTO_CONTAINER"});
-    const Outcome r = ok({"LS VDISK \"box\" XML"});
-    EXPECT_EQ(element(r.out, "objecttype"), "container");
-    EXPECT_EQ(element(r.out, "allocatedcapacity"), "20") << "a container holds its space";
-}
-
 // The renames of a swap-based restore: world wide names over a temporary one, then names.
 TEST_F(ArrayRules, WorldWideNamesAndFamilyNamesCanBeTraded)
 {
@@ -194,34 +151,6 @@ TEST_F(ArrayRules, WorldWideNamesAndFamilyNamesCanBeTraded)
     ASSERT_FALSE(moved.empty());
     EXPECT_EQ(moved.at("wwlunid"), sw);
     EXPECT_FALSE(h.disk("\\Virtual Disks\\f\\d3_RESTORING\\d3_vsnap000").empty()) << "snapshots move with the family";
-}
-
-TEST_F(ArrayRules, DrGroupSuspendShowsOnBothCellsAndDisksNameTheirPartners)
-{
-    ok({"SET DR_GROUP \"\\Data Replication\\DRG1\" SUSPEND"});
-    const Outcome there = ok({"LS DR_GROUP \"\\Data Replication\\DRG1\" XML"}, "EVA02");
-    EXPECT_EQ(element(there.out, "suspendstate"), "suspended");
-    EXPECT_EQ(element(there.out, "drmmode"), "destination");
-    EXPECT_EQ(element(there.out, "scellname"), "EVA01");
-    ok({"SET DR_GROUP \"DRG1\" NOSUSPEND"}, "EVA02");
-    const Outcome here = ok({"LS DR_GROUP \"\\Data Replication\\DRG1\" XML"});
-    EXPECT_EQ(element(here.out, "suspendstate"), "notsuspended");
-    EXPECT_EQ(element(here.out, "drmmode"), "source");
-
-    const Outcome disk = ok({"LS VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\" XML"});
-    EXPECT_EQ(element(disk.out, "drmgroupname"), "\\Data Replication\\DRG1");
-    EXPECT_EQ(element(disk.out, "remotevirtualdiskname"), "\\Virtual Disks\\r\\d2\\ACTIVE");
-    EXPECT_EQ(refused("SET DR_GROUP \"nosuch\" SUSPEND"), "Error: nosuch not found");
-}
-
-TEST_F(ArrayRules, FindVdiskMatchesTheLunIdInAnyCase)
-{
-    const Outcome r = ok({"REFRESH", "FIND VDISK LUNWWID=6005-08b4-0001-0000-0000-0000-0001-0000 XML"});
-    EXPECT_EQ(element(r.out, "objectname"), "\\Virtual Disks\\d1\\ACTIVE");
-    const Outcome upper = ok({"FIND VDISK LUNWWID=6005-08B4-0001-0000-0000-0000-0001-0000 XML"});
-    EXPECT_EQ(element(upper.out, "objectname"), "\\Virtual Disks\\d1\\ACTIVE");
-    EXPECT_EQ(refused("FIND VDISK LUNWWID=6005-08b4-0001-0000-0000-0000-0009-0000 XML"),
-              "Error: 6005-08b4-0001-0000-0000-0000-0009-0000 not found");
 }
 
 TEST_F(ArrayRules, SpaceShrinksWithNewDisksByTheirRedundancy)

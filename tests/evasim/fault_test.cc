@@ -224,14 +224,6 @@ TEST_F(Faults, ProcessFaultsBoundToACommandActAtItsLine)
     EXPECT_EQ(h.sssu({"LS CELL"}, "").lines()[3], "Version: 9.2.0 ");
 }
 
-TEST_F(Faults, BannerShowsAnotherVersionLineForItsRuns)
-{
-    arm({"banner", "--text", "Version: 9.2.0 ", "--count", "2"});
-    EXPECT_EQ(listHosts().lines()[3], "Version: 9.2.0 ");
-    EXPECT_EQ(listHosts().lines()[3], "Version: 9.2.0 ");
-    EXPECT_EQ(listHosts().lines()[3], "Version: 8.0.2 ");
-}
-
 TEST_F(Faults, DelayWaitsBeforeEachCommand)
 {
     arm({"delay", "--seconds", "0.15"});

@@ -48,17 +48,6 @@ TEST_F(SssuSession, PromptCarriesTheSelectedSystemAndScriptWithoutExitEndsWithou
     EXPECT_EQ(r.out.substr(r.out.size() - tail.size()), tail) << "the last result, an empty line, has no line feed";
 }
 
-TEST_F(SssuSession, LoginLineIsNeverEchoedAndAPasswordMayHoldBlanks)
-{
-    ASSERT_EQ(h.evasim({"init", "--scenario", Harness::scenario("demo.scn")}).status, 0);
-    const Outcome r =
-        h.sssu({"ls cell"}, "", "select manager cv-west.example.com user=administrator password=two words");
-    EXPECT_EQ(r.status, 0);
-    EXPECT_FALSE(r.has("password"));
-    EXPECT_FALSE(r.has("select manager"));
-    EXPECT_TRUE(r.has("Systems available on this Manager:\nEVA-WEST\nEVA-DR\n"));
-}
-
 TEST_F(SssuSession, FailedLoginsPrintTheConnectionErrorRunNothingElseAndExitZero)
 {
     struct Case {
@@ -184,18 +173,6 @@ TEST_F(SssuSession, SyntaxErrorPutsACaretUnderTheOffendingWordCountingThePrompt)
 
     const Outcome option = h.sssu({"set option ON_ERROR=SOMETIMES"});
     EXPECT_EQ(option.lines()[option.lines().size() - 2], std::string(7 + 11, ' ') + "^");
-}
-
-TEST_F(SssuSession, KeywordsIgnoreCaseAndSynonymsAndSeveralOptionsInOneLineWork)
-{
-    std::string const file =
-        h.script({"SET OPTIONS on_error=continue display_width=120 NOCOMMAND_DELAY command_delay=3",
-                  "Select Manager cv1 USER=admin PASSWORD=secret", "SeLeCt CeLl \"EVA01\"", "Ls VdIsK",
-                  "delete vdisk nosuch", "LS HOST", "EXIT"});
-    const Outcome r = h.evasim({"FILE " + file});
-    EXPECT_EQ(r.status, 0) << "ON_ERROR=CONTINUE from the combined line";
-    EXPECT_TRUE(r.has("Vdisks available on this Cell:"));
-    EXPECT_TRUE(r.has("Hosts available on this Cell:"));
 }
 
 TEST_F(SssuSession, AScriptThatCannotBeReadIsAnError)

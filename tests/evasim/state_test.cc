@@ -23,13 +23,6 @@ protected:
     Harness h;
 };
 
-TEST_F(State, ChangesOfOneRunAreSeenByTheNext)
-{
-    ASSERT_EQ(h.sssu({"ADD SNAPSHOT \"keep\" VDISK=\"\\Virtual Disks\\d1\\ACTIVE\""}).status, 0);
-    const Outcome r = h.sssu({"LS VDISK"});
-    EXPECT_TRUE(r.has("\n\\Virtual Disks\\d1\\keep\n"));
-}
-
 // A command with several changes checks them all first (the array's rules have their own test).
 TEST_F(State, ACommandRefusedForAnyPartChangesNothing)
 {

@@ -68,19 +68,6 @@ TEST_F(ExecPipeKill, SilenceBeyondTheTimeoutGives5AndTheChildIsBroughtDown)
     EXPECT_EQ(pipe.getChildPid(), -1);
 }
 
-TEST_F(ExecPipeKill, ChildIgnoringSigintAndSigtermEndsWith1067)
-{
-    PatientStart pipe(1);
-    pipe.setTraceLog(m_log);
-    pipe.setCloseWait(1);
-    Lines output;
-    EXPECT_EQ(pipe.Exec(childCommand("ignore"), output, "", 2, "", "", ""), QRN_EXEC_PIPE_READ_TIMEOUT);
-    EXPECT_EQ(output, Lines{"ignoring"});
-    EXPECT_EQ(pipe.getLastError().getCode(), QRN_EXEC_PIPE_CMD_FAILED);
-    EXPECT_EQ(pipe.getLastError().getStatus(), QRN_EXEC_PIPE_FORCED_EXIT_STATUS);
-    EXPECT_EQ(pipe.getLastError().getText(), L"Command exited with status 1067");
-}
-
 TEST(ExecPipeWaitPid, ForcedEndOfAChildThatIgnoresThePoliteSignals)
 {
     CFiExecPipePosix pipe(0);

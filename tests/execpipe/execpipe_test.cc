@@ -270,17 +270,6 @@ TEST(ExecPipeStart, DirectoryOfTheChild)
     EXPECT_EQ(output, Lines{"/tmp"});
 }
 
-TEST(ExecPipeStart, ChildLeadsAProcessGroupOfItsOwn)
-{
-    Lines output;
-    ASSERT_EQ(run("id", output), 0);
-    ASSERT_EQ(output.size(), 1u);
-    unsigned uid, gid, group, pid;
-    ASSERT_EQ(sscanf(output[0].c_str(), "%u %u %u %u", &uid, &gid, &group, &pid), 4);
-    EXPECT_EQ(group, pid);
-    EXPECT_NE(static_cast<pid_t>(group), getpgrp());
-}
-
 TEST(ExecPipeUser, AnAccountNeedsRootAndThenTheChildRunsAsIt)
 {
     struct passwd *nobody = getpwnam("nobody");
@@ -356,14 +345,4 @@ TEST(ExecPipeConcurrency, PipesRunSideBySide)
         thread.join();
     }
     EXPECT_EQ(failures, std::vector<int>(4, 0));
-}
-
-TEST(EFiExecPipe, NamesOfCodesForMessages)
-{
-    EXPECT_STREQ(EFiExecPipe::codeName(QRN_EXEC_PIPE_SUCCESS), "QRN_EXEC_PIPE_SUCCESS");
-    EXPECT_STREQ(EFiExecPipe::codeName(QRN_EXEC_PIPE_READ_TIMEOUT), "QRN_EXEC_PIPE_READ_TIMEOUT");
-    EXPECT_STREQ(EFiExecPipe::codeName(QRN_EXEC_PIPE_CMD_ERROR_UNEXPECTED), "QRN_EXEC_PIPE_CMD_ERROR_UNEXPECTED");
-    EXPECT_STREQ(EFiExecPipe::codeName(14), "QRN_EXEC_PIPE_UNKNOWN_CODE");
-    EXPECT_STREQ(EFiExecPipe::codeName(-1), "QRN_EXEC_PIPE_UNKNOWN_CODE");
-    EXPECT_STREQ(EFiExecPipe("x", QRN_EXEC_PIPE_CMD_FAILED).getCodeName(), "QRN_EXEC_PIPE_CMD_FAILED");
 }

@@ -119,14 +119,6 @@ TEST_F(ScriptFile, LoginCellAndCommandsAsTheyStand)
     EXPECT_FALSE(recorder->traced("wörd")) << "the password never reaches the trace";
 }
 
-TEST_F(ScriptFile, EmptyCellAndEmptyCommandList)
-{
-    CHpEvaCommandTempFile noCell(login(L"h", L"u", L"p"), ACE_WString(L"ls cell"), ACE_WString());
-    EXPECT_EQ(text(noCell), kPrelude + "select manager h user=u password=p\nls cell\nexit\n");
-    CHpEvaCommandTempFile noCommands(login(L"h", L"u", L"p"), std::vector<ACE_WString>(), L"c");
-    EXPECT_EQ(text(noCommands), kPrelude + "select manager h user=u password=p\nselect cell \"c\"\nexit\n");
-}
-
 TEST_F(ScriptFile, AnEmptyLoginFieldDropsTheLoginAndNamesOnlyTheFirstGap)
 {
     struct Row {
