@@ -24,13 +24,6 @@
 
 namespace {
 
-// The framework's forms of import and deport that tamlinctl uses.
-const int32_t kImportShared = 0x1;
-const int32_t kImportSharedAlone = 0x2;
-const int32_t kDeportFromHost = 0x10;
-const int32_t kDeportFromAll = 0x20;
-const int32_t kDispositionDelete = 1;
-
 // A disk as the provider's object controls describe it.
 struct CopyInfo {
     std::string udid;
@@ -358,7 +351,7 @@ int runPresent(CliOptions &options)
             std::wstring name = hostName;
             if (shared) {
                 return session.lib()->import_resource(nullptr, &resource[0], &name[0], nullptr,
-                                                      only ? kImportSharedAlone : kImportShared, nullptr, nullptr);
+                                                      only ? QRN_IMPORT_SINGLE_HOST : QRN_IMPORT_ALL, nullptr, nullptr);
             }
             // The tree road, as a framework takes it: the node, its host as an import option.
             HostNode node(disks[0].udid);
@@ -406,7 +399,7 @@ int runUnpresent(CliOptions &options)
         std::wstring resource = fromUtf8(disks[0].udid);
         if (host) {
             std::wstring name = fromUtf8(*host);
-            return session.lib()->deport_resource(&resource[0], &name[0], nullptr, nullptr, kDeportFromHost);
+            return session.lib()->deport_resource(&resource[0], &name[0], nullptr, nullptr, QRN_DEPORT_SINGLE_HOST);
         }
         if (all) {
             if (before.presentations.empty()) {
@@ -416,7 +409,7 @@ int runUnpresent(CliOptions &options)
             std::wstring name = fromUtf8(before.presentations.begin()->first);
             const size_t slash = name.rfind(L'\\');
             name = slash == std::wstring::npos ? name : name.substr(slash + 1);
-            return session.lib()->deport_resource(&resource[0], &name[0], nullptr, nullptr, kDeportFromAll);
+            return session.lib()->deport_resource(&resource[0], &name[0], nullptr, nullptr, QRN_DEPORT_ALL);
         }
         HostNode node(disks[0].udid);
         return session.lib()->deport_tree(nullptr, node.get(), nullptr);
@@ -477,7 +470,7 @@ int runDispose(CliOptions &options)
     for (const CopyInfo &copy : copies) {
         HostNode node(copy.udid);
         session.beginCall();
-        const int32_t result = session.lib()->dispose(nullptr, node.get(), nullptr, kDispositionDelete);
+        const int32_t result = session.lib()->dispose(nullptr, node.get(), nullptr, QRN_DISPOSITION_DELETE);
         std::string outcome = "deleted";
         CopyInfo after;
         bool left = false;

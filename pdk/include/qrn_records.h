@@ -224,6 +224,17 @@ enum { QRN_CLAIM_NONE = 0, QRN_CLAIM_SECONDARY = 2 };
 
 enum { QRN_NOT_INTERPOSED = 0, QRN_INTERPOSED = 1 };
 
+// The forms of import_resource and deport_resource, as flags.
+enum {
+    QRN_IMPORT_ALL = 0x1,
+    QRN_IMPORT_SINGLE_HOST = 0x2,
+    QRN_IMPORT_NOT_PROVIDED = 0x4,
+    QRN_DEPORT_SINGLE_HOST = 0x10,
+    QRN_DEPORT_ALL = 0x20,
+    QRN_DEPORT_NOT_PROVIDED = 0x40,
+    QRN_DEPORT_NOTHING = 0x400
+};
+
 // The disposition of dispose that deletes the copy; every other one leaves it.
 enum { QRN_DISPOSITION_DELETE = 1 };
 

@@ -21,15 +21,6 @@ namespace {
 const int32_t kIgnoredNodeTypes = 2048;
 const int32_t kDefaultNodeType = 4098;
 
-// Flags of the resource forms of import and deport.
-const int kImportAll = 0x1;
-const int kImportSingleHost = 0x2;
-const int kImportNotProvided = 0x4;
-const int kDeportSingleHost = 0x10;
-const int kDeportAll = 0x20;
-const int kDeportNotProvided = 0x40;
-const int kDeportNothing = 0x400;
-
 std::wstring textOf(const qorin_objid *id)
 {
     return id != nullptr && id->text != nullptr ? std::wstring(id->text) : std::wstring();
@@ -414,13 +405,13 @@ int CFiPluginInterposer::importResource(wchar_t **, wchar_t *resource, wchar_t *
         return refused;
     }
     const std::vector<std::wstring> hosts = hostList(host, "importResource");
-    if (flags & kImportNotProvided) {
+    if (flags & QRN_IMPORT_NOT_PROVIDED) {
         return QRN_ERR_NOT_PROVIDED;
     }
-    if (flags & kImportAll) {
+    if (flags & QRN_IMPORT_ALL) {
         return importNode(resource, hosts, false, false, false, 2);
     }
-    if (flags & kImportSingleHost) {
+    if (flags & QRN_IMPORT_SINGLE_HOST) {
         return importNode(resource, hosts, false, true, false, 2);
     }
     return QRN_ERR_FAILED;
@@ -432,17 +423,17 @@ int CFiPluginInterposer::deportResource(wchar_t *resource, wchar_t *host, wchar_
     if (int refused = checkResource(resource)) {
         return refused;
     }
-    if (flags & kDeportNothing) {
+    if (flags & QRN_DEPORT_NOTHING) {
         return 0;
     }
     const std::vector<std::wstring> hosts = hostList(host, "deportResource");
-    if (flags & kDeportSingleHost) {
+    if (flags & QRN_DEPORT_SINGLE_HOST) {
         return importNode(resource, hosts, false, true, true, 2);
     }
-    if (flags & kDeportAll) {
+    if (flags & QRN_DEPORT_ALL) {
         return importNode(resource, hosts, false, false, true, 2);
     }
-    if (flags & kDeportNotProvided) {
+    if (flags & QRN_DEPORT_NOT_PROVIDED) {
         return QRN_ERR_NOT_PROVIDED;
     }
     return 0;
