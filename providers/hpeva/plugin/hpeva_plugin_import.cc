@@ -172,6 +172,19 @@ int CHpEvaPlugin::importNode(std::wstring node, std::vector<std::wstring> hosts,
             }
         }
 
+        // The number is this node's record, its device record goes, and the lock with them: the
+        // wait after the unmask holds up no other host's import.
+        auto recordLun = [&](const std::string &number, int level) {
+            lunMap.setKeyValue(lunKey.c_str(), {number}, enclosure.c_str());
+            std::string devKey;
+            lunMap.getDevKey(CFiStringTool::wstr2str(node), devKey);
+            trace(level, " getdevKey returned [%s]", devKey.c_str());
+            lunMap.rmCacheRecord(devKey.c_str());
+            lunMapLock.reset();
+            waitAfterUnmask();
+            return QRN_OK;
+        };
+
         // What other processes recorded since this one last looked counts too.
         if (lunMap.reloadEnclMap(enclosure.c_str()) != 0) {
             trace(2, "importNode(): the LUN records of enclosure [%s] could not be read again", enclosure.c_str());
@@ -191,14 +204,7 @@ int CHpEvaPlugin::importNode(std::wstring node, std::vector<std::wstring> hosts,
                 continue;
             }
             trace(3, "LUNNO passed to setKeyValue is [%d]", candidate);
-            lunMap.setKeyValue(lunKey.c_str(), {std::to_string(candidate)}, enclosure.c_str());
-            std::string devKey;
-            lunMap.getDevKey(CFiStringTool::wstr2str(node), devKey);
-            trace(3, " getdevKey returned [%s]", devKey.c_str());
-            lunMap.rmCacheRecord(devKey.c_str());
-            lunMapLock.reset();
-            waitAfterUnmask();
-            return QRN_OK;
+            return recordLun(std::to_string(candidate), 3);
         }
 
         // Every number refused, or none offered: the array chooses, and its choice is recorded.
@@ -226,14 +232,7 @@ int CHpEvaPlugin::importNode(std::wstring node, std::vector<std::wstring> hosts,
         lunMap.rmLunCacheRecord(enclosure.c_str(), static_cast<unsigned>(arrayLun));
         const std::string number = std::to_string(arrayLun);
         trace(6, "LUN passed to setKeyValue is [%s]", number.c_str());
-        lunMap.setKeyValue(lunKey.c_str(), {number}, enclosure.c_str());
-        std::string devKey;
-        lunMap.getDevKey(CFiStringTool::wstr2str(node), devKey);
-        trace(6, " getdevKey returned [%s]", devKey.c_str());
-        lunMap.rmCacheRecord(devKey.c_str());
-        lunMapLock.reset();
-        waitAfterUnmask();
-        return QRN_OK;
+        return recordLun(number, 6);
     });
 }
 
