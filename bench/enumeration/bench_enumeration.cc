@@ -19,6 +19,7 @@
 #include <string>
 #include <vector>
 
+#include "../bench_options.h"
 #include "../bench_support.h"
 #include "../provider_child.h"
 #include "host_context.h"
@@ -114,32 +115,18 @@ Listing listDisks(const std::string &evasim, const std::string &dir)
 
 int main(int argc, char **argv)
 {
-    int disks = 10000;
-    int rounds = 3;
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0) {
-            std::printf("Usage: bench_enumeration [--disks N] [--rounds N]\n\n"
-                        "Times enumerate_nodes of libtamlin.so through dlopen against an evasim cell of N\n"
-                        "disks (default 10000), each round in a fresh process, and prints wall time and\n"
-                        "CPU of the provider beside those of the simulator, and the host's peak memory\n"
-                        "against the size of SSSU's disk listing. Fails when that peak is more than %.0f\n"
-                        "times the listing.\n",
-                        kTarget);
-            return 0;
-        }
-        if (i + 1 < argc && std::strcmp(argv[i], "--disks") == 0) {
-            disks = std::atoi(argv[++i]);
-        } else if (i + 1 < argc && std::strcmp(argv[i], "--rounds") == 0) {
-            rounds = std::atoi(argv[++i]);
-        } else {
-            std::fprintf(stderr, "bench_enumeration: unknown argument '%s' (see --help)\n", argv[i]);
-            return 2;
-        }
-    }
-    if (disks < 1 || rounds < 1) {
-        std::fprintf(stderr, "bench_enumeration: --disks and --rounds take positive numbers\n");
-        return 2;
-    }
+    long long disksOption = 10000;
+    long long roundsOption = 3;
+    bench::readOptions(argc, argv, "bench_enumeration",
+                       "Usage: bench_enumeration [--disks N] [--rounds N]\n\n"
+                       "Times enumerate_nodes of libtamlin.so through dlopen against an evasim cell of N\n"
+                       "disks (default 10000), each round in a fresh process, and prints wall time and\n"
+                       "CPU of the provider beside those of the simulator, and the host's peak memory\n"
+                       "against the size of SSSU's disk listing. Fails when that peak is more than " +
+                           std::to_string(static_cast<int>(kTarget)) + "\ntimes the listing.\n",
+                       {{"--disks", &disksOption, 1, 10000000}, {"--rounds", &roundsOption, 1, 1000}});
+    const int disks = static_cast<int>(disksOption);
+    const int rounds = static_cast<int>(roundsOption);
 
     const std::string bin = TAMLIN_BENCH_BIN_DIR;
     const std::string library = std::string(TAMLIN_BENCH_LIB_DIR) + "/libtamlin.so";

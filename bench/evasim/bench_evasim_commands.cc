@@ -17,6 +17,8 @@
 #include <string>
 #include <vector>
 
+#include "../bench_options.h"
+
 extern char **environ;
 
 namespace {
@@ -96,33 +98,16 @@ std::string disk(long n)
 
 int main(int argc, char **argv)
 {
-    long disks = 10000;
-    int runs = 7;
-    for (int i = 1; i < argc; ++i) {
-        std::string const a = argv[i];
-        if (a == "--help" || a == "-h") {
-            std::printf("Usage: bench_evasim_commands [--disks N] [--runs N]\n\n"
-                        "On a generated cell of N disks (10000), times N runs (7) each of one ADD SNAPSHOT,\n"
-                        "one LS VDISK \"<path>\" XML (CPU of the evasim process, target 50 ms) and of\n"
-                        "LS VDISK FULL XML (wall time, target 1 s); fails when a median misses its target.\n");
-            return 0;
-        }
-        if ((a == "--disks" || a == "--runs") && i + 1 < argc) {
-            const long v = std::strtol(argv[++i], nullptr, 10);
-            if (v < 1) {
-                std::fprintf(stderr, "bench_evasim_commands: %s needs a positive number\n", a.c_str());
-                return 2;
-            }
-            if (a == "--disks") {
-                disks = v;
-            } else {
-                runs = static_cast<int>(v);
-            }
-            continue;
-        }
-        std::fprintf(stderr, "bench_evasim_commands: unknown argument '%s'; try --help\n", a.c_str());
-        return 2;
-    }
+    long long disksOption = 10000;
+    long long runsOption = 7;
+    bench::readOptions(argc, argv, "bench_evasim_commands",
+                       "Usage: bench_evasim_commands [--disks N] [--runs N]\n\n"
+                       "On a generated cell of N disks (10000), times N runs (7) each of one ADD SNAPSHOT,\n"
+                       "one LS VDISK \"<path>\" XML (CPU of the evasim process, target 50 ms) and of\n"
+                       "LS VDISK FULL XML (wall time, target 1 s); fails when a median misses its target.\n",
+                       {{"--disks", &disksOption, 1, 10000000}, {"--runs", &runsOption, 1, 1000}});
+    const long disks = static_cast<long>(disksOption);
+    const int runs = static_cast<int>(runsOption);
 
     std::string self = argv[0];
     std::string const evasim = self.substr(0, self.rfind('/') + 1) + "evasim";

@@ -17,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "../bench_options.h"
 #include "../bench_support.h"
 #include "cfiexecpipeposix.h"
 
@@ -132,50 +133,30 @@ long long execLines(const Source &source, Output &output)
 
 int main(int argc, char **argv)
 {
-    long long mib = 64;
-    long line = 80;
-    int rounds = 15;
-    int cpu = -1;
-    bool pin = true;
-    for (int i = 1; i < argc; ++i) {
-        std::string a = argv[i];
-        if (a == "--help" || a == "-h") {
-            printf("Usage: bench_execpipe [--mib N] [--line N] [--rounds N] [--cpu N | --no-pin]\n\n"
-                   "Reads N MiB (64) of lines of N bytes (80, line feed included) from a child with a\n"
-                   "plain read loop, through the exec pipe's ReadLine loop and through Exec into strings\n"
-                   "and into one text, all four in each of N rounds (15, after one that is not\n"
-                   "counted), pinned to one CPU (the last one, or --cpu N). Prints the medians of the\n"
-                   "CPU time of reader and child and of the wall time, and the medians of each round's\n"
-                   "ratios to the plain loop. Fails when Exec into one text takes more than %.1fx the\n"
-                   "CPU of the plain loop.\n",
-                   kTarget);
-            return 0;
-        }
-        if (a == "--no-pin") {
-            pin = false;
-            continue;
-        }
-        if ((a == "--mib" || a == "--line" || a == "--rounds" || a == "--cpu") && i + 1 < argc) {
-            long long v = strtoll(argv[++i], nullptr, 10);
-            if (v < (a == "--cpu" ? 0 : 1)) {
-                fprintf(stderr, "bench_execpipe: %s needs a %s number\n", a.c_str(),
-                        a == "--cpu" ? "non-negative" : "positive");
-                return 2;
-            }
-            if (a == "--mib") {
-                mib = v;
-            } else if (a == "--line") {
-                line = static_cast<long>(v);
-            } else if (a == "--rounds") {
-                rounds = static_cast<int>(v);
-            } else {
-                cpu = static_cast<int>(v);
-            }
-            continue;
-        }
-        fprintf(stderr, "bench_execpipe: unknown argument '%s'; try --help\n", a.c_str());
-        return 2;
-    }
+    long long mibOption = 64;
+    long long lineOption = 80;
+    long long roundsOption = 15;
+    long long cpuOption = -1;
+    bool noPin = false;
+    bench::readOptions(argc, argv, "bench_execpipe",
+                       "Usage: bench_execpipe [--mib N] [--line N] [--rounds N] [--cpu N | --no-pin]\n\n"
+                       "Reads N MiB (64) of lines of N bytes (80, line feed included) from a child with a\n"
+                       "plain read loop, through the exec pipe's ReadLine loop and through Exec into strings\n"
+                       "and into one text, all four in each of N rounds (15, after one that is not\n"
+                       "counted), pinned to one CPU (the last one, or --cpu N). Prints the medians of the\n"
+                       "CPU time of reader and child and of the wall time, and the medians of each round's\n"
+                       "ratios to the plain loop. Fails when Exec into one text takes more than 1.5x the\n"
+                       "CPU of the plain loop.\n",
+                       {{"--mib", &mibOption, 1, 65536},
+                        {"--line", &lineOption, 1, 1 << 20},
+                        {"--rounds", &roundsOption, 1, 1000},
+                        {"--cpu", &cpuOption, 0, 4095}},
+                       {{"--no-pin", &noPin}});
+    const long long mib = mibOption;
+    const long line = static_cast<long>(lineOption);
+    const int rounds = static_cast<int>(roundsOption);
+    const int cpu = static_cast<int>(cpuOption);
+    const bool pin = !noPin;
 
     Source source{besideMe(argv[0], "execpipe_bench_source"), mib * 1024 * 1024, line};
     if (access(source.program.c_str(), X_OK) != 0) {

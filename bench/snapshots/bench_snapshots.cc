@@ -24,6 +24,7 @@
 #include <string>
 #include <vector>
 
+#include "../bench_options.h"
 #include "../provider_child.h"
 #include "snapshot_job.h"
 #include "text.h"
@@ -163,34 +164,25 @@ std::map<std::string, int> runsByKind(const std::string &evasim, int &total)
 
 int main(int argc, char **argv)
 {
-    int disks = 10000;
-    int copies = 64;
-    int rounds = 3;
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0) {
-            std::printf("Usage: bench_snapshots [--disks N] [--copies N] [--rounds N]\n\n"
-                        "Times select and make of libtamlin.so through dlopen, vsnaps of N copies (default\n"
-                        "64) of disks of an evasim cell of N disks (default 10000), each round in a fresh\n"
-                        "process on a fresh world. Prints wall time, the SSSU runs of the two entries and\n"
-                        "the CPU of the provider beside its SSSU runs'; fails when the runs are not one per\n"
-                        "disk for select and three per disk for make, or the provider's share of the CPU\n"
-                        "reaches 10%%.\n");
-            return 0;
-        }
-        if (i + 1 < argc && std::strcmp(argv[i], "--disks") == 0) {
-            disks = std::atoi(argv[++i]);
-        } else if (i + 1 < argc && std::strcmp(argv[i], "--copies") == 0) {
-            copies = std::atoi(argv[++i]);
-        } else if (i + 1 < argc && std::strcmp(argv[i], "--rounds") == 0) {
-            rounds = std::atoi(argv[++i]);
-        } else {
-            std::fprintf(stderr, "bench_snapshots: unknown argument '%s' (see --help)\n", argv[i]);
-            return 2;
-        }
-    }
-    if (disks < 1 || rounds < 1 || copies < 1 || copies > disks) {
-        std::fprintf(stderr, "bench_snapshots: --disks, --copies and --rounds take positive numbers, copies at "
-                             "most disks\n");
+    long long disksOption = 10000;
+    long long copiesOption = 64;
+    long long roundsOption = 3;
+    bench::readOptions(argc, argv, "bench_snapshots",
+                       "Usage: bench_snapshots [--disks N] [--copies N] [--rounds N]\n\n"
+                       "Times select and make of libtamlin.so through dlopen, vsnaps of N copies (default\n"
+                       "64) of disks of an evasim cell of N disks (default 10000), each round in a fresh\n"
+                       "process on a fresh world. Prints wall time, the SSSU runs of the two entries and\n"
+                       "the CPU of the provider beside its SSSU runs'; fails when the runs are not one per\n"
+                       "disk for select and three per disk for make, or the provider's share of the CPU\n"
+                       "reaches 10%.\n",
+                       {{"--disks", &disksOption, 1, 10000000},
+                        {"--copies", &copiesOption, 1, 100000},
+                        {"--rounds", &roundsOption, 1, 1000}});
+    const int disks = static_cast<int>(disksOption);
+    const int copies = static_cast<int>(copiesOption);
+    const int rounds = static_cast<int>(roundsOption);
+    if (copies > disks) {
+        std::fprintf(stderr, "bench_snapshots: --copies can't be more than --disks\n");
         return 2;
     }
 
