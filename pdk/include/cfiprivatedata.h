@@ -61,8 +61,8 @@ public:
     virtual std::vector<std::string> getTargets();
     virtual void addTarget(std::string target);
     virtual void setConfiguredTarget(std::string &target);
-    // Reads the "snapshot_resource_spec" value of mode 1, finds the specification whose source
-    // is this node's disk and keeps its targets; the first becomes the configured target.
+    // Reads the "snapshot_resource_spec" value of mode 1, finds the entry whose source is this
+    // node's disk and keeps its targets; the first becomes the configured target.
     // 0, or 6 with the reason traced. Throws CFiUdidException if the node's name is no UDID.
     virtual int selectTargetFromConfigData();
 

@@ -261,19 +261,19 @@ int CFiPrivateData::selectTargetFromConfigData()
     trace(3, "FI_CONFIG_PARAM_SNAPSHOT_RESOURCE_SPEC: [%s]", value.c_str());
 
     value = CFiStringTool::convertFromXmlSpecialCharacters(value);
-    const std::vector<std::string> specifications = CFiStringTool::tokenize(value, "[]&\n\r");
-    if (specifications.empty() || value.empty()) {
+    const std::vector<std::string> entries = CFiStringTool::tokenize(value, "[]&\n\r");
+    if (entries.empty() || value.empty()) {
         trace(1, "Configuration \"%s\" has no resources specified for source [%S].", value.c_str(), name);
         return QRN_ERR_FAILED;
     }
 
     m_targets.clear();
     bool found = false;
-    for (const std::string &specification : specifications) {
-        trace(3, "Info: resourceSpec [%s] \n", specification.c_str());
-        const std::vector<std::string> parts = CFiStringTool::tokenize(specification, ";");
+    for (const std::string &entry : entries) {
+        trace(3, "Info: resourceSpec [%s] \n", entry.c_str());
+        const std::vector<std::string> parts = CFiStringTool::tokenize(entry, ";");
         if (parts.empty()) {
-            trace(1, "Source configuration \"%s\" has not targets specified for [%S].", specification.c_str(), name);
+            trace(1, "Source configuration \"%s\" has not targets specified for [%S].", entry.c_str(), name);
             return QRN_ERR_FAILED;
         }
         std::string enclosure;
@@ -308,7 +308,7 @@ int CFiPrivateData::selectTargetFromConfigData()
             trace(3, "Source found [%s] \n", udid.toString().c_str());
             found = true;
         }
-        // The first specification of this node's disk wins; later ones aren't read.
+        // The first entry for this node's disk wins; later ones aren't read.
         if (found) {
             break;
         }
