@@ -134,7 +134,7 @@ TEST_F(Provider, ANullFilterListsEveryDiskOfEveryCellWithItsIdentity)
 
 // Which key passes which cell or disk is tested on the rules (tests/rules); here, that the
 // listing asks them per cell and per disk.
-TEST_F(Provider, FilterKeysSelectCellsAndDisks)
+TEST_F(Provider, FilterKeysAndFlagsSelectCellsAndDisks)
 {
     Site site({kCv1, kCv2});
     ASSERT_EQ(start(), 0);
@@ -146,6 +146,9 @@ TEST_F(Provider, FilterKeysSelectCellsAndDisks)
                                         "HP##HSV##EVA01##db\\logs", "HP##HSV##EVA02##db\\remote"}));
     EXPECT_TRUE(diskNames(0, L"node_prefix=\\DB\\").empty());
     EXPECT_TRUE(site.log().find("Due to aggressive filtering ZERO disks are returned.") != std::string::npos);
+    EXPECT_EQ(diskNames(0x10 | 0x80, L"enclosure_name=EVA01"),
+              std::vector<std::string>{"HP##HSV##EVA01##db\\data\\data_snap"});
+    EXPECT_TRUE(diskNames(0x40, L"enclosure_name=EVA01", 6).empty()) << "64 without 16 is refused";
 
     // Any login from here on would use up the armed fault.
     ASSERT_EQ(evasim("fault https --count 5").status, 0);
@@ -154,17 +157,6 @@ TEST_F(Provider, FilterKeysSelectCellsAndDisks)
     EXPECT_TRUE(none.empty());
     EXPECT_EQ(ProviderInstall::table("faults").at(0).at("remaining"), "5")
         << "an enclosure that no cell is asks no array";
-}
-
-TEST_F(Provider, FlagsLeaveOutSnapshotsOrActiveDisksAndRefuseWithoutTheServedBit)
-{
-    Site site({kCv1});
-    ASSERT_EQ(start(), 0);
-    const wchar_t *eva01 = L"enclosure_name=EVA01";
-    EXPECT_EQ(diskNames(0x10 | 0x40, eva01),
-              (std::vector<std::string>{"HP##HSV##EVA01##d1", "HP##HSV##EVA01##db\\data", "HP##HSV##EVA01##db\\logs"}));
-    EXPECT_EQ(diskNames(0x10 | 0x80, eva01), std::vector<std::string>{"HP##HSV##EVA01##db\\data\\data_snap"});
-    EXPECT_TRUE(diskNames(0x40, eva01, 6).empty()) << "64 without 16 is refused";
 }
 
 TEST_F(Provider, AnotherProviderOrVendorAsksNoArray)
@@ -242,7 +234,7 @@ TEST_F(Provider, ACellThatFailsFourTimesEndsTheListingAndKeepsEarlierCells)
               std::string::npos);
 }
 
-TEST_F(Provider, EnclosuresOnceEachThoughServersShareACell)
+TEST_F(Provider, EnclosuresOnceEachThoughServersShareACellAndTheirHosts)
 {
     Site site({kCv1, kCv2});
     ASSERT_EQ(start(), 0);
@@ -273,17 +265,13 @@ TEST_F(Provider, EnclosuresOnceEachThoughServersShareACell)
     ASSERT_EQ(count, 1);
     EXPECT_EQ(narrow(list->name), "EVA02");
     freeList(list);
-}
 
-TEST_F(Provider, HostsByTheirLastPathComponentWithPlainPorts)
-{
-    Site site({kCv1, kCv2});
-    ASSERT_EQ(start(), 0);
-    qrn_host_node_list *list = nullptr;
-    int32_t count = 0;
-    ASSERT_EQ(provider()->enumerate_host_nodes(&list, &count, nullptr), 0);
+    // Hosts by the last component of their path, with plain ports.
+    qrn_host_node_list *hosts = nullptr;
+    count = 0;
+    ASSERT_EQ(provider()->enumerate_host_nodes(&hosts, &count, nullptr), 0);
     std::multiset<std::string> rows;
-    for (const qrn_host_node_list *h = list; h != nullptr; h = h->next) {
+    for (const qrn_host_node_list *h = hosts; h != nullptr; h = h->next) {
         std::string row = narrow(h->enclosureId) + " " + narrow(h->hostName) + ":";
         for (uint32_t i = 0; i < h->portCount; ++i) {
             row += " " + narrow(h->ports[i]);
@@ -299,7 +287,7 @@ TEST_F(Provider, HostsByTheirLastPathComponentWithPlainPorts)
                         "5000-1FE1-5000-00A1 h2: 10000000C9000002 10000000C9000003",
                         "5000-1FE1-5000-00B2 h1: 10000000C9000001",
                     }));
-    freeList(list);
+    freeList(hosts);
 }
 
 TEST_F(Provider, NoServerThatAnswersFailsTheFirstEntryAndTheNextGoesOn)

@@ -1,6 +1,6 @@
 // The provider's rules on records made in the test: which flags are refused, which filters pass
-// the provider, a cell and a disk, how a host is named, the checks of a snapshot group, the
-// free snapshot name and the flags that start a restore.
+// the provider, a cell and a disk, the checks of a snapshot group and the
+// free snapshot name.
 #include <gtest/gtest.h>
 
 #include "hpeva_rules.h"
@@ -61,13 +61,6 @@ TEST(EnumerationRules, ADiskByItsPrefixWithCaseAndAsSnapshotOrActive)
     EXPECT_FALSE(diskPasses(db, FLAG_SERVED | FLAG_NO_ACTIVE, active));
     EXPECT_TRUE(diskPasses(db, FLAG_SERVED | FLAG_NO_ACTIVE, snapshot));
     EXPECT_FALSE(diskPasses(db, FLAG_SERVED | FLAG_NO_SNAPSHOTS | FLAG_NO_ACTIVE, snapshot));
-}
-
-TEST(EnumerationRules, AHostByTheLastComponentOfItsPath)
-{
-    EXPECT_EQ(hostDisplayName("\\Hosts\\lab\\rack\\db01"), L"db01");
-    EXPECT_EQ(hostDisplayName("\\Hosts\\h1"), L"h1");
-    EXPECT_EQ(hostDisplayName("plain"), L"plain");
 }
 
 // Selection, DR groups and the free snapshot name, on records made here. The keys' arguments
@@ -221,15 +214,4 @@ TEST(SnapshotNameRules, NoNameForASnapshotAndALongNameEndsTheSearch)
         freeSnapshotName(longName, true, "_vsnap", {"\\Virtual Disks\\f\\" + std::string(300, 'x')}, name, path));
     EXPECT_EQ(name.size(), SNAPSHOT_NAME_MAX);
     EXPECT_EQ(path.size(), SNAPSHOT_NAME_MAX);
-}
-
-// The command lists as they reach the array: restore_array_test and restore_e2e_test.
-TEST(RestoreRules, FlagsThatStartAPair)
-{
-    for (int32_t flags : {0, 0x1, 0x100, 0x101, 0x3, 0x102}) {
-        EXPECT_TRUE(restoreStarts(flags)) << flags;
-    }
-    for (int32_t flags : {0x2, 0x10, 0x200, -0x102}) {
-        EXPECT_FALSE(restoreStarts(flags)) << flags;
-    }
 }

@@ -134,6 +134,15 @@ protected:
         return made;
     }
 
+    // Select, then make on a new session: the make's result.
+    int selectAndMake(const std::string &method, const std::vector<std::wstring> &udids,
+                      std::vector<std::wstring> &targets)
+    {
+        std::unique_ptr<SnapshotJob> made = job(method, udids);
+        EXPECT_EQ(made->select(), QRN_OK) << method;
+        return made->make(targets);
+    }
+
     static bool said(const std::string &fragment)
     {
         for (const std::string &text : s_said) {
@@ -162,10 +171,8 @@ const char kAddData[] = "EVA01> ADD SNAPSHOT \"data_vsnap000\" VDISK=\"\\Virtual
 
 TEST_F(Snapshots, VsnapsOfTwoDisksExactScriptsAndTheirTargets)
 {
-    std::unique_ptr<SnapshotJob> vsnaps = job("HPEVA_VSnap", {disk("0002"), disk("0001")});
-    ASSERT_EQ(vsnaps->select(), QRN_OK);
     std::vector<std::wstring> targets;
-    ASSERT_EQ(vsnaps->make(targets), QRN_OK);
+    ASSERT_EQ(selectAndMake("HPEVA_VSnap", {disk("0002"), disk("0001")}, targets), QRN_OK);
 
     // Selection reads each disk by its identity; creation goes by the session's order (by
     // UDID), each copy on the first free name, added, then read back.
@@ -194,13 +201,9 @@ TEST_F(Snapshots, VsnapsOfTwoDisksExactScriptsAndTheirTargets)
 
 TEST_F(Snapshots, NamesSkipTakenOnesAndCountInHexadecimal)
 {
-    std::unique_ptr<SnapshotJob> snapshot = job("HPEVA_Snapshot", {disk("0011")});
-    ASSERT_EQ(snapshot->select(), QRN_OK);
     std::vector<std::wstring> targets;
-    ASSERT_EQ(snapshot->make(targets), QRN_OK);
-    std::unique_ptr<SnapshotJob> vsnap = job("HPEVA_VSnap", {disk("0021")});
-    ASSERT_EQ(vsnap->select(), QRN_OK);
-    ASSERT_EQ(vsnap->make(targets), QRN_OK);
+    ASSERT_EQ(selectAndMake("HPEVA_Snapshot", {disk("0011")}, targets), QRN_OK);
+    ASSERT_EQ(selectAndMake("HPEVA_VSnap", {disk("0021")}, targets), QRN_OK);
 
     const std::vector<std::string> runs = scripts();
     ASSERT_EQ(runs.size(), 8u);
@@ -214,10 +217,8 @@ TEST_F(Snapshots, NamesSkipTakenOnesAndCountInHexadecimal)
 
 TEST_F(Snapshots, ASnapcloneBesideItsFamilyWithItsWaitEndingAtTheFirstRead)
 {
-    std::unique_ptr<SnapshotJob> clone = job("HPEVA_Snapclone", {disk("0013")});
-    ASSERT_EQ(clone->select(), QRN_OK);
     std::vector<std::wstring> targets;
-    ASSERT_EQ(clone->make(targets), QRN_OK);
+    ASSERT_EQ(selectAndMake("HPEVA_Snapclone", {disk("0013")}, targets), QRN_OK);
 
     // The read-back finds the copy starting (snapclone_reads=1); the wait's first read finds it
     // done, so nothing sleeps.
@@ -236,10 +237,8 @@ TEST_F(Snapshots, ASnapcloneBesideItsFamilyWithItsWaitEndingAtTheFirstRead)
 
 TEST_F(Snapshots, ADrGroupIsSuspendedOnceForItsRemoteCopiesAndResumedBeforeTheWait)
 {
-    std::unique_ptr<SnapshotJob> dr = job("HPEVA_DRGroup_Snapclone", {disk("0031"), disk("0032"), disk("0033")});
-    ASSERT_EQ(dr->select(), QRN_OK);
     std::vector<std::wstring> targets;
-    ASSERT_EQ(dr->make(targets), QRN_OK);
+    ASSERT_EQ(selectAndMake("HPEVA_DRGroup_Snapclone", {disk("0031"), disk("0032"), disk("0033")}, targets), QRN_OK);
 
     std::vector<std::string> expected = {
         "EVA01> REFRESH | FIND VDISK LUNWWID=6005-08b4-0001-0000-0000-0000-0000-0031 XML",
@@ -309,10 +308,8 @@ TEST_F(Snapshots, AResumeThatFailsWhileAnotherFailurePassesIsToldAndTheHostLives
 {
     ASSERT_EQ(evasim("fault error --match 'ADD COPY'").status, 0);
     ASSERT_EQ(evasim("fault error --match NOSUSPEND --message 'Link busy'").status, 0);
-    std::unique_ptr<SnapshotJob> dr = job("HPEVA_DRGroup_Snapclone", {disk("0031"), disk("0032")});
-    ASSERT_EQ(dr->select(), QRN_OK);
     std::vector<std::wstring> targets;
-    EXPECT_EQ(dr->make(targets), QRN_ERR_FAILED);
+    EXPECT_EQ(selectAndMake("HPEVA_DRGroup_Snapclone", {disk("0031"), disk("0032")}, targets), QRN_ERR_FAILED);
 
     // The copy's failure stays the reason; the group left suspended is told before it.
     const Pushed cause = lastError();
@@ -476,10 +473,8 @@ TEST_F(Snapshots, TheArraysOwnRefusalsReachTheHostWithSssusLineAndChangeNothing)
 {
     ASSERT_EQ(evasim("set copies_per_source=2").status, 0);
     const std::map<std::string, std::string> before = disks();
-    std::unique_ptr<SnapshotJob> vsnap = job("HPEVA_VSnap", {disk("0011")});
-    ASSERT_EQ(vsnap->select(), QRN_OK);
     std::vector<std::wstring> targets;
-    EXPECT_EQ(vsnap->make(targets), QRN_ERR_FAILED);
+    EXPECT_EQ(selectAndMake("HPEVA_VSnap", {disk("0011")}, targets), QRN_ERR_FAILED);
     Pushed pushed = lastError();
     EXPECT_EQ(pushed.key, "MSG_ERROR_CLI_COMMAND_FAILED");
     EXPECT_EQ(pushed.arguments.at(3), "Error: The Vdisk \\Virtual Disks\\app\\web\\ACTIVE already has the most "
@@ -487,9 +482,7 @@ TEST_F(Snapshots, TheArraysOwnRefusalsReachTheHostWithSssusLineAndChangeNothing)
     EXPECT_EQ(disks(), before);
 
     ASSERT_EQ(evasim("change cell EVA01 total=55GB").status, 0);
-    std::unique_ptr<SnapshotJob> clone = job("HPEVA_Snapclone", {disk("0001")});
-    ASSERT_EQ(clone->select(), QRN_OK);
-    EXPECT_EQ(clone->make(targets), QRN_ERR_FAILED);
+    EXPECT_EQ(selectAndMake("HPEVA_Snapclone", {disk("0001")}, targets), QRN_ERR_FAILED);
     pushed = lastError();
     EXPECT_EQ(pushed.key, "MSG_ERROR_CLI_COMMAND_FAILED");
     EXPECT_EQ(pushed.arguments.at(3).rfind("Error: Not enough free space in the disk group", 0), 0u)
