@@ -79,6 +79,8 @@ protected:
     uint64_t m_outputLimit = 0;
 
 private:
+    // Exec's end for either kind of output: the child closed down when the pipe was made so.
+    int closeAfterExec(int result);
     // What ExecMain does, into either kind of output.
     template <class Output>
     int run(const std::string &command, Output &output, const std::string &extra, uint32_t seconds,

@@ -55,21 +55,18 @@ int CFiExecPipeBase::Exec(std::string command, std::vector<std::string> &output,
                           std::string directory, std::string user, std::string password)
 {
     CFiTraceLogFunction function(m_traceLog, "qorin_pdk_4_4::CFiExecPipeBase::Exec");
-    int result = ExecMain(command, output, extra, seconds, directory, user, password);
-    if (m_closeAfterExec) {
-        int closed = Close(10);
-        if (closed != 0) {
-            trace(2, "Close of the process returned %d", closed);
-        }
-    }
-    return result;
+    return closeAfterExec(ExecMain(command, output, extra, seconds, directory, user, password));
 }
 
 int CFiExecPipeBase::Exec(std::string command, CFiOutputLines &output, std::string extra, uint32_t seconds,
                           std::string directory, std::string user, std::string password)
 {
     CFiTraceLogFunction function(m_traceLog, "qorin_pdk_4_4::CFiExecPipeBase::Exec");
-    int result = run(command, output, extra, seconds, directory, user, password);
+    return closeAfterExec(run(command, output, extra, seconds, directory, user, password));
+}
+
+int CFiExecPipeBase::closeAfterExec(int result)
+{
     if (m_closeAfterExec) {
         int closed = Close(10);
         if (closed != 0) {
