@@ -68,20 +68,6 @@ TEST_F(ArrayRules, SnapshotsLieInTheFamilyAndTakeSpaceByTheirAllocation)
               "Error: \\Virtual Disks\\nosuch\\ACTIVE not found");
 }
 
-TEST_F(ArrayRules, SnapcloneIsAFamilyBesideTheSourceAndRunsForTheConfiguredReads)
-{
-    ASSERT_EQ(h.evasim({"set", "snapclone_reads=2"}).status, 0);
-    ok({"ADD COPY \"d2_clone000\" VDISK=\"\\Virtual Disks\\f\\d2\\ACTIVE\""});
-    std::string const clone = "\\Virtual Disks\\f\\d2_clone000\\ACTIVE";
-    EXPECT_EQ(h.disk(clone).at("type"), "snapclone");
-    EXPECT_EQ(sharing(clone), "snapclone_in_progress");
-    EXPECT_EQ(sharing(clone), "snapclone_in_progress");
-    EXPECT_EQ(sharing(clone), "none");
-    EXPECT_EQ(sharing(clone), "none");
-    const Outcome source = ok({"LS VDISK \"\\Virtual Disks\\f\\d2\\ACTIVE\" XML"});
-    EXPECT_EQ(element(source.out, "childvdiskname"), "n/a") << "a finished clone is no child";
-}
-
 TEST_F(ArrayRules, DeletingGivesTheSpaceBack)
 {
     const double before = usedGb("EVA01");

@@ -55,6 +55,7 @@ TEST_F(Copies, ReadsCountPerUnitOfCapacityWhenAskedAndOnlyReadsThatShowTheCopyCo
     EXPECT_EQ(read(kClone), "none");
     EXPECT_EQ(read("d1"), "none");
     EXPECT_EQ(read(kClone, "operationalstatedetail"), "none");
+    EXPECT_EQ(read("d1", "childvdiskname"), "n/a") << "a finished clone is no child";
 }
 
 TEST_F(Copies, SecondsFollowTheSimulatedClockForSnapclonesAndRestores)

@@ -101,16 +101,6 @@ TEST_F(SssuSession, ALoginWithoutUserOrPasswordIsAnErrorOfItsOwn)
               "Error: SELECT MANAGER needs a password: PASSWORD=<password>");
 }
 
-TEST_F(SssuSession, WithoutStateNoServerAnswersButTheBannerStillShows)
-{
-    ASSERT_EQ(h.evasim({"reset"}).status, 0);
-    const Outcome version = h.sssu({}, "", "");
-    EXPECT_EQ(version.status, 0);
-    EXPECT_TRUE(version.has("Version: 8.0.2 \n"));
-    const Outcome login = h.sssu({"ls cell"});
-    EXPECT_EQ(login.lines().back(), "Error opening https connection");
-}
-
 TEST_F(SssuSession, CommandsBeforeTheirSelectionAreRefused)
 {
     const Outcome noManager = h.sssu({"ls cell"}, "", "");

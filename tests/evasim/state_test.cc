@@ -38,15 +38,6 @@ TEST_F(State, ACommandRefusedForAnyPartChangesNothing)
     }
 }
 
-TEST_F(State, CommandsBeforeAnErrorStayAndThoseAfterItNeverRun)
-{
-    const Outcome r = h.sssu(
-        {"ADD SNAPSHOT \"first\" VDISK=\"d1\"", "DELETE VDISK \"nosuch\"", "ADD SNAPSHOT \"second\" VDISK=\"d1\""});
-    EXPECT_EQ(r.status, 1);
-    EXPECT_FALSE(h.disk("\\Virtual Disks\\d1\\first").empty());
-    EXPECT_TRUE(h.disk("\\Virtual Disks\\d1\\second").empty());
-}
-
 // Each command is kept as it completes. A run killed at any line of its output keeps every
 // command whose answer had begun and none after; the state never holds half a command.
 TEST_F(State, ARunKilledAtAnyLineKeepsExactlyTheCommandsAnsweredBeforeIt)

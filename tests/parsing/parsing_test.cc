@@ -172,19 +172,12 @@ TEST(MassageOutput, KeepsOnlyTheObjectsInOneRoot)
                                       "  <objectname>b</objectname>",
                                       "</object>",
                                       "EVA01> exit"};
-    const size_t before = lines.size();
     CHpEvaCliTool::massageOutput(lines);
-    ASSERT_EQ(lines.size(), before + 2);
-    EXPECT_EQ(lines.front(), "<?xml version=\"1.0\" standalone=\"yes\" ?><hpeva_dataset>");
-    EXPECT_EQ(lines.back(), "</hpeva_dataset>");
-    for (size_t i = 1; i <= 4; ++i) {
-        EXPECT_EQ(lines[i], "") << i;
-    }
-    EXPECT_EQ(lines[5], "<object>");
-    EXPECT_EQ(lines[8], "");  // the banner between the objects
-    EXPECT_EQ(lines[9], "<object>");
-    EXPECT_EQ(lines[11], "</object>");
-    EXPECT_EQ(lines[12], "");  // the prompt behind the last object
+    // Blanked: everything before the first object, the banner between objects, the prompt after.
+    EXPECT_EQ(lines,
+              (std::vector<std::string>{"<?xml version=\"1.0\" standalone=\"yes\" ?><hpeva_dataset>", "", "", "", "",
+                                        "<object>", "  <objectname>a</objectname>", "</object>", "", "<object>",
+                                        "  <objectname>b</objectname>", "</object>", "", "</hpeva_dataset>"}));
 
     CHpEvaLsVdiskHandler handler(someCell());
     CFiSaxParser parser(&handler, nullptr);
@@ -282,14 +275,10 @@ TEST(VdiskHandler, DisksInOrderContainersDroppedNothingCarriedOver)
     EXPECT_EQ(a.familyname, "fam");
     EXPECT_EQ(a.wwlunid, "6005-08b4-0001-0000-0000-0000-0001-0000");
     EXPECT_EQ(a.capacity, 2147483648ull);
-    EXPECT_EQ(a.sharingrelationship, "none");
-    EXPECT_EQ(a.parentvdiskname, "n/a");
-    EXPECT_EQ(a.childvdiskname, "n/a");
     EXPECT_EQ(a.presentations, (std::map<std::string, int32_t>{{"\\Hosts\\h1", 3}, {"\\Hosts\\h2", 7}}));
     // The cell part is the constructor's, not the disk's own objectwwn.
     EXPECT_EQ(a.objectwwn, "5000-1FE1-5000-0001");
     EXPECT_EQ(a.cellname, L"EVA01");
-    EXPECT_EQ(a.password, L"secret");
     // The disk behind the container has none of its values.
     EXPECT_EQ(d.objectname, "\\Virtual Disks\\d\\ACTIVE");
     EXPECT_EQ(d.wwlunid, "");
