@@ -7,10 +7,10 @@
 #include <cstring>
 #include <string>
 
-#include "provider_fixture.h"
-#include "provider_install.h"
+#include "host_node.h"
 #include "qorinutil.h"
 #include "qrn_results.h"
+#include "started_provider.h"
 
 namespace {
 
@@ -18,30 +18,8 @@ const wchar_t kDisk[] = L"UDID##HP##HSV##5000-1FE1-5000-A9F0##6005-08B4-0001";
 const wchar_t kValues[] = L"<ConfigValueList><ConfigValue><key>snapshot_resource_spec</key>"
                           L"<value>[E##D;T&amp;1]</value></ConfigValue></ConfigValueList>";
 
-struct HostNode {
-    explicit HostNode(const wchar_t *name)
-    {
-        memset(&domain, 0, sizeof domain);
-        domain.id = qorin_get_objid(name, static_cast<uint32_t>((wcslen(name) + 1) * sizeof(wchar_t)), 3);
-    }
-    ~HostNode() { free(domain.id); }
-    qrn_domain domain;
-};
-
-class ConfigEntry : public ::testing::Test {
+class ConfigEntry : public StartedProvider {
 protected:
-    static void SetUpTestSuite()
-    {
-        site = new ProviderInstall;
-        ASSERT_TRUE(site->ok()) << site->loadReport();
-        uint16_t version[4] = {0, 0, 0, 0};
-        ASSERT_EQ(provider()->init(nullptr, version), QRN_OK);
-    }
-    static void TearDownTestSuite()
-    {
-        provider()->fini();
-        delete site;
-    }
     void SetUp() override { ASSERT_EQ(provider()->init_node(&node.domain, nullptr, 0, nullptr), QRN_OK); }
     void TearDown() override { provider()->deinit_node(&node.domain); }
 
@@ -78,11 +56,9 @@ protected:
         return copy;
     }
 
-    static ProviderInstall *site;
     HostNode node{kDisk};
     std::wstring out;
 };
-ProviderInstall *ConfigEntry::site = nullptr;
 
 }  // namespace
 

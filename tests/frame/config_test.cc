@@ -9,6 +9,7 @@
 #include "cfipluginbase.h"
 #include "cfiprivatedataconcretefactory.h"
 #include "cfiprivatedatamanager.h"
+#include "host_node.h"
 #include "qorinutil.h"
 #include "qrn_results.h"
 
@@ -30,18 +31,11 @@ public:
 // A node record with its own identifier, and the host's side of a call.
 class Config : public ::testing::Test {
 protected:
-    Config()
-    {
-        memset(&node, 0, sizeof node);
-        id = qorin_get_objid(L"N1", static_cast<uint32_t>(3 * sizeof(wchar_t)), 3);
-        node.id = id;
-        data = plugin.attach(&node);
-    }
+    Config() : data(plugin.attach(&node)) {}
     ~Config() override
     {
         data = CFiPrivateDataPtr();
         plugin.manager->getFactory()->destroy(&node);
-        free(id);
     }
 
     // The operation's result; text is what the host got back ("null" for none), freed here.
@@ -70,8 +64,8 @@ protected:
     }
 
     Plugin plugin;
-    qrn_domain node;
-    qorin_objid *id;
+    HostNode host{L"N1"};
+    qrn_domain &node = host.domain;
     CFiPrivateDataPtr data;
     std::string text;
 };

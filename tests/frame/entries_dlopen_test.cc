@@ -10,35 +10,17 @@
 #include <vector>
 
 #include "host_context.h"
-#include "provider_fixture.h"
-#include "provider_install.h"
 #include "qorinutil.h"
 #include "qrn_results.h"
 #include "result_lists.h"
+#include "started_provider.h"
 
 namespace {
 
-class Entries : public ::testing::Test {
+class Entries : public StartedProvider {
 protected:
-    static void SetUpTestSuite()
-    {
-        site = new ProviderInstall;
-        ASSERT_TRUE(site->ok()) << site->loadReport();
-        uint16_t version[4] = {0, 0, 0, 0};
-        ASSERT_TRUE(provider().isOpen());
-        ASSERT_EQ(provider()->init(nullptr, version), 0) << "a null host pointer works";
-    }
-    static void TearDownTestSuite()
-    {
-        provider()->fini();
-        delete site;
-    }
-
-    static ProviderInstall *site;
-
     const ProviderLibrary &lib() { return provider(); }
 };
-ProviderInstall *Entries::site = nullptr;
 
 qrn_domain blankNode()
 {
@@ -94,29 +76,6 @@ TEST_F(Entries, ProviderInfoStartsFromAnEmptyList)
     result_lists::freeList(list);
 }
 
-TEST_F(Entries, GetStatusWritesEightForEachElement)
-{
-    int32_t status[3] = {0, 0, 0};
-    EXPECT_EQ(lib()->get_status(nullptr, nullptr, 3, nullptr, 0, status), 0);
-    EXPECT_EQ(status[0], 8);
-    EXPECT_EQ(status[1], 8);
-    EXPECT_EQ(status[2], 8);
-}
-
-TEST_F(Entries, ErrmsgReducesCodesAboveTheOffsetToTheSameKey)
-{
-    const wchar_t *reduced = nullptr;
-    const wchar_t *plain = nullptr;
-    ASSERT_EQ(lib()->errmsg(6012, &reduced), 0);
-    ASSERT_NE(reduced, nullptr);
-    std::wstring first = reduced;
-    ASSERT_EQ(lib()->errmsg(12, &plain), 0);
-    ASSERT_NE(plain, nullptr);
-    EXPECT_EQ(first, std::wstring(plain));
-    EXPECT_NE(first.find(L"MSG_ERROR_TAMLIN_0012"), std::wstring::npos);
-    lib()->del_locale_message(const_cast<wchar_t **>(&plain));
-}
-
 TEST_F(Entries, ObjctlKeepsTheOperationResultInStatus)
 {
     wchar_t *outXml = nullptr;
@@ -169,14 +128,4 @@ TEST_F(Entries, ManyHostThreadsAtOnce)
         t.join();
     }
     EXPECT_EQ(failures, 0);
-}
-
-TEST(HostContextRecord, LanguageReachesTheProvider)
-{
-    std::vector<std::wstring> seen;
-    HostContext host("de", [&](const std::wstring &h, const std::wstring &d, int) { seen.push_back(h + d); });
-    ASSERT_NE(host.get()->language, nullptr);
-    EXPECT_STREQ(host.get()->language->name, "de");
-    HostContext none("", HostContext::Sink());
-    EXPECT_EQ(none.get()->language, nullptr) << "no language leaves the pointer null";
 }

@@ -16,9 +16,8 @@
 #include <type_traits>
 #include <vector>
 
-#include "provider_fixture.h"
-#include "provider_install.h"
 #include "result_lists.h"
+#include "started_provider.h"
 
 namespace {
 
@@ -88,24 +87,18 @@ std::set<std::string> &probed()
     return names;
 }
 
-class EntryPointers : public ::testing::Test {
+class EntryPointers : public StartedProvider {
 protected:
     static void SetUpTestSuite()
     {
-        site = new ProviderInstall;
-        ASSERT_TRUE(site->ok()) << site->loadReport();
-        uint16_t version[4] = {0, 0, 0, 0};
-        ASSERT_TRUE(provider().isOpen());
-        ASSERT_EQ(provider()->init(nullptr, version), 0);
+        StartedProvider::SetUpTestSuite();
+        if (HasFatalFailure()) {
+            return;
+        }
         // The delayed initialisation once, here, rather than in every child.
         qrn_enclosure_node_list *enclosures = nullptr;
         provider()->enumerate_enclosures(&enclosures, nullptr, nullptr);
         result_lists::freeList(enclosures);
-    }
-    static void TearDownTestSuite()
-    {
-        provider()->fini();
-        delete site;
     }
     void SetUp() override
     {
@@ -138,10 +131,7 @@ protected:
             }
         }
     }
-
-    static ProviderInstall *site;
 };
-ProviderInstall *EntryPointers::site = nullptr;
 
 #define P(name) probe(#name, provider().entries().name)
 

@@ -83,39 +83,6 @@ TEST(PluginDefaults, ListOperationsGuardTheirOutParameter)
     EXPECT_EQ(fims, nullptr);
 }
 
-TEST(PluginDefaults, NotProvidedOperationsAnswerFour)
-{
-    CFiSmartPtr<TestPlugin> plugin(new TestPlugin);
-    char session[] = "s";
-    EXPECT_EQ(plugin->make(session, nullptr, 0, nullptr, nullptr), QRN_ERR_NOT_PROVIDED);
-    EXPECT_EQ(plugin->prepare(session, nullptr, 0, 0), QRN_ERR_NOT_PROVIDED);
-    EXPECT_EQ(plugin->select(session, nullptr, 0), QRN_ERR_NOT_PROVIDED);
-    CFiSessionPtr none;
-    EXPECT_EQ(plugin->makeSnapshots(none), QRN_ERR_NOT_PROVIDED);
-    EXPECT_EQ(plugin->prepareSnapshots(none), 0);
-    EXPECT_EQ(plugin->selectSnapshots(none), 0);
-    EXPECT_EQ(plugin->isValidNodeAssociation(nullptr, nullptr), QRN_ERR_NOT_PROVIDED);
-    EXPECT_EQ(plugin->restore(nullptr, nullptr, 0, nullptr, nullptr, 0, nullptr), QRN_ERR_NOT_PROVIDED);
-    qrn_domain node = makeNode();
-    int32_t exists = 77;
-    EXPECT_EQ(plugin->checkNodeExistence(&node, &exists), QRN_ERR_NOT_PROVIDED);
-    EXPECT_EQ(exists, 77);
-}
-
-TEST(PluginDefaults, StatusAndSecondaries)
-{
-    CFiSmartPtr<TestPlugin> plugin(new TestPlugin);
-    int32_t status[4] = {0, 0, 0, -1};
-    EXPECT_EQ(plugin->getStatus(nullptr, nullptr, 3, nullptr, 0, status), 0);
-    EXPECT_EQ(status[0], 8);
-    EXPECT_EQ(status[2], 8);
-    EXPECT_EQ(status[3], -1) << "only count elements are written";
-    EXPECT_EQ(plugin->getStatus(nullptr, nullptr, 3, nullptr, 0, nullptr), 0);
-    int32_t count = 5;
-    EXPECT_EQ(plugin->queryValidSecondaries(nullptr, nullptr, &count), 0);
-    EXPECT_EQ(count, 0);
-}
-
 TEST(PluginDefaults, AccessBitsWalkTheListAndSkipEmptyElements)
 {
     CFiSmartPtr<TestPlugin> plugin(new TestPlugin);
@@ -134,27 +101,6 @@ TEST(PluginDefaults, AccessBitsWalkTheListAndSkipEmptyElements)
     EXPECT_EQ(b.flags, 0x0u);
     EXPECT_EQ(plugin->enableAccess(nullptr, 0, 0, 0), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(plugin->disableAccess(nullptr, 0), QRN_ERR_INVALID_ARGUMENT);
-}
-
-TEST(PluginDefaults, CapabilityProviderStateAndOwnerIds)
-{
-    CFiSmartPtr<TestPlugin> plugin(new TestPlugin);
-    qrn_domain node = makeNode();
-    uint32_t capability = 0xff;
-    node.capability = &capability;
-    char any[] = "any";
-    EXPECT_EQ(plugin->supportsFiType(&node, any), 0);
-    EXPECT_EQ(capability, 0u);
-
-    char data[] = "state";
-    qrn_blob blob = {6, data, 0};
-    EXPECT_EQ(plugin->processProviderState(&node, &blob, 2), 0);
-    EXPECT_EQ(blob.length, 6u) << "only a read-out empties the blob";
-    EXPECT_EQ(plugin->processProviderState(&node, &blob, 1), 0);
-    EXPECT_EQ(blob.length, 0u);
-    EXPECT_EQ(blob.data, nullptr);
-
-    EXPECT_EQ(plugin->setOwnerIds("root", 0, 0), 0);
 }
 
 TEST(PluginDefaults, DeInitNodeFreesTheMethodList)
@@ -194,10 +140,4 @@ TEST(PluginDefaults, ErrMsgReducesOnlyCodesAboveTheOffset)
     EXPECT_EQ(reducedText, L"<MSG_ERROR_TAMLIN_0012>");
     EXPECT_EQ(plugin->errMsg(6000, &offset), 0);
     EXPECT_STREQ(offset, L"<MSG_ERROR_TAMLIN_6000>");
-}
-
-TEST(PluginDefaults, ShuttingDownIsForGood)
-{
-    EXPECT_TRUE(CFiPluginBase::isShuttingDown(true));
-    EXPECT_TRUE(CFiPluginBase::isShuttingDown(false));
 }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "cfisessionmanager.h"
+#include "host_node.h"
 #include "hpeva_single_node.h"
 #include "qorinutil.h"
 #include "qrn_results.h"
@@ -14,19 +15,10 @@ using namespace qorin_pdk_4_4;
 
 namespace {
 
-struct Node {
-    explicit Node(const wchar_t *name, const char *method)
+struct Node : HostNode {
+    Node(const wchar_t *name, const char *method) : HostNode(name), split{const_cast<char *>(method), &domain, nullptr}
     {
-        memset(&domain, 0, sizeof domain);
-        id = qorin_get_objid(name, static_cast<uint32_t>((wcslen(name) + 1) * sizeof(wchar_t)), 3);
-        domain.id = id;
-        split.method = const_cast<char *>(method);
-        split.node = &domain;
-        split.group = nullptr;
     }
-    ~Node() { free(id); }
-    qrn_domain domain;
-    qorin_objid *id;
     qrn_splitnode split;
 };
 

@@ -69,22 +69,6 @@ TEST_F(SmartPointer, ReassignmentReleasesTheOldTarget)
     EXPECT_EQ(a.detach(), -1) << "detaching an empty pointer";
 }
 
-TEST_F(SmartPointer, AllocatorPolicies)
-{
-    CFiSmartPtr<Counted, CFiContextSingletonAllocator<Counted>> made(true);
-    ASSERT_FALSE(made.isNull());
-    EXPECT_EQ(made->refCount(), 1);
-    CFiSmartPtr<Counted, CFiNullAllocator<Counted>> none(true);
-    EXPECT_TRUE(none.isNull());
-
-    // Pointers differing only in policy, or pointing to a base, share one count.
-    CFiSmartPtr<Counted> other(made);
-    EXPECT_EQ(made->refCount(), 2);
-    CFiSmartPtr<Derived> derived(new Derived);
-    CFiSmartPtr<Counted> base(derived);
-    EXPECT_EQ(derived->refCount(), 2);
-}
-
 TEST_F(SmartPointer, ConcurrentCopiesNeverLoseOrDoubleDelete)
 {
     CFiSmartPtr<Counted> shared(new Counted);

@@ -14,9 +14,8 @@
 #include <string>
 #include <vector>
 
-#include "provider_fixture.h"
-#include "provider_install.h"
 #include "result_lists.h"
+#include "started_provider.h"
 
 namespace {
 
@@ -74,25 +73,7 @@ size_t threadCount()
     return n;
 }
 
-class Identity : public ::testing::Test {
-protected:
-    static void SetUpTestSuite()
-    {
-        site = new ProviderInstall;
-        ASSERT_TRUE(site->ok()) << site->loadReport();
-        ASSERT_TRUE(provider().isOpen());
-        uint16_t version[4] = {0, 0, 0, 0};
-        ASSERT_EQ(provider()->init(nullptr, version), 0);
-    }
-    static void TearDownTestSuite()
-    {
-        provider()->fini();
-        delete site;
-    }
-
-    static ProviderInstall *site;
-};
-ProviderInstall *Identity::site = nullptr;
+class Identity : public StartedProvider {};
 
 }  // namespace
 

@@ -2,7 +2,6 @@
 // threads may create their slots at the same moment.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <string>
 #include <thread>
 #include <vector>
@@ -80,34 +79,6 @@ TEST(ErrorSlots, EachThreadReadsOnlyItsOwn)
     other.join();
     EXPECT_EQ(seenByOther, "<none>,OTHER");
     EXPECT_EQ(keyOfLast(errors), "MAIN") << "the other thread's delete left this slot alone";
-}
-
-TEST(ErrorSlots, SimultaneousFirstPushesOfManyThreads)
-{
-    CFiErrorManager errors;
-    const int threads = 32;
-    std::atomic<int> ready{0};
-    std::atomic<int> wrong{0};
-    std::vector<std::thread> pool;
-    for (int t = 0; t < threads; ++t) {
-        pool.emplace_back([&, t] {
-            ++ready;
-            while (ready < threads) {
-                std::this_thread::yield();
-            }
-            for (int i = 0; i < 200; ++i) {
-                std::string key = "T" + std::to_string(t) + "_" + std::to_string(i);
-                errors.pushError(message(key, i));
-                if (keyOfLast(errors) != key) {
-                    ++wrong;
-                }
-            }
-        });
-    }
-    for (auto &t : pool) {
-        t.join();
-    }
-    EXPECT_EQ(wrong, 0);
 }
 
 TEST(Handlers, EveryHandlerInOrderAndTextsFillNoSlot)

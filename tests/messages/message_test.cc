@@ -57,25 +57,6 @@ TEST(Serialize, OneHeaderOneLinePerArgumentAndAnEnd)
     EXPECT_EQ(back.getSeverity(), 2);
 }
 
-TEST(Deserialize, GivesBackKeySeverityAndTheThreeArgumentKinds)
-{
-    CFiIcuMessage original = threeKinds();
-    CFiIcuMessage back(original.serialize());
-    EXPECT_EQ(back.getMessageKey(), "MSG_ERROR_VERSION_CHECK");
-    EXPECT_EQ(back.getSeverity(), QRN_SEVERITY_ERROR);
-    EXPECT_EQ(back.getFile(), "") << "the source position doesn't travel";
-    EXPECT_EQ(back.getLine(), 0);
-    auto args = argumentsOf(back);
-    ASSERT_EQ(args.size(), 3u);
-    EXPECT_EQ(args[0].getType(), icu::Formattable::kString);
-    EXPECT_EQ(CFiStringTool::ustr2str(args[0].getString()), "disk \xC3\xBC");
-    EXPECT_EQ(args[1].getType(), icu::Formattable::kLong);
-    EXPECT_EQ(args[1].getLong(), -42);
-    EXPECT_EQ(args[2].getType(), icu::Formattable::kDouble);
-    EXPECT_DOUBLE_EQ(args[2].getDouble(), 2.5);
-    EXPECT_EQ(textOf(back.serialize()), textOf(original.serialize())) << "a second trip changes nothing";
-}
-
 // What the text form can't hold: doubles keep six digits, dates come back as doubles, a '<'
 // cuts its value, and types it doesn't know are dropped, later arguments moving up.
 TEST(Deserialize, ArgumentsTheTextCantHoldAsTheyWere)

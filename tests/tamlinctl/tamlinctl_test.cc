@@ -131,19 +131,6 @@ TEST(Tamlinctl, BadUsageIsRefusedBeforeTheProviderIsLoaded)
     EXPECT_EQ(tamlinctl(bad + "disks --enclosure-name EVA1 --no-snapshots").status, 3);
 }
 
-TEST(Tamlinctl, ErrmsgGivesTheSameTextForACodeAndItsOffsetForm)
-{
-    CommandRun run = tamlinctl("errmsg 6006 6");
-    EXPECT_EQ(run.status, 0) << run.output;
-    size_t first = run.output.find("6006: ");
-    size_t second = run.output.find("\n6: ");
-    ASSERT_NE(first, std::string::npos) << run.output;
-    ASSERT_NE(second, std::string::npos) << run.output;
-    std::string a = run.output.substr(first + 6, run.output.find('\n', first) - first - 6);
-    std::string b = run.output.substr(second + 4, run.output.find('\n', second + 1) - second - 4);
-    EXPECT_EQ(a, b);
-}
-
 TEST(Tamlinctl, ConfigShowsSetsAndExplainsWhatItRefuses)
 {
     const TempInstallRoot &root = Install::site->root();
