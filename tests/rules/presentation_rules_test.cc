@@ -1,9 +1,7 @@
 // The rules of import and deport on presentations made in the test: which hosts lose the
-// disk, where the walk stops, when the host keeps what it has, the LUNs a shared disk tries,
-// and which names are the provider's copies.
+// disk, where the walk stops, when the host keeps what it has, and the LUNs a shared disk tries.
 #include <gtest/gtest.h>
 
-#include "hpeva_disknames.h"
 #include "hpeva_rules.h"
 
 using namespace hpeva_rules;
@@ -26,13 +24,6 @@ Walk plain(const std::map<std::string, int32_t> &presentations, bool singleHost,
 Walk shared(int32_t recordedLun)
 {
     return walkPresentations(kThree, kHost, true, false, true, recordedLun);
-}
-
-SHpEvaVdisk disk(const char *path)
-{
-    SHpEvaVdisk d;
-    d.objectname = path;
-    return d;
 }
 
 }  // namespace
@@ -107,20 +98,4 @@ TEST(LunChoice, TheRecordFirstThenTheFreeNumbersAndWhatIsNoLunStaysToBeSkipped)
     EXPECT_EQ(lunOfText("256"), -1);
     EXPECT_EQ(lunOfText("-3"), -1);
     EXPECT_EQ(lunOfText("12abc"), 12) << "read as atoi reads it";
-}
-
-TEST(CopyNames, TheFourSuffixesAndACounterOfThreeOrMoreLowerCaseHexDigits)
-{
-    EXPECT_TRUE(isCopyName(disk("\\Virtual Disks\\db\\data\\data_vsnap000")));
-    EXPECT_TRUE(isCopyName(disk("\\Virtual Disks\\db\\data\\data_snap00f")));
-    EXPECT_TRUE(isCopyName(disk("\\Virtual Disks\\db\\data_clone1000\\ACTIVE"))) << "a snapclone is a family";
-    EXPECT_TRUE(isCopyName(disk("\\Virtual Disks\\r\\data_drclone0ab\\ACTIVE")));
-    EXPECT_TRUE(isCopyName(disk("my_clone_clone002")));
-
-    EXPECT_FALSE(isCopyName(disk("\\Virtual Disks\\db\\data\\ACTIVE")));
-    EXPECT_FALSE(isCopyName(disk("\\Virtual Disks\\db\\data\\data_vsnap00")));
-    EXPECT_FALSE(isCopyName(disk("\\Virtual Disks\\db\\data\\data_vsnap00A")));
-    EXPECT_FALSE(isCopyName(disk("\\Virtual Disks\\db\\data\\data_snapshot000")));
-    EXPECT_FALSE(isCopyName(disk("\\Virtual Disks\\db\\_clone000\\ACTIVE"))) << "a name comes before the suffix";
-    EXPECT_FALSE(isCopyName(disk("\\Virtual Disks\\db_clone000\\data\\ACTIVE"))) << "only the disk's own name";
 }

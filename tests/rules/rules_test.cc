@@ -1,8 +1,9 @@
 // The provider's rules on records made in the test: which flags are refused, which filters pass
-// the provider, a cell and a disk, the checks of a snapshot group and the
-// free snapshot name.
+// the provider, a cell and a disk, the checks of a snapshot group, the
+// free snapshot name and which names are the provider's copies.
 #include <gtest/gtest.h>
 
+#include "hpeva_disknames.h"
 #include "hpeva_rules.h"
 
 using namespace hpeva_rules;
@@ -214,4 +215,20 @@ TEST(SnapshotNameRules, NoNameForASnapshotAndALongNameEndsTheSearch)
         freeSnapshotName(longName, true, "_vsnap", {"\\Virtual Disks\\f\\" + std::string(300, 'x')}, name, path));
     EXPECT_EQ(name.size(), SNAPSHOT_NAME_MAX);
     EXPECT_EQ(path.size(), SNAPSHOT_NAME_MAX);
+}
+
+TEST(CopyNames, TheFourSuffixesAndACounterOfThreeOrMoreLowerCaseHexDigits)
+{
+    EXPECT_TRUE(isCopyName(disk("\\Virtual Disks\\db\\data\\data_vsnap000")));
+    EXPECT_TRUE(isCopyName(disk("\\Virtual Disks\\db\\data\\data_snap00f")));
+    EXPECT_TRUE(isCopyName(disk("\\Virtual Disks\\db\\data_clone1000\\ACTIVE"))) << "a snapclone is a family";
+    EXPECT_TRUE(isCopyName(disk("\\Virtual Disks\\r\\data_drclone0ab\\ACTIVE")));
+    EXPECT_TRUE(isCopyName(disk("my_clone_clone002")));
+
+    EXPECT_FALSE(isCopyName(disk("\\Virtual Disks\\db\\data\\ACTIVE")));
+    EXPECT_FALSE(isCopyName(disk("\\Virtual Disks\\db\\data\\data_vsnap00")));
+    EXPECT_FALSE(isCopyName(disk("\\Virtual Disks\\db\\data\\data_vsnap00A")));
+    EXPECT_FALSE(isCopyName(disk("\\Virtual Disks\\db\\data\\data_snapshot000")));
+    EXPECT_FALSE(isCopyName(disk("\\Virtual Disks\\db\\_clone000\\ACTIVE"))) << "a name comes before the suffix";
+    EXPECT_FALSE(isCopyName(disk("\\Virtual Disks\\db_clone000\\data\\ACTIVE"))) << "only the disk's own name";
 }
