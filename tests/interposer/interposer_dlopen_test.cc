@@ -9,10 +9,9 @@
 #include <vector>
 
 #include "host_node.h"
-#include "provider_fixture.h"
 #include "qorinutil.h"
 #include "qrn_results.h"
-#include "temp_install_root.h"
+#include "started_provider.h"
 
 namespace {
 
@@ -24,35 +23,7 @@ std::wstring groupOf(const char *method)
     return std::wstring(method, method + strlen(method)) + L"_FIM_GROUP";
 }
 
-class Interposition : public ::testing::Test {
-protected:
-    static void SetUpTestSuite()
-    {
-        // A private install root: start-up finds no SSSU there, which interposition doesn't need.
-        s_root = new TempInstallRoot;
-        ASSERT_TRUE(s_root->ok());
-        ASSERT_TRUE(provider().isOpen());
-        uint16_t version[4] = {0, 0, 0, 0};
-        provider()->init(nullptr, version);
-        // The first guarded entry runs the delayed start; interpose ignores its result.
-        HostNode warmUp(L"warm-up");
-        qorin_objid *id = nullptr;
-        qorin_objid **groups = nullptr;
-        int32_t count = 0;
-        provider()->interpose(&warmUp.domain, &id, &groups, &count);
-    }
-    static void TearDownTestSuite()
-    {
-        provider()->fini();
-        delete s_root;
-    }
-
-    const ProviderLibrary &lib() { return provider(); }
-
-    static TempInstallRoot *s_root;
-};
-
-TempInstallRoot *Interposition::s_root = nullptr;
+using Interposition = StartedProvider;
 
 void freeIdArray(qorin_objid **ids, int32_t count)
 {
@@ -70,7 +41,7 @@ TEST_F(Interposition, ADiskNodeGetsThePrefixedNameAndTheFourGroups)
     qorin_objid *id = nullptr;
     qorin_objid **groups = nullptr;
     int32_t count = 0;
-    ASSERT_EQ(lib()->interpose(&disk.domain, &id, &groups, &count), QRN_INTERPOSED);
+    ASSERT_EQ(provider()->interpose(&disk.domain, &id, &groups, &count), QRN_INTERPOSED);
     ASSERT_NE(id, nullptr);
     EXPECT_EQ(std::wstring(id->text), L"<tamlin>" + std::wstring(kDisk));
     ASSERT_EQ(count, 4);
@@ -80,15 +51,15 @@ TEST_F(Interposition, ADiskNodeGetsThePrefixedNameAndTheFourGroups)
 
     qorin_objid **subordinates = nullptr;
     int32_t subordinateCount = -1;
-    EXPECT_EQ(lib()->claim(id, &subordinates, &subordinateCount), 2) << "the interposer node is claimed";
+    EXPECT_EQ(provider()->claim(id, &subordinates, &subordinateCount), 2) << "the interposer node is claimed";
     EXPECT_EQ(subordinateCount, 0);
-    EXPECT_EQ(lib()->claim(disk.domain.id, &subordinates, &subordinateCount), 0) << "the real node is not";
+    EXPECT_EQ(provider()->claim(disk.domain.id, &subordinates, &subordinateCount), 0) << "the real node is not";
     free(id);
     freeIdArray(groups, count);
 
     HostNode other(L"/dev/sdb");
     id = nullptr;
-    EXPECT_EQ(lib()->interpose(&other.domain, &id, &groups, &count), 0);
+    EXPECT_EQ(provider()->interpose(&other.domain, &id, &groups, &count), 0);
     EXPECT_EQ(id, nullptr);
 }
 
@@ -97,10 +68,10 @@ TEST_F(Interposition, NodesLiveFromInitToDeinitWithMethodsPointingAtTheirGroups)
     std::vector<HostNode *> groups;
     for (const char *method : kMethods) {
         groups.push_back(new HostNode(groupOf(method)));
-        ASSERT_EQ(lib()->init_node(&groups.back()->domain, nullptr, 0, nullptr), 0);
+        ASSERT_EQ(provider()->init_node(&groups.back()->domain, nullptr, 0, nullptr), 0);
     }
     HostNode node(L"<tamlin>" + std::wstring(kDisk));
-    ASSERT_EQ(lib()->init_node(&node.domain, nullptr, 0, nullptr), 0);
+    ASSERT_EQ(provider()->init_node(&node.domain, nullptr, 0, nullptr), 0);
     EXPECT_EQ(node.domain.name, node.domain.id->text);
     int i = 0;
     for (qrn_method_entry *entry = node.domain.methods; entry != nullptr; entry = entry->next, ++i) {
@@ -115,15 +86,15 @@ TEST_F(Interposition, NodesLiveFromInitToDeinitWithMethodsPointingAtTheirGroups)
     EXPECT_NE(node.domain.privateData, nullptr);
 
     char any[] = "any";
-    EXPECT_EQ(lib()->supports_fitype(&node.domain, any), 1);
+    EXPECT_EQ(provider()->supports_fitype(&node.domain, any), 1);
     EXPECT_EQ(node.capability, 3u);
 
     // Everything the provider built for the node goes with deinit_node.
-    lib()->deinit_node(&node.domain);
+    provider()->deinit_node(&node.domain);
     EXPECT_EQ(node.domain.methods, nullptr);
     EXPECT_EQ(node.domain.privateData, nullptr);
     for (HostNode *group : groups) {
-        lib()->deinit_node(&group->domain);
+        provider()->deinit_node(&group->domain);
         EXPECT_EQ(group->domain.methods, nullptr);
         EXPECT_EQ(group->domain.privateData, nullptr);
         delete group;
