@@ -102,15 +102,6 @@ TEST_F(Catalogs, LanguagesAndTheirFallbacks)
     EXPECT_EQ(manager->getMessage("MSG_NOT_THERE", L"given", "de"), L"given");
 }
 
-// With the factory but no bundle installed: CatalogsThroughDlopen.WithoutTheBundleTheKeyComesBack.
-TEST(CatalogManager, WithoutAFactoryTheKeyComesBack)
-{
-    TempInstallRoot root;
-    CFiMessageCatalogManager manager;
-    EXPECT_EQ(manager.getMessage("MSG_ERROR_NO_CREDENTIALS", nullptr, "de"), L"<MSG_ERROR_NO_CREDENTIALS>");
-    EXPECT_EQ(manager.getMessage("MSG_ERROR_NO_CREDENTIALS", L"given", ""), L"given");
-}
-
 namespace {
 
 // Catalogs whose opening fails until the test allows it, counting the attempts.

@@ -53,6 +53,29 @@ TEST(Singletons, DestroyEmptiesTheSlotAndTheNextAccessBuildsAnew)
     EXPECT_NE(first.get(), second.get());
 }
 
+namespace {
+
+// Every slot as it is at one moment.
+struct Slots {
+    Slots()
+    {
+        getPluginSingleton(plugin, false);
+        getCatalogManagerSingleton(catalogs, false);
+        getTraceLogSingleton(log, false);
+        getErrorManagerSingleton(errors, false);
+        getPrivateDataManagerSingleton(privateData, false);
+        getSessionManagerSingleton(sessions, false);
+    }
+    CFiPluginPtr plugin;
+    CFiCatalogManagerPtr catalogs;
+    CFiTraceLogPtr log;
+    CFiErrorManagerPtr errors;
+    CFiPrivateDataManagerPtr privateData;
+    CFiSessionManagerPtr sessions;
+};
+
+}  // namespace
+
 TEST(Singletons, FiniThenInitGivesFreshObjectsWhileSessionsSurvive)
 {
     ProviderInstall site;
@@ -60,47 +83,23 @@ TEST(Singletons, FiniThenInitGivesFreshObjectsWhileSessionsSurvive)
     uint16_t version[4] = {0, 0, 0, 0};
     ASSERT_EQ(tamlin_fi_pgn_init(nullptr, version), 0);
     EXPECT_EQ(version[0], 7);
-
-    CFiPluginPtr plugin;
-    CFiCatalogManagerPtr catalogs;
-    CFiTraceLogPtr log;
-    CFiErrorManagerPtr errors;
-    CFiPrivateDataManagerPtr privateData;
-    CFiSessionManagerPtr sessions;
-    getPluginSingleton(plugin, false);
-    getCatalogManagerSingleton(catalogs, false);
-    getTraceLogSingleton(log, false);
-    getErrorManagerSingleton(errors, false);
-    getPrivateDataManagerSingleton(privateData, false);
-    getSessionManagerSingleton(sessions, false);
-    CFiSessionPtr session = sessions->getSession("backup-42");
-    EXPECT_EQ(plugin->getProviderName(), L"tamlin");
+    Slots before;
+    CFiSessionPtr session = before.sessions->getSession("backup-42");
 
     tamlin_fi_pgn_fini();
     // fini dropped the process's reference: the plug-in lives on only through this test.
-    EXPECT_EQ(plugin->refCount(), 1);
+    EXPECT_EQ(before.plugin->refCount(), 1);
 
     ASSERT_EQ(tamlin_fi_pgn_init(nullptr, version), 0);
-    CFiPluginPtr plugin2;
-    CFiCatalogManagerPtr catalogs2;
-    CFiTraceLogPtr log2;
-    CFiErrorManagerPtr errors2;
-    CFiPrivateDataManagerPtr privateData2;
-    CFiSessionManagerPtr sessions2;
-    getPluginSingleton(plugin2, false);
-    getCatalogManagerSingleton(catalogs2, false);
-    getTraceLogSingleton(log2, false);
-    getErrorManagerSingleton(errors2, false);
-    getPrivateDataManagerSingleton(privateData2, false);
-    getSessionManagerSingleton(sessions2, false);
-    EXPECT_NE(plugin2.get(), plugin.get());
-    EXPECT_NE(catalogs2.get(), catalogs.get());
-    EXPECT_NE(log2.get(), log.get());
-    EXPECT_NE(errors2.get(), errors.get());
-    EXPECT_NE(privateData2.get(), privateData.get());
-    EXPECT_EQ(sessions2.get(), sessions.get());
-    EXPECT_EQ(sessions2->getSession("backup-42").get(), session.get());
-    EXPECT_EQ(plugin2->getProviderName(), L"tamlin");
+    Slots after;
+    EXPECT_NE(after.plugin.get(), before.plugin.get());
+    EXPECT_NE(after.catalogs.get(), before.catalogs.get());
+    EXPECT_NE(after.log.get(), before.log.get());
+    EXPECT_NE(after.errors.get(), before.errors.get());
+    EXPECT_NE(after.privateData.get(), before.privateData.get());
+    EXPECT_EQ(after.sessions.get(), before.sessions.get());
+    EXPECT_EQ(after.sessions->getSession("backup-42").get(), session.get());
+    EXPECT_EQ(after.plugin->getProviderName(), L"tamlin");
     tamlin_fi_pgn_fini();
 }
 
