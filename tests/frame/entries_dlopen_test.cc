@@ -37,7 +37,7 @@ TEST_F(Entries, AllSeventyResolve)
     EXPECT_TRUE(provider().missing().empty());
 }
 
-TEST_F(Entries, ClaimWithAnyNullArgumentIsNotClaimed)
+TEST_F(Entries, NullArgumentsAreNotClaimedAndNullOutParametersGiveThree)
 {
     qorin_objid *id = qorin_get_objid(L"<tamlin>UDID##HP##HSV##A##B", 64, 3);
     qorin_objid **subordinates = nullptr;
@@ -46,15 +46,11 @@ TEST_F(Entries, ClaimWithAnyNullArgumentIsNotClaimed)
     EXPECT_EQ(lib()->claim(id, nullptr, &count), 0);
     EXPECT_EQ(lib()->claim(id, &subordinates, nullptr), 0);
     free(id);
-}
 
-TEST_F(Entries, NullOutParametersGiveThree)
-{
     EXPECT_EQ(lib()->get_provider_info(nullptr), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(lib()->enumerate_nodes(nullptr, nullptr, 0, nullptr), QRN_ERR_INVALID_ARGUMENT);
     qrn_domain node = blankNode();
     qorin_objid **ids = nullptr;
-    int32_t count = 0;
     EXPECT_EQ(lib()->subobj_list(nullptr, &ids, &count), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(lib()->subobj_list(&node, nullptr, &count), QRN_ERR_INVALID_ARGUMENT);
     EXPECT_EQ(lib()->subobj_list(&node, &ids, nullptr), QRN_ERR_INVALID_ARGUMENT);
