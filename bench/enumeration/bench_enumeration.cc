@@ -130,25 +130,10 @@ int main(int argc, char **argv)
 
     const std::string bin = TAMLIN_BENCH_BIN_DIR;
     const std::string library = std::string(TAMLIN_BENCH_LIB_DIR) + "/libtamlin.so";
-    char pattern[] = "/tmp/tamlin-bench-XXXXXX";
-    if (mkdtemp(pattern) == nullptr) {
-        std::perror("bench_enumeration: mkdtemp");
+    const std::string dir = bench::makeSite("bench_enumeration", bin + "/evasim");
+    if (dir.empty()) {
         return 1;
     }
-    const std::string dir = pattern;
-    const std::string root = dir + "/root/";
-    std::filesystem::create_directories(root + "ConfigFiles");
-    std::filesystem::create_directories(dir + "/sssu");
-    std::filesystem::create_symlink(bin + "/evasim", dir + "/sssu/sssu_linux_x64");
-    std::ofstream(root + "ConfigFiles/tamlin.conf")
-        << "[DEBUG_TRACE_INFO]\n\"TRACELEVEL\"=dword:00000001\n\n[CLI_TOOL_INFO]\n\"FILEPATH\"=\"" << dir
-        << "/sssu/\"\n\"FILENAME\"=\"sssu_linux_x64\"\n\n[MANAGEMENT_APPLIANCE_INFO\\cv1]\n"
-           "\"HOSTNAME\"=\"cv1\"\n\"USERNAME\"=\"evasim\"\n\"PASSWORD\"=\"evasim\"\n";
-    setenv("QORIN_INSTALL_ROOT", root.c_str(), 1);
-    setenv("QORIN_REGISTRY", (dir + "/registry.conf").c_str(), 1);
-    setenv("QORIN_LOCK_DIR", dir.c_str(), 1);
-    setenv("EVASIM_HOME", (dir + "/evasim").c_str(), 1);
-    unsetenv("QORIN_CREDENTIAL_BLOB");
 
     std::printf("Making a cell of %d disks with evasim ...\n", disks);
     std::fflush(stdout);
